@@ -1,0 +1,47 @@
+# Front door: `make run` builds and starts the program, `make test` builds and runs every test.
+JOBS ?= $(shell nproc)
+CMAKE_GEN = -G Ninja
+
+.PHONY: all deps build run test test-debug test-asan fuzz bench clean
+
+all: build
+
+deps:
+	@tools/setup-debian.sh
+
+build: deps
+	cmake -S . -B build/release $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSONITRA_TESTS=OFF
+	cmake --build build/release -j $(JOBS)
+
+run: build
+	tools/run-demo.sh
+
+# Every test twice: a debug build, then under AddressSanitizer and UndefinedBehaviorSanitizer.
+test: deps test-debug test-asan
+
+test-debug:
+	cmake -S . -B build/debug $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_BENCH=OFF
+	cmake --build build/debug -j $(JOBS)
+	cd build/debug && ctest --output-on-failure -j $(JOBS)
+
+test-asan:
+	cmake -S . -B build/asan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_SANITIZE=ON -DSONITRA_BENCH=OFF
+	cmake --build build/asan -j $(JOBS)
+	cd build/asan && ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+# make fuzz TARGET=wav SECONDS=600
+TARGET ?= wav
+SECONDS ?= 60
+fuzz: deps
+	CC=clang CXX=clang++ cmake -S . -B build/fuzz $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSONITRA_FUZZ=ON
+	cmake --build build/fuzz -j $(JOBS) --target fuzz_$(TARGET)
+	mkdir -p fuzz/corpus-$(TARGET)
+	build/fuzz/fuzz_$(TARGET) -max_total_time=$(SECONDS) -rss_limit_mb=2048 -timeout=10 fuzz/corpus-$(TARGET) fuzz/seeds/$(TARGET)
+
+bench: build
+	cmake -S . -B build/release $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSONITRA_TESTS=OFF -DSONITRA_BENCH=ON
+	cmake --build build/release -j $(JOBS)
+	bench/run-all.sh build/release
+
+clean:
+	rm -rf build

@@ -1,0 +1,62 @@
+// A file handle wrapper with 64-bit positions, and path helpers that refuse over-long paths.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+class LFile
+{
+public:
+    enum OpenMode
+    {
+        ReadExisting,      // read only, the file must exist
+        ReadWriteExisting, // read and write, the file must exist
+        ReadWriteKeep,     // read and write, created if absent, kept if present
+        ReadWriteCreate,   // read and write, created anew (emptied if present)
+    };
+    enum SeekFrom
+    {
+        FromBegin,
+        FromCurrent,
+        FromEnd,
+    };
+
+    static constexpr size_t kMaxPath = 4096;
+
+    LFile() = default;
+    LFile(const LFile&) = delete;
+    LFile& operator=(const LFile&) = delete;
+    // Taking over a handle leaves the other holding an invalid one.
+    LFile(LFile&& other) noexcept : hFile(other.hFile) { other.hFile = -1; }
+    LFile& operator=(LFile&& other) noexcept;
+    ~LFile() { Close(); }
+
+    bool Open(const std::string& szPath, OpenMode mode);
+    void Close();
+    bool IsOpen() const { return hFile >= 0; }
+
+    // Both return the bytes moved (0 on error or end of file); short only at the end or on error.
+    int64_t Read(void* pBuffer, int64_t nBytes);
+    int64_t Write(const void* pBuffer, int64_t nBytes);
+    // Returns the new position, or -1.
+    int64_t Seek(int64_t nOffset, SeekFrom from = FromBegin);
+    int64_t Tell();
+    int64_t Size();
+    // Cuts the file at the current position.
+    bool Truncate();
+
+    static bool Exists(const std::string& szPath);
+    static bool Delete(const std::string& szPath);
+    static bool Rename(const std::string& szFrom, const std::string& szTo);
+
+    // Replaces (or adds) the extension of szPath; szExt includes the dot.
+    static bool ApplyNewFileExtension(std::string& szPath, const std::string& szExt);
+    // szOut = folder + name, with a separator between them when the folder lacks one.
+    static bool FilePathCat(std::string& szOut, const std::string& szFolderPath, const std::string& szName);
+    static std::string FileNameOf(const std::string& szPath);
+    static std::string FolderOf(const std::string& szPath);
+    static std::string ExtensionOf(const std::string& szPath); // lower case, with the dot
+
+private:
+    int hFile = -1;
+};

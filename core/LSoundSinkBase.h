@@ -1,0 +1,45 @@
+// The push-model sound sink. A sink finishes its output in its destructor.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "core/LCountedPtr.h"
+
+class LSoundSinkBase
+{
+public:
+    LSoundSinkBase(int32_t nSampleRate, uint8_t nChans);
+    LSoundSinkBase(const LSoundSinkBase&) = delete;
+    LSoundSinkBase& operator=(const LSoundSinkBase&) = delete;
+    virtual ~LSoundSinkBase() = default;
+
+    virtual void Write(const int32_t* pBuffer, int32_t nFrames) = 0;
+    virtual void SetPosition(int32_t sNewPosition) {}
+
+    int32_t GetPosition() const { return sPosition; }
+    int32_t GetSampleRate() const { return nSampleRate; }
+    uint8_t GetChannels() const { return nChans; }
+    bool IsError() const { return (nFlags & kFlagError) != 0; }
+    void SetError() { nFlags |= kFlagError; }
+
+    void AddRef() { ++nRefCount; }
+    void Release()
+    {
+        if (--nRefCount == 0)
+            delete this;
+    }
+
+    static constexpr uint8_t kFlagError = 1;
+
+protected:
+    int32_t sPosition = 0;
+    int32_t nSampleRate;
+    uint8_t nChans;
+    uint8_t nFlags = 0;
+
+private:
+    std::atomic<uint16_t> nRefCount{0};
+};
+
+using LSoundSinkPtr = LCountedPtr<LSoundSinkBase>;

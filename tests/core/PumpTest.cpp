@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include "core/LMemorySound.h"
+#include "core/LPRSourceToSink.h"
+#include "core/LSRCConvertChannels.h"
+
+namespace {
+
+class ScriptedDialog : public LProgressDialog
+{
+public:
+    ScriptedDialog() : LProgressDialog("test") {}
+    int32_t Process() override { return 0; }
+};
+
+std::vector<int32_t> Ramp(int nFrames, int nChans, int32_t nStep = 16)
+{
+    std::vector<int32_t> v(static_cast<size_t>(nFrames) * nChans);
+    for (size_t i = 0; i < v.size(); ++i)
+        v[i] = static_cast<int32_t>(i) * nStep % 0x7FFF0;
+    return v;
+}
+
+int32_t PumpAll(LSoundSourceBase* pSrc, LSoundSinkBase* pSink)
+{
+    ScriptedDialog dlg;
+    return LPRSourceToSink::Pump(dlg, "Saving", pSrc, pSink);
+}
+
+} // namespace
+
+TEST(Pump, CopiesExactlyTheSourceLengthAcrossBlockBoundaries)
+{
+    for (int nFrames : {0, 1, 8191, 8192, 8193, 3 * 8192, 20000}) {
+        auto vIn = Ramp(nFrames, 2);
+        LSoundSourcePtr pSrc(new LSRCMemory(vIn, 44100, 2));
+        LCountedPtr<LSNKMemory> pSink(new LSNKMemory(44100, 2));
+        EXPECT_EQ(PumpAll(pSrc.Get(), pSink.Get()), 0);
+        EXPECT_EQ(pSink->GetSamples(), vIn) << nFrames;
+    }
+}
+
+TEST(Pump, RefusesLatchedSourceOrMissingSink)
+{
+    LSoundSourcePtr pSilent(new LSRCSilence);
+    LCountedPtr<LSNKMemory> pSink(new LSNKMemory(44100, 1));
+    EXPECT_EQ(PumpAll(pSilent.Get(), pSink.Get()), 2);
+    LSoundSourcePtr pSrc(new LSRCMemory(Ramp(10, 1), 44100, 1));
+    EXPECT_EQ(PumpAll(pSrc.Get(), nullptr), 2);
+}
+
+TEST(Pump, ChannelConversionKeepsLeftAndDuplicatesMono)
+{
+    std::vector<int32_t> vStereo = {1, 100, 2, 200, 3, 300};
+    LSoundSourcePtr pSrc(new LSRCMemory(vStereo, 8000, 2));
+    LCountedPtr<LSNKMemory> pMono(new LSNKMemory(8000, 1));
+    ASSERT_EQ(PumpAll(pSrc.Get(), pMono.Get()), 0);
+    EXPECT_EQ(pMono->GetSamples(), (std::vector<int32_t>{1, 2, 3}));
+
+    LSoundSourcePtr pMonoSrc(new LSRCMemory({5, 6}, 8000, 1));
+    LCountedPtr<LSNKMemory> pStereo(new LSNKMemory(8000, 2));
+    ASSERT_EQ(PumpAll(pMonoSrc.Get(), pStereo.Get()), 0);
+    EXPECT_EQ(pStereo->GetSamples(), (std::vector<int32_t>{5, 5, 6, 6}));
+}
+
+TEST(Pump, WrapsOnlySourcesAboveSixteenBitFullScaleInTheLimiter)
+{
+    LSoundSourcePtr p16(new LSRCMemory({1}, 44100, 1, 0x7FFF0));
+    EXPECT_EQ(LPRSourceToSink::Adapt(p16.Get(), 44100, 1).Get(), p16.Get());
+    LSoundSourcePtr pDoc(new LSRCMemory({1}, 44100, 1, 0x200000));
+    LSoundSourcePtr pAdapted = LPRSourceToSink::Adapt(pDoc.Get(), 44100, 1);
+    EXPECT_NE(pAdapted.Get(), pDoc.Get());
+    EXPECT_LE(pAdapted->GetMaxAmplitude(), 0x7FFF0);
+}
+
+TEST(Pump, CancelBeforeFirstBlockWritesNothing)
+{
+    class CancelHost : public LQuietProgressHost
+    {
+    public:
+        bool Pump() override { return false; }
+    };
+    class CancelFactory : public LProgressHostFactory
+    {
+    public:
+        std::unique_ptr<LProgressHost> Create() override { return std::make_unique<CancelHost>(); }
+    } factory;
+    LSoundSourcePtr pSrc(new LSRCMemory(Ramp(100, 1), 44100, 1));
+    LCountedPtr<LSNKMemory> pSink(new LSNKMemory(44100, 1));
+    LPRSourceToSink pump("Saving", pSrc.Get(), pSink.Get());
+    EXPECT_EQ(pump.Run(&factory), 1);
+    EXPECT_TRUE(pSink->GetSamples().empty());
+}

@@ -1,0 +1,106 @@
+#include "support/TestSupport.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace testsupport {
+
+TempDir::TempDir()
+{
+    std::string szTemplate = (std::filesystem::temp_directory_path() / "sonitra-test-XXXXXX").string();
+    std::vector<char> buf(szTemplate.begin(), szTemplate.end());
+    buf.push_back('\0');
+    char* p = ::mkdtemp(buf.data());
+    szPath = p ? p : "/tmp";
+}
+
+TempDir::~TempDir()
+{
+    std::error_code ec;
+    if (szPath != "/tmp")
+        std::filesystem::remove_all(szPath, ec);
+}
+
+int RunCommand(const std::string& szCommand, std::string* pOutput)
+{
+    FILE* f = ::popen(szCommand.c_str(), "r");
+    if (!f)
+        return -1;
+    char buf[4096];
+    size_t n;
+    while ((n = std::fread(buf, 1, sizeof(buf), f)) > 0)
+        if (pOutput)
+            pOutput->append(buf, n);
+    int status = ::pclose(f);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool HaveTool(const std::string& szName)
+{
+    return RunCommand("command -v " + szName + " >/dev/null 2>&1") == 0;
+}
+
+std::vector<uint8_t> ReadFileBytes(const std::string& szPath)
+{
+    std::ifstream in(szPath, std::ios::binary);
+    return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void WriteFileBytes(const std::string& szPath, const std::vector<uint8_t>& vBytes)
+{
+    std::ofstream out(szPath, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(vBytes.data()), static_cast<std::streamsize>(vBytes.size()));
+}
+
+static void Put16(std::vector<uint8_t>& v, uint32_t x)
+{
+    v.push_back(x & 0xFF);
+    v.push_back((x >> 8) & 0xFF);
+}
+static void Put32(std::vector<uint8_t>& v, uint32_t x)
+{
+    Put16(v, x & 0xFFFF);
+    Put16(v, x >> 16);
+}
+
+void WriteSimpleWav(const std::string& szPath, int nRate, int nChans, int nBits, const std::vector<int32_t>& vFileSamples)
+{
+    const uint32_t nBytesPer = nBits / 8;
+    const uint32_t nData = static_cast<uint32_t>(vFileSamples.size()) * nBytesPer;
+    std::vector<uint8_t> v;
+    for (char c : std::string("RIFF")) v.push_back(c);
+    Put32(v, 36 + nData);
+    for (char c : std::string("WAVEfmt ")) v.push_back(c);
+    Put32(v, 16);
+    Put16(v, 1);
+    Put16(v, nChans);
+    Put32(v, nRate);
+    Put32(v, nRate * nChans * nBytesPer);
+    Put16(v, nChans * nBytesPer);
+    Put16(v, nBits);
+    for (char c : std::string("data")) v.push_back(c);
+    Put32(v, nData);
+    for (int32_t s : vFileSamples) {
+        if (nBits == 8)
+            v.push_back(static_cast<uint8_t>(s));
+        else
+            Put16(v, static_cast<uint16_t>(s));
+    }
+    WriteFileBytes(szPath, v);
+}
+
+std::vector<int32_t> Sine16(int nRate, int nChans, int nFrames, double fHz, double fAmplitude)
+{
+    std::vector<int32_t> v(static_cast<size_t>(nFrames) * nChans);
+    for (int i = 0; i < nFrames; ++i)
+        for (int c = 0; c < nChans; ++c)
+            v[static_cast<size_t>(i) * nChans + c] =
+                static_cast<int32_t>(std::lround(fAmplitude * std::sin(2.0 * M_PI * fHz * i / nRate + c)));
+    return v;
+}
+
+} // namespace testsupport
