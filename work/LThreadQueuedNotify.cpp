@@ -107,8 +107,11 @@ int LThreadQueuedNotify::WaitAndDrainQueue(int32_t nTimeoutMs)
 
 void LProgressNotifier::Update(double fValue)
 {
+    // The step is meant in hundredths as written, so 0.46 to 0.50 counts as a full 0.04
+    // although its binary difference falls a hair short.
+    constexpr double kStep = 0.04 - 1e-9;
     double fPrev = fLast.load();
-    if (fValue - fPrev < 0.04 && fPrev - fValue < 0.04)
+    if (fValue - fPrev < kStep && fPrev - fValue < kStep)
         return;
     fLast = fValue;
     if (pTarget)
