@@ -1,0 +1,28 @@
+// The base of the in-place effect stages: a source over an input source that takes the input's
+// rate, channels, amplitude and error latch, reads a block from it and transforms it in place.
+#pragma once
+
+#include "core/LSoundSourceBase.h"
+
+class LSRCEffectBase : public LSoundSourceBase
+{
+public:
+    explicit LSRCEffectBase(LSoundSourceBase* pIn)
+        : LSoundSourceBase(pIn->GetSampleRate(), pIn->GetChannels(), pIn->GetMaxAmplitude()), pInput(pIn)
+    {
+        if (pIn->IsError())
+            SetError();
+    }
+
+    int32_t GetPosition() override { return pInput->GetPosition(); }
+    int32_t GetLength() override { return pInput->GetLength(); }
+
+protected:
+    LSoundSourcePtr pInput;
+};
+
+// Frames of t milliseconds at a rate, split so that long times do not overflow.
+inline int32_t LMsToFrames(int32_t nMs, int32_t nRate)
+{
+    return (nMs / 1000) * nRate + ((nMs % 1000) * nRate) / 1000;
+}
