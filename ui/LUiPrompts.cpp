@@ -1,0 +1,56 @@
+#include "ui/LUiPrompts.h"
+
+#include <QFileDialog>
+#include <QMessageBox>
+
+namespace {
+LUiPrompts* g_pPrompts = nullptr;
+}
+
+LUiPrompts& LUiPrompts::Get()
+{
+    static LQtUiPrompts qt;
+    return g_pPrompts ? *g_pPrompts : qt;
+}
+
+void LUiPrompts::Set(LUiPrompts* pPrompts)
+{
+    g_pPrompts = pPrompts;
+}
+
+LUiPrompts::Answer LQtUiPrompts::Ask(QWidget* pParent, const QString& szCaption, const QString& szText, bool bCancel)
+{
+    QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No;
+    if (bCancel)
+        buttons |= QMessageBox::Cancel;
+    auto r = QMessageBox::question(pParent, szCaption, szText, buttons, QMessageBox::Yes);
+    if (r == QMessageBox::Yes)
+        return AnswerYes;
+    if (r == QMessageBox::No)
+        return AnswerNo;
+    return AnswerCancel;
+}
+
+void LQtUiPrompts::Inform(QWidget* pParent, const QString& szCaption, const QString& szText, Icon icon)
+{
+    if (icon == IconInformation)
+        QMessageBox::information(pParent, szCaption, szText);
+    else if (icon == IconWarning)
+        QMessageBox::warning(pParent, szCaption, szText);
+    else
+        QMessageBox::critical(pParent, szCaption, szText);
+}
+
+QStringList LQtUiPrompts::GetOpenFileNames(QWidget* pParent, const QString& szTitle, const QString& szFolder,
+                                           const QString& szFilter)
+{
+    return QFileDialog::getOpenFileNames(pParent, szTitle, szFolder, szFilter);
+}
+
+QString LQtUiPrompts::GetSaveFileName(QWidget* pParent, const QString& szTitle, const QString& szFolder,
+                                      const QString& szFilter)
+{
+    // The replace question is asked by the editor itself, with its own words.
+    return QFileDialog::getSaveFileName(pParent, szTitle, szFolder, szFilter, nullptr,
+                                        QFileDialog::DontConfirmOverwrite);
+}

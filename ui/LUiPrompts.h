@@ -1,0 +1,52 @@
+// Every question the editor asks the user goes through here: message boxes and file dialogs.
+// The program uses the Qt dialogs; tests install a scripted replacement that answers them.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class QWidget;
+
+class LUiPrompts
+{
+public:
+    enum Answer
+    {
+        AnswerYes,
+        AnswerNo,
+        AnswerCancel,
+    };
+    enum Icon
+    {
+        IconInformation,
+        IconWarning,
+        IconError,
+    };
+
+    virtual ~LUiPrompts() = default;
+
+    // A question with Yes and No buttons, plus Cancel when bCancel.
+    virtual Answer Ask(QWidget* pParent, const QString& szCaption, const QString& szText, bool bCancel) = 0;
+    virtual void Inform(QWidget* pParent, const QString& szCaption, const QString& szText, Icon icon) = 0;
+    // Empty list when the user cancels.
+    virtual QStringList GetOpenFileNames(QWidget* pParent, const QString& szTitle, const QString& szFolder,
+                                         const QString& szFilter) = 0;
+    // Empty when the user cancels.
+    virtual QString GetSaveFileName(QWidget* pParent, const QString& szTitle, const QString& szFolder,
+                                    const QString& szFilter) = 0;
+
+    static LUiPrompts& Get();
+    // Not owned; null restores the Qt dialogs.
+    static void Set(LUiPrompts* pPrompts);
+};
+
+class LQtUiPrompts : public LUiPrompts
+{
+public:
+    Answer Ask(QWidget* pParent, const QString& szCaption, const QString& szText, bool bCancel) override;
+    void Inform(QWidget* pParent, const QString& szCaption, const QString& szText, Icon icon) override;
+    QStringList GetOpenFileNames(QWidget* pParent, const QString& szTitle, const QString& szFolder,
+                                 const QString& szFilter) override;
+    QString GetSaveFileName(QWidget* pParent, const QString& szTitle, const QString& szFolder,
+                            const QString& szFilter) override;
+};
