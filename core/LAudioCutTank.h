@@ -1,0 +1,60 @@
+// The one store of audio segments. Each segment is written once into "%d.aud" (raw frames) and
+// "%d.grf" (its overview) in the working folder and shared by reference count; the files go
+// with the last reference. Counts are touched from any thread and guarded by one mutex.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+
+class LAudioCutTank
+{
+public:
+    static constexpr uint16_t kSilentRef = 0xFFFF;
+    static constexpr uint16_t kMaxCount = 0xFFFF;
+
+    // The program's tank. Its folder is chosen on first use: the "Folders" setting
+    // "WorkingFolder" when present, otherwise the user's cache folder; in both cases a
+    // sub-folder of this process, so that two running programs never sweep each other.
+    static LAudioCutTank& Instance();
+
+    // A tank over a folder of the caller's choice (created on first use).
+    explicit LAudioCutTank(const std::string& szFolder);
+    LAudioCutTank(const LAudioCutTank&) = delete;
+    LAudioCutTank& operator=(const LAudioCutTank&) = delete;
+    // Sweeps the working folder: every segment file in it is deleted.
+    ~LAudioCutTank();
+
+    // Claims the lowest free number with a count of 1. When none is free, returns 0 claiming
+    // nothing; *pbClaimed (when given) tells the two apart.
+    uint16_t GetNewRefAndIncRef(bool* pbClaimed = nullptr);
+    void IncRef(uint16_t nRef);
+    // The last release deletes both files of the segment.
+    void DecRef(uint16_t nRef);
+    uint16_t GetRefCount(uint16_t nRef);
+    // How many numbers are in use (tests and leak checks).
+    int32_t CountUsedRefs();
+
+    // Empty for the silent reference.
+    std::string GetAudFilePath(uint16_t nRef);
+    std::string GetGrfFilePath(uint16_t nRef);
+    // The folder with its trailing separator; created when first asked for.
+    std::string GetWorkingFolder();
+
+    // Deletes every "*.aud" and "*.grf" file in the working folder; false when one could not go.
+    bool Sweep();
+
+private:
+    LAudioCutTank();
+    std::string SegmentPath(uint16_t nRef, const char* szExt);
+    void DeleteSegmentFiles(uint16_t nRef);
+    static std::string DefaultFolder();
+
+    std::mutex mtxFolder;
+    std::string szWorkingFolder;
+    std::string szChosenFolder; // what the folder will be; empty until the default is chosen
+    bool bFolderReady = false;
+    bool bOwnsFolder = false; // a per-process folder is removed by the sweep
+    std::mutex mtxCounts;
+    uint16_t vCounts[65536] = {};
+};

@@ -1,0 +1,108 @@
+#include "core/LCutListAudioSource.h"
+
+#include <algorithm>
+#include <bit>
+#include <climits>
+
+#include "core/LAudioCutTank.h"
+#include "core/LCutListAudio.h"
+#include "core/LFixed.h"
+#include "core/LTrace.h"
+
+LCutListAudioSource::LCutListAudioSource(const LCutListAudio& doc)
+    : LSoundSourceBase(doc.GetSampleRate(), doc.GetChannels(), kMaxAmplitude),
+      lstCuts(doc.GetCuts()),
+      itNext(lstCuts),
+      sLength(doc.GetLength())
+{
+}
+
+int32_t LCutListAudioSource::GetPosition()
+{
+    return static_cast<int32_t>(std::clamp<int64_t>(sPosition, INT32_MIN, INT32_MAX));
+}
+
+void LCutListAudioSource::OpenCut(const LAudioCut& cut, int64_t sInto)
+{
+    fileAud.Close();
+    nCutLeft = cut.sLength - sInto;
+    if (cut.IsSilent())
+        return;
+    const int64_t nFrameBytes = static_cast<int64_t>(nChans) * 4;
+    // A segment that cannot be opened reads as silence for its cut.
+    if (!fileAud.Open(LAudioCutTank::Instance().GetAudFilePath(cut.nRef), LFile::ReadExisting)) {
+        LTRACE("LCutListAudioSource::OpenCut cannot open segment %u", cut.nRef);
+        return;
+    }
+    const int64_t sFirst = cut.sOffset + sInto;
+    if (sFirst > 0)
+        fileAud.Seek(sFirst * nFrameBytes);
+    nGain = cut.nGain;
+}
+
+void LCutListAudioSource::ReadCutFrames(int32_t* pBuffer, int32_t nFrames)
+{
+    const int64_t nSamples = static_cast<int64_t>(nFrames) * nChans;
+    const int64_t nGot = fileAud.IsOpen() ? fileAud.Read(pBuffer, nSamples * 4) / 4 : 0;
+    std::fill(pBuffer + nGot, pBuffer + nSamples, 0);
+    if constexpr (std::endian::native == std::endian::big) {
+        for (int64_t i = 0; i < nGot; ++i)
+            pBuffer[i] = static_cast<int32_t>(__builtin_bswap32(static_cast<uint32_t>(pBuffer[i])));
+    }
+    if (nGain != kGainUnity) {
+        const int32_t g = nGain;
+        for (int64_t i = 0; i < nGot; ++i)
+            pBuffer[i] = LMulGain824(pBuffer[i], g);
+    }
+}
+
+void LCutListAudioSource::Read(int32_t* pBuffer, int32_t nFrames)
+{
+    if (nFrames <= 0)
+        return;
+    int64_t nLeft = nFrames;
+    if (sPosition < 0) {
+        const int64_t nZeros = std::min(-sPosition, nLeft);
+        LZeroFrames(pBuffer, static_cast<int32_t>(nZeros), nChans);
+        pBuffer += nZeros * nChans;
+        nLeft -= nZeros;
+        sPosition += nZeros;
+    }
+    sPosition += nLeft;
+    while (nLeft > 0) {
+        const int64_t nTake = std::min(nCutLeft, nLeft);
+        if (nTake > 0) {
+            ReadCutFrames(pBuffer, static_cast<int32_t>(nTake));
+            pBuffer += nTake * nChans;
+            nLeft -= nTake;
+            nCutLeft -= nTake;
+        }
+        if (nCutLeft == 0) {
+            fileAud.Close();
+            if (!itNext.IsValid())
+                break;
+            OpenCut(*itNext, 0);
+            itNext.Next();
+        }
+    }
+    LZeroFrames(pBuffer, static_cast<int32_t>(nLeft), nChans);
+}
+
+void LCutListAudioSource::SetPosition(int32_t sNewPosition)
+{
+    fileAud.Close();
+    sPosition = sNewPosition;
+    nCutLeft = 0;
+    itNext.First();
+    if (sNewPosition < 1)
+        return;
+    int64_t p = sNewPosition;
+    while (itNext.IsValid() && p >= itNext->sLength) {
+        p -= itNext->sLength;
+        itNext.Next();
+    }
+    if (!itNext.IsValid())
+        return; // past the end: everything reads as zeros
+    OpenCut(*itNext, p);
+    itNext.Next();
+}
