@@ -36,7 +36,7 @@ fuzz: deps
 	CC=clang CXX=clang++ cmake -S . -B build/fuzz $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSONITRA_FUZZ=ON
 	cmake --build build/fuzz -j $(JOBS) --target fuzz_$(TARGET)
 	mkdir -p fuzz/corpus-$(TARGET)
-	build/fuzz/fuzz_$(TARGET) -max_total_time=$(SECONDS) -rss_limit_mb=2048 -timeout=10 fuzz/corpus-$(TARGET) fuzz/seeds/$(TARGET)
+	build/fuzz/fuzz/fuzz_$(TARGET) -max_total_time=$(SECONDS) -rss_limit_mb=2048 -timeout=10 fuzz/corpus-$(TARGET) fuzz/seeds/$(TARGET)
 
 bench: build
 	cmake -S . -B build/release $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSONITRA_TESTS=OFF -DSONITRA_BENCH=ON

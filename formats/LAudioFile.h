@@ -10,12 +10,21 @@
 
 class LProgressDialog;
 
+// What a file holds, for showing to the user and for keeping its form when saving.
+struct LAudioFileDetails
+{
+    std::string szFormat;   // "WAV"
+    std::string szEncoding; // "PCM 16-bit"
+    int nBits = 0;          // 8 or 16: the sample width PCM reads as; 0 for other encodings
+};
+
 class LAudioFile
 {
 public:
     // Never null: on failure a latched silent source, with the reason in *pszError when given
     // (a one-line text for the user, e.g. "not a WAV file: no RIFF WAVE chunk found").
     static LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError = nullptr);
+    static LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError, LAudioFileDetails* pDetails);
 
     // A sink writing the format the extension names (".wav": PCM of nBits 8 or 16).
     // Null on failure, with the reason in *pszError.

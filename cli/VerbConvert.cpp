@@ -1,0 +1,144 @@
+// sonitra-cli convert IN OUT [--rate N] [--channels 1|2] [--bits 8|16]
+#include <cstdlib>
+
+#include "cli/LCliVerb.h"
+#include "formats/LAudioFile.h"
+#include "work/LProgressDialog.h"
+
+namespace {
+
+const char kUsage[] =
+    "usage: sonitra-cli convert IN OUT [--rate N] [--channels 1|2] [--bits 8|16]\n"
+    "\n"
+    "Reads IN and writes OUT in the format its extension names (.wav). Without options OUT\n"
+    "keeps the rate, channels and bits of IN.\n"
+    "\n"
+    "  --rate N         sample rate of OUT in Hz (1 to 196000)\n"
+    "  --channels 1|2   1 keeps the left channel of a stereo file, 2 doubles a mono one\n"
+    "  --bits 8|16      bits per sample of OUT\n"
+    "\n"
+    "OUT is written beside its final name and renamed when complete, so an existing OUT is\n"
+    "left intact if the conversion fails or is cancelled (Ctrl+C).\n"
+    "Exit status: 0 done, 1 cancelled, 2 error, 64 wrong usage.";
+
+struct Options
+{
+    std::string szIn;
+    std::string szOut;
+    int nRate = 0; // 0: as the input
+    int nChans = 0;
+    int nBits = 0;
+};
+
+bool ParseNumber(const std::string& szText, int nMin, int nMax, int& nValue)
+{
+    char* pEnd = nullptr;
+    const long n = std::strtol(szText.c_str(), &pEnd, 10);
+    if (szText.empty() || *pEnd != '\0' || n < nMin || n > nMax)
+        return false;
+    nValue = static_cast<int>(n);
+    return true;
+}
+
+bool UsageError(const std::string& szText)
+{
+    LCliError("convert: " + szText + " (try sonitra-cli convert --help)");
+    return false;
+}
+
+// Takes "--name VALUE" or "--name=VALUE" at vArgs[i].
+bool TakeOption(const std::vector<std::string>& vArgs, size_t& i, Options& opt)
+{
+    std::string szName = vArgs[i];
+    std::string szValue;
+    const size_t nEq = szName.find('=');
+    if (nEq != std::string::npos) {
+        szValue = szName.substr(nEq + 1);
+        szName.resize(nEq);
+    } else if (i + 1 < vArgs.size()) {
+        szValue = vArgs[++i];
+    } else {
+        return UsageError(szName + " needs a value");
+    }
+    if (szName == "--rate")
+        return ParseNumber(szValue, 1, 196000, opt.nRate) || UsageError("--rate takes 1 to 196000 Hz");
+    if (szName == "--channels")
+        return ParseNumber(szValue, 1, 2, opt.nChans) || UsageError("--channels takes 1 or 2");
+    if (szName == "--bits")
+        return (ParseNumber(szValue, 8, 16, opt.nBits) && (opt.nBits == 8 || opt.nBits == 16)) ||
+               UsageError("--bits takes 8 or 16");
+    return UsageError("unknown option '" + szName + "'");
+}
+
+bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
+{
+    std::vector<std::string> vFiles;
+    for (size_t i = 0; i < vArgs.size(); ++i) {
+        if (vArgs[i].size() > 1 && vArgs[i][0] == '-') {
+            if (!TakeOption(vArgs, i, opt))
+                return false;
+        } else {
+            vFiles.push_back(vArgs[i]);
+        }
+    }
+    if (vFiles.size() != 2)
+        return UsageError("needs exactly one input and one output file");
+    opt.szIn = vFiles[0];
+    opt.szOut = vFiles[1];
+    return true;
+}
+
+class LPRConvert : public LProgressDialog
+{
+public:
+    LPRConvert(const Options& opt, LSoundSourceBase* pSrc, int nBits)
+        : LProgressDialog("Converting " + opt.szIn), opt(opt), pSource(pSrc), nBits(nBits)
+    {
+    }
+
+    int32_t Process() override
+    {
+        const int32_t nRate = opt.nRate ? opt.nRate : pSource->GetSampleRate();
+        const uint8_t nChans = opt.nChans ? static_cast<uint8_t>(opt.nChans) : pSource->GetChannels();
+        return LAudioFile::Save(*this, GetTitle(), pSource.Get(), opt.szOut, nRate, nChans, nBits, &szError);
+    }
+
+    std::string szError;
+
+private:
+    const Options& opt;
+    LSoundSourcePtr pSource;
+    int nBits;
+};
+
+int RunConvert(const std::vector<std::string>& vArgs)
+{
+    Options opt;
+    if (!ParseArgs(vArgs, opt))
+        return CliUsage;
+    std::string szError;
+    LAudioFileDetails details;
+    LSoundSourcePtr pSource = LAudioFile::OpenSource(opt.szIn, &szError, &details);
+    if (pSource->IsError()) {
+        LCliError(opt.szIn + ": " + szError);
+        return CliError;
+    }
+    // An input that is not 8- or 16-bit PCM is written as 16-bit unless asked otherwise.
+    const int nBits = opt.nBits ? opt.nBits : (details.nBits == 8 ? 8 : 16);
+    LPRConvert convert(opt, pSource.Get(), nBits);
+    const int32_t nResult = convert.Run();
+    if (nResult == LProgressDialog::ResultCancelled) {
+        LCliError("convert: cancelled; " + opt.szOut + " was not written");
+        return CliCancelled;
+    }
+    if (nResult != LProgressDialog::ResultDone) {
+        LCliError(opt.szOut + ": " + convert.szError);
+        return CliError;
+    }
+    return CliDone;
+}
+
+} // namespace
+
+static LCliVerb verbConvert("convert", "convert an audio file to another format, rate, channels or bits", kUsage,
+                            RunConvert);

@@ -1,0 +1,58 @@
+// sonitra-cli info FILE...: one line per file with its format, rate, channels and length.
+#include <cstdio>
+
+#include "cli/LCliVerb.h"
+#include "core/LSoundTime.h"
+#include "formats/LAudioFile.h"
+
+namespace {
+
+const char kUsage[] =
+    "usage: sonitra-cli info FILE...\n"
+    "\n"
+    "Prints one line per file: its format, sample rate, channels, and length in frames and\n"
+    "as h:mm:ss.mmm. A file that cannot be read is reported on stderr and the exit status is 2;\n"
+    "the other files are still reported.";
+
+bool PrintInfo(const std::string& szPath)
+{
+    std::string szError;
+    LAudioFileDetails details;
+    LSoundSourcePtr pSource = LAudioFile::OpenSource(szPath, &szError, &details);
+    if (pSource->IsError()) {
+        LCliError(szPath + ": " + szError);
+        return false;
+    }
+    LSoundTime length;
+    length.SetSamples(pSource->GetLength(), pSource->GetSampleRate());
+    const int nChans = pSource->GetChannels();
+    std::printf("%s: %s %s, %d Hz, %d channel%s, %d frames, %s\n", szPath.c_str(), details.szFormat.c_str(),
+                details.szEncoding.c_str(), pSource->GetSampleRate(), nChans, nChans == 1 ? "" : "s",
+                pSource->GetLength(), length.FormatMilliseconds().c_str());
+    return true;
+}
+
+int RunInfo(const std::vector<std::string>& vArgs)
+{
+    if (vArgs.empty()) {
+        LCliError("info: no file given (try sonitra-cli info --help)");
+        return CliUsage;
+    }
+    for (const std::string& s : vArgs) {
+        if (s.size() > 1 && s[0] == '-') {
+            LCliError("info: unknown option '" + s + "' (try sonitra-cli info --help)");
+            return CliUsage;
+        }
+    }
+    int nExit = CliDone;
+    for (const std::string& szPath : vArgs) {
+        if (!PrintInfo(szPath))
+            nExit = CliError;
+        std::fflush(stdout);
+    }
+    return nExit;
+}
+
+} // namespace
+
+static LCliVerb verbInfo("info", "show the format and length of audio files", kUsage, RunInfo);

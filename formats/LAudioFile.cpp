@@ -1,0 +1,175 @@
+#include "formats/LAudioFile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
+#include "core/LFile.h"
+#include "core/LPRSourceToSink.h"
+#include "core/LSRCConvertChannels.h"
+#include "core/LTrace.h"
+#include "formats/LAudioFormat.h"
+
+namespace {
+
+constexpr int32_t kMaxSampleRate = 196000;
+
+void SetReason(std::string* pszError, const std::string& szText)
+{
+    if (pszError)
+        *pszError = szText;
+}
+
+std::string KnownFormats()
+{
+    std::string sz;
+    for (const LAudioFormat* p : LAudioFormat::All())
+        sz += std::string(sz.empty() ? "" : ", ") + p->GetName();
+    return sz;
+}
+
+// Reads the first bytes for the content check; false (with the reason) when there are none.
+bool ReadHead(const std::string& szPath, uint8_t* pHead, size_t& nBytes, std::string* pszError)
+{
+    LFile file;
+    errno = 0;
+    if (!file.Open(szPath, LFile::ReadExisting)) {
+        SetReason(pszError, errno ? std::string("cannot open the file: ") + std::strerror(errno)
+                                  : std::string("cannot open the file: not a regular file"));
+        return false;
+    }
+    nBytes = static_cast<size_t>(file.Read(pHead, LAudioFormat::kHeadBytes));
+    if (nBytes == 0) {
+        SetReason(pszError, "the file is empty");
+        return false;
+    }
+    return true;
+}
+
+// A name beside the target, in the same folder so that the final rename never crosses devices.
+bool PartPathFor(const std::string& szPath, std::string& szPart)
+{
+    static int nCounter = 0;
+    const std::string szName = "." + LFile::FileNameOf(szPath) + "." + std::to_string(::getpid()) + "-" +
+                               std::to_string(++nCounter) + ".part";
+    return LFile::FilePathCat(szPart, LFile::FolderOf(szPath), szName);
+}
+
+bool CheckSinkShape(const LAudioFormat& format, int32_t nSampleRate, uint8_t nChans, int nBits,
+                    std::string* pszError)
+{
+    if (nSampleRate < 1 || nSampleRate > kMaxSampleRate) {
+        SetReason(pszError, "sample rate " + std::to_string(nSampleRate) + " Hz is out of range (1 to 196000)");
+        return false;
+    }
+    if (nChans == 0) {
+        SetReason(pszError, "a file needs at least one channel");
+        return false;
+    }
+    if (!format.CanWrite(nBits)) {
+        SetReason(pszError, std::string(format.GetName()) + " files cannot be written with " + std::to_string(nBits) +
+                                " bits per sample");
+        return false;
+    }
+    return true;
+}
+
+int32_t FinishSave(int32_t nResult, LSoundSinkPtr& pSink, const std::string& szPart, const std::string& szPath,
+                   std::string* pszError)
+{
+    const bool bWriteFailed = pSink->IsError();
+    pSink.Reset(); // completes the file
+    if (nResult == LProgressDialog::ResultDone && bWriteFailed) {
+        SetReason(pszError, "writing the file failed (is the disk full?)");
+        nResult = LProgressDialog::ResultError;
+    } else if (nResult == LProgressDialog::ResultCancelled) {
+        SetReason(pszError, "cancelled");
+    } else if (nResult != LProgressDialog::ResultDone) {
+        SetReason(pszError, "the sound could not be read");
+    }
+    if (nResult == LProgressDialog::ResultDone && !LFile::Rename(szPart, szPath)) {
+        SetReason(pszError, std::string("cannot replace the file: ") + std::strerror(errno));
+        nResult = LProgressDialog::ResultError;
+    }
+    if (nResult != LProgressDialog::ResultDone)
+        LFile::Delete(szPart);
+    return nResult;
+}
+
+} // namespace
+
+LSoundSourcePtr LAudioFile::OpenSource(const std::string& szPath, std::string* pszError)
+{
+    return OpenSource(szPath, pszError, nullptr);
+}
+
+LSoundSourcePtr LAudioFile::OpenSource(const std::string& szPath, std::string* pszError, LAudioFileDetails* pDetails)
+{
+    uint8_t head[LAudioFormat::kHeadBytes];
+    size_t nHead = 0;
+    if (!ReadHead(szPath, head, nHead, pszError))
+        return LSoundSourcePtr(new LSRCSilence);
+    // The contents decide first; the extension covers formats without a signature.
+    const LAudioFormat* pFormat = LAudioFormat::ByContent(head, nHead);
+    if (!pFormat)
+        pFormat = LAudioFormat::ByExtension(szPath);
+    if (!pFormat) {
+        LTRACE("LAudioFile::OpenSource unknown format: %s", szPath.c_str());
+        SetReason(pszError, "not a known audio file format (known: " + KnownFormats() + ")");
+        return LSoundSourcePtr(new LSRCSilence);
+    }
+    std::string szReason;
+    LSoundSourcePtr pSource = pFormat->OpenSource(szPath, &szReason, pDetails);
+    if (pSource->IsError())
+        SetReason(pszError, szReason.empty() ? std::string("cannot read the file") : szReason);
+    return pSource;
+}
+
+LSoundSinkPtr LAudioFile::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
+                                   std::string* pszError)
+{
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
+    if (!pFormat) {
+        SetReason(pszError, "unknown file type '" + LFile::ExtensionOf(szPath) + "' (known: " + KnownFormats() +
+                                ")");
+        return LSoundSinkPtr();
+    }
+    if (!CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
+        return LSoundSinkPtr();
+    return pFormat->OpenSink(szPath, nSampleRate, nChans, nBits, pszError);
+}
+
+int32_t LAudioFile::Save(LProgressDialog& dlg, const std::string& szTitle, LSoundSourceBase* pSource,
+                         const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
+                         std::string* pszError)
+{
+    LSoundSourcePtr pHold(pSource);
+    if (!pSource || pSource->IsError()) {
+        SetReason(pszError, "the sound to save cannot be read");
+        return LProgressDialog::ResultError;
+    }
+    if (pSource->GetChannels() != nChans && !LSRCConvertChannels::CanConvert(pSource->GetChannels(), nChans)) {
+        SetReason(pszError, "cannot convert " + std::to_string(pSource->GetChannels()) + " channels to " +
+                                std::to_string(nChans));
+        return LProgressDialog::ResultError;
+    }
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
+    std::string szPart;
+    if (!pFormat || !PartPathFor(szPath, szPart)) {
+        // Let OpenSink word the reason for an unknown extension.
+        if (pFormat)
+            SetReason(pszError, "the path is too long");
+        else
+            OpenSink(szPath, nSampleRate, nChans, nBits, pszError);
+        return LProgressDialog::ResultError;
+    }
+    if (!CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
+        return LProgressDialog::ResultError;
+    LSoundSinkPtr pSink = pFormat->OpenSink(szPart, nSampleRate, nChans, nBits, pszError);
+    if (!pSink) {
+        LFile::Delete(szPart);
+        return LProgressDialog::ResultError;
+    }
+    const int32_t nResult = LPRSourceToSink::Pump(dlg, szTitle, pSource, pSink.Get());
+    return FinishSave(nResult, pSink, szPart, szPath, pszError);
+}
