@@ -1,0 +1,136 @@
+#include "dsp/effects/LEffectRunner.h"
+
+#include "core/LTrace.h"
+#include "dsp/effects/LCLAConvertRateChannels.h"
+#include "dsp/effects/LDCOffsetCorrection.h"
+#include "dsp/effects/LEfNormalize.h"
+#include "dsp/effects/LEfPasteMix.h"
+#include "dsp/effects/LEfSoundProcess.h"
+#include "dsp/effects/LEffectFactories.h"
+#include "dsp/effects/LSRCEffectBase.h"
+
+namespace {
+using K = LEffectKind;
+using R = LProgressDialog::Result;
+
+int32_t RunStreaming(LProgressDialog& dlg, const LEffectInfo& info, const LEffectData& data, LEffectFactory* pFactory,
+                     const char* szStage = nullptr)
+{
+    LEffectFactoryPtr pHold(pFactory);
+    return LEfSoundProcess::Run(dlg, szStage ? szStage : info.szCaption, data, *pFactory);
+}
+
+// Edits that only rearrange cuts: they finish at once, whatever the length.
+int32_t ApplyCutListEdit(const LEffectInfo& info, LCutListAudio& doc, int32_t sStart, int32_t sEnd, const LEffectArgs& args)
+{
+    switch (info.kind) {
+    case K::Amplify:
+        doc.EfAmplify(sStart, sEnd, args.Value("AmplifyGain"));
+        return R::ResultDone;
+    case K::RepeatLoop:
+        if (sEnd > sStart)
+            doc.Repeat(sStart, sEnd, args.Value("RepeatNumTimes"));
+        return R::ResultDone;
+    case K::InsertSilence:
+        doc.InsertSilence(sStart, LMsToFrames(args.Value("SilenceTimes"), doc.GetSampleRate()));
+        return R::ResultDone;
+    default:
+        return R::ResultError;
+    }
+}
+
+int32_t ApplyMix(LProgressDialog& dlg, const LEffectData& data, const LEffectArgs& args)
+{
+    if (!args.pClip) {
+        LTRACE("LEffectRunner::Apply no clip to mix");
+        return R::ResultError;
+    }
+    LEfPasteMix::Options opt;
+    opt.nVolumePercent = args.Value("PasteMixVolume");
+    opt.nLonger = args.Value("LongerSelection");
+    opt.nFadeOutMs = args.Value("FadeOutTime");
+    return LEfPasteMix::Run(dlg, data, args.pClip.Get(), opt);
+}
+} // namespace
+
+bool LEffectRunner::IsAvailable(LEffectKind kind)
+{
+    switch (kind) {
+    case K::Equalizer:
+    case K::Envelope:
+    case K::AutoGainControl:
+    case K::NoiseReduction:
+    case K::Compressor:
+    case K::AutoTrim:
+    case K::SimpleSpeedPitch:
+    case K::ConstPitchSpeed:
+    case K::ConstSpeedPitch:
+        return false;
+    default:
+        return true;
+    }
+}
+
+int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCutListAudio* pDoc, int32_t sStart,
+                             int32_t sEnd, const LEffectArgs& args)
+{
+    if (!pDoc || !IsAvailable(info.kind))
+        return R::ResultError;
+    LEffectData data;
+    data.pCutList = pDoc;
+    data.sStart = sStart;
+    data.sEnd = sEnd;
+    LCutListAudio& doc = *pDoc;
+    switch (info.kind) {
+    case K::Amplify:
+    case K::RepeatLoop:
+    case K::InsertSilence:
+        return ApplyCutListEdit(info, doc, sStart, sEnd, args);
+    case K::Normalize:
+        data.nParam1 = args.Value("NormalizePeakLevel");
+        return LEfNormalize::Run(dlg, data);
+    case K::HighPassFilter:
+        return RunStreaming(dlg, info, data, new LLowCutFactory(args.Value("LowCutFreq")));
+    case K::Echo:
+        return RunStreaming(dlg, info, data, new LEchoFactory(args.Value("EchoGain"), args.Value("EchoTime")));
+    case K::Reverb:
+        return RunStreaming(dlg, info, data, new LReverbFactory(args.Value("ReverbLevel"), args.Value("ReverbTime")));
+    case K::Reverse:
+        return RunStreaming(dlg, info, data, new LReverseFactory, "Reversing Sound");
+    case K::FadeIn:
+        return RunStreaming(dlg, info, data, new LFadeFactory(LSRCFade::FadeIn));
+    case K::FadeOut:
+        return RunStreaming(dlg, info, data, new LFadeFactory(LSRCFade::FadeOut));
+    case K::FadeOutAndTrim: {
+        if (sEnd < sStart)
+            return R::ResultDone;
+        const int32_t nResult = RunStreaming(dlg, info, data, new LFadeFactory(LSRCFade::FadeOut));
+        if (nResult == R::ResultDone)
+            doc.CropEnd(sEnd);
+        return nResult;
+    }
+    case K::DCOffsetCorrection:
+        return LDCOffsetCorrection::RunOnDocument(dlg, data);
+    case K::PasteMix:
+    case K::MixFile:
+        return ApplyMix(dlg, data, args);
+    case K::ConvertSampleRate:
+        return LCLAConvertRateChannels::Run(dlg, doc, args.Value("ConvertSampleRate"), doc.GetChannels());
+    case K::ConvertMono:
+        return LCLAConvertRateChannels::Run(dlg, doc, doc.GetSampleRate(), 1);
+    case K::ConvertStereo:
+        return LCLAConvertRateChannels::Run(dlg, doc, doc.GetSampleRate(), 2);
+    default:
+        return R::ResultError;
+    }
+}
+
+LEffectProcess::LEffectProcess(const LEffectInfo& i, LCutListAudio* pD, int32_t s, int32_t e, const LEffectArgs& a)
+    : LProgressDialog(i.szCaption), info(i), pDoc(pD), sStart(s), sEnd(e), args(a)
+{
+}
+
+int32_t LEffectProcess::Process()
+{
+    return LEffectRunner::Apply(*this, info, pDoc.Get(), sStart, sEnd, args);
+}

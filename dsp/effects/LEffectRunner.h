@@ -1,0 +1,38 @@
+// Runs any effect of the catalog on a document: the one entry the editor, the batch converter
+// and the command-line tool share, so that all three produce the same audio.
+#pragma once
+
+#include <string>
+
+#include "core/LCutListAudio.h"
+#include "dsp/effects/LEffectArgs.h"
+#include "dsp/effects/LEffectCatalog.h"
+#include "work/LProgressDialog.h"
+
+class LEffectRunner
+{
+public:
+    // False for effects this build cannot run.
+    static bool IsAvailable(LEffectKind kind);
+
+    // The body: applies the effect to [sStart, sEnd) of the document (the whole document for
+    // whole-file effects). The values are expected checked (LEffectArgs::Validate).
+    // 0 done, 1 cancelled, 2 error; a cancelled or failed effect leaves the document as it was.
+    static int32_t Apply(LProgressDialog& dlg, const LEffectInfo& info, LCutListAudio* pDoc, int32_t sStart,
+                         int32_t sEnd, const LEffectArgs& args);
+};
+
+// The effect as a process of its own, behind its own progress dialog.
+class LEffectProcess : public LProgressDialog
+{
+public:
+    LEffectProcess(const LEffectInfo& info, LCutListAudio* pDoc, int32_t sStart, int32_t sEnd, const LEffectArgs& args);
+    int32_t Process() override;
+
+private:
+    const LEffectInfo& info;
+    LCutListAudioPtr pDoc;
+    int32_t sStart;
+    int32_t sEnd;
+    LEffectArgs args;
+};
