@@ -1,0 +1,142 @@
+#include "devices/LWaveQueue.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "work/LSignalObject.h"
+
+void LWaveQueue::Add(LWaveHeader& hdr)
+{
+    hdr.ClearFlags(kWaveHdrDone);
+    hdr.SetFlags(kWaveHdrInQueue);
+    hdr.nBytesRecorded = 0;
+    std::lock_guard<std::mutex> lock(mtx);
+    queue.push_back(&hdr);
+}
+
+bool LWaveQueue::IsQueued(const LWaveHeader& hdr)
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    return std::find(queue.begin(), queue.end(), &hdr) != queue.end();
+}
+
+bool LWaveQueue::IsEmpty()
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    return queue.empty();
+}
+
+// Called with the lock held.
+void LWaveQueue::ReturnFront()
+{
+    LWaveHeader* p = queue.front();
+    queue.pop_front();
+    nOffset = 0;
+    bLoopStarted = false;
+    p->ClearFlags(kWaveHdrInQueue);
+    p->SetFlags(kWaveHdrDone);
+    if (pDone)
+        pDone->Set();
+}
+
+void LWaveQueue::Reset()
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    bool bAny = !queue.empty();
+    while (!queue.empty()) {
+        LWaveHeader* p = queue.front();
+        queue.pop_front();
+        p->ClearFlags(kWaveHdrInQueue);
+        p->SetFlags(kWaveHdrDone);
+    }
+    nOffset = 0;
+    bLoopStarted = false;
+    bBreakLoop = false;
+    if (bAny && pDone)
+        pDone->Set();
+}
+
+void LWaveQueue::Drop()
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    for (LWaveHeader* p : queue)
+        p->ClearFlags(kWaveHdrInQueue);
+    queue.clear();
+    nOffset = 0;
+}
+
+uint32_t LWaveQueue::Take(uint8_t* pOut, uint32_t nBytes)
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    uint32_t nTaken = 0;
+    while (nTaken < nBytes && !queue.empty()) {
+        LWaveHeader* p = queue.front();
+        const uint32_t dwFlags = p->dwFlags.load();
+        const bool bLoop = (dwFlags & kWaveHdrBeginLoop) && (dwFlags & kWaveHdrEndLoop);
+        if (bLoop && !bLoopStarted) {
+            bLoopStarted = true;
+            nLoopsLeft = p->dwLoops;
+        }
+        const uint32_t nChunk = std::min(nBytes - nTaken, p->nBufferLength - std::min(nOffset, p->nBufferLength));
+        if (pOut && nChunk)
+            std::memcpy(pOut + nTaken, p->pData + nOffset, nChunk);
+        nTaken += nChunk;
+        nOffset += nChunk;
+        if (nOffset < p->nBufferLength)
+            break;
+        if (bLoop && nLoopsLeft > 1 && !bBreakLoop && p->nBufferLength > 0) {
+            --nLoopsLeft;
+            nOffset = 0;
+            continue;
+        }
+        bBreakLoop = false;
+        ReturnFront();
+    }
+    return nTaken;
+}
+
+void LWaveQueue::BreakLoop()
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    if (bLoopStarted)
+        bBreakLoop = true;
+}
+
+uint32_t LWaveQueue::BytesToNextReturn()
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    if (queue.empty())
+        return 0;
+    const uint32_t nLength = queue.front()->nBufferLength;
+    return nLength > nOffset ? nLength - nOffset : 0;
+}
+
+uint32_t LWaveQueue::Put(const uint8_t* pIn, uint32_t nBytes)
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    uint32_t nStored = 0;
+    while (nStored < nBytes && !queue.empty()) {
+        LWaveHeader* p = queue.front();
+        const uint32_t nChunk = std::min(nBytes - nStored, p->nBufferLength - std::min(nOffset, p->nBufferLength));
+        if (nChunk) {
+            if (pIn)
+                std::memcpy(p->pData + nOffset, pIn + nStored, nChunk);
+            else
+                std::memset(p->pData + nOffset, 0, nChunk);
+        }
+        nStored += nChunk;
+        nOffset += nChunk;
+        p->nBytesRecorded = nOffset;
+        if (nOffset < p->nBufferLength)
+            break;
+        ReturnFront();
+    }
+    return nStored;
+}
+
+void LWaveQueue::ReturnPartial()
+{
+    std::lock_guard<std::mutex> lock(mtx);
+    if (!queue.empty() && nOffset > 0)
+        ReturnFront();
+}
