@@ -1,35 +1,130 @@
 #include "dsp/LSRCPeakLimit.h"
 
 #include <algorithm>
+#include <cstring>
 
-// Interim: clamps each sample. The look-ahead gain law replaces this.
-struct LSRCPeakLimit::Impl
-{
-    int32_t nLimit;
-};
+#include "core/LFixed.h"
+#include "core/LTrace.h"
 
-LSRCPeakLimit::LSRCPeakLimit(LSoundSourceBase* pIn, int32_t nLimit)
-    : LSoundSourceBase(pIn->GetSampleRate(), pIn->GetChannels(), std::min(nLimit, 0x3FFFFF)), pInput(pIn),
-      pImpl(std::make_shared<Impl>(Impl{std::min(nLimit, 0x3FFFFF)}))
+LSRCPeakLimit::LSRCPeakLimit(LSoundSourceBase* pIn, int32_t nLim)
+    : LSoundSourceBase(pIn->GetSampleRate(), pIn->GetChannels(), std::clamp(nLim, 0, kMaxLimit)), pInput(pIn),
+      nLimit(std::clamp(nLim, 0, kMaxLimit)), nBlock(BlockFrames(nSampleRate)),
+      vOut(static_cast<size_t>(nBlock) * nChans), vNext(vOut.size()), vNewest(vOut.size())
 {
-    if (pIn->IsError())
+    if (pIn->IsError()) {
+        LTRACE("LSRCPeakLimit::LSRCPeakLimit input error");
         SetError();
+    }
+    sPosition = pIn->GetPosition();
+}
+
+int32_t LSRCPeakLimit::BlockFrames(int32_t nRate)
+{
+    return std::clamp(nRate / 35, kMinBlockFrames, kMaxBlockFrames);
+}
+
+int32_t LSRCPeakLimit::BlockGain(const int32_t* pSamples, int32_t nSamples, int32_t nLim)
+{
+    int32_t nMax = 0;
+    int32_t nMin = 0;
+    for (int32_t i = 0; i < nSamples; ++i) {
+        nMax = std::max(nMax, pSamples[i]);
+        nMin = std::min(nMin, pSamples[i]);
+    }
+    const int64_t nPeak = std::max<int64_t>(nMax, -static_cast<int64_t>(nMin));
+    if (nPeak <= nLim)
+        return kGainUnity;
+    // L / P in 8.24, in steps that stay inside 32 bits.
+    return static_cast<int32_t>((static_cast<int64_t>(nLim) * 512 / ((nPeak + 64) / 64)) * 512);
+}
+
+int32_t LSRCPeakLimit::ReadBlock(std::vector<int32_t>& vBlock)
+{
+    pInput->Read(vBlock.data(), nBlock);
+    return BlockGain(vBlock.data(), nBlock * nChans, nLimit);
+}
+
+// The output block aims at the smaller of its own and the next block's gain (never above the
+// average of the four), reached exactly on its last frame: the remainder is taken at once.
+void LSRCPeakLimit::AimAtTarget()
+{
+    const int64_t nAverage = (static_cast<int64_t>(nGainDone) + nGainOut + nGainNext + nGainNewest) / 4;
+    const int64_t nTarget = std::min<int64_t>(std::min(nGainOut, nGainNext), nAverage);
+    const int64_t nDiff = nTarget - nGain;
+    nDelta = static_cast<int32_t>(nDiff / nBlock);
+    nGain = static_cast<int32_t>(nGain + nDiff % nBlock);
+}
+
+// Refills all three blocks from the input's position. Nothing came before, so the finished
+// block counts as unity and the gain starts at unity unless the first block is already too loud.
+void LSRCPeakLimit::Restart()
+{
+    LTRACE("LSRCPeakLimit::LSRCPeakLimit Restart");
+    nGainDone = kGainUnity;
+    nGainOut = ReadBlock(vOut);
+    nGainNext = ReadBlock(vNext);
+    nGainNewest = ReadBlock(vNewest);
+    nGain = std::min(kGainUnity, nGainOut);
+    AimAtTarget();
+    nOutPos = 0;
+    bRestart = false;
+}
+
+void LSRCPeakLimit::NextBlock()
+{
+    vOut.swap(vNext);
+    vNext.swap(vNewest);
+    nGainDone = nGainOut;
+    nGainOut = nGainNext;
+    nGainNext = nGainNewest;
+    nGainNewest = ReadBlock(vNewest);
+    AimAtTarget();
+    nOutPos = 0;
+}
+
+void LSRCPeakLimit::CopyWithGain(const int32_t* pIn, int32_t* pOut, int32_t nFrames)
+{
+    const size_t nSamples = static_cast<size_t>(nFrames) * nChans;
+    if (nGain >= kGainUnity && nDelta == 0) {
+        std::memcpy(pOut, pIn, nSamples * sizeof(int32_t));
+        return;
+    }
+    int32_t g = nGain;
+    for (int32_t i = 0; i < nFrames; ++i) {
+        for (uint8_t c = 0; c < nChans; ++c, ++pIn, ++pOut)
+            *pOut = LMulGain824(*pIn, g);
+        g = LWrapAdd(g, nDelta);
+    }
+    nGain = g;
 }
 
 void LSRCPeakLimit::Read(int32_t* pBuffer, int32_t nFrames)
 {
-    pInput->Read(pBuffer, nFrames);
-    const int32_t n = nFrames * nChans;
-    for (int32_t i = 0; i < n; ++i)
-        pBuffer[i] = std::clamp(pBuffer[i], -pImpl->nLimit, pImpl->nLimit);
+    if (nFrames <= 0)
+        return;
+    if (IsError()) {
+        LZeroFrames(pBuffer, nFrames, nChans);
+        sPosition += nFrames;
+        return;
+    }
+    if (bRestart)
+        Restart();
+    while (nFrames > 0) {
+        if (nOutPos == nBlock)
+            NextBlock();
+        const int32_t n = std::min(nFrames, nBlock - nOutPos);
+        CopyWithGain(vOut.data() + static_cast<size_t>(nOutPos) * nChans, pBuffer, n);
+        nOutPos += n;
+        sPosition += n;
+        pBuffer += static_cast<size_t>(n) * nChans;
+        nFrames -= n;
+    }
 }
 
-int32_t LSRCPeakLimit::GetPosition()
+void LSRCPeakLimit::SetPosition(int32_t sNewPosition)
 {
-    return pInput->GetPosition();
-}
-
-void LSRCPeakLimit::SetPosition(int32_t sPosition)
-{
-    pInput->SetPosition(sPosition);
+    LTRACE("LSRCPeakLimit::LSRCPeakLimit Seek");
+    pInput->SetPosition(sNewPosition);
+    sPosition = sNewPosition;
+    bRestart = true;
 }
