@@ -4,15 +4,19 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "core/LSoundSourceBase.h"
+#include "dsp/LPointList.h"
 #include "dsp/effects/LEffectCatalog.h"
 
 struct LEffectArgs
 {
     std::map<std::string, int32_t> mapValues;
     LSoundSourcePtr pClip;
+    // The equalizer's or envelope's curve; the stored one when not given.
+    std::optional<LPointList> curve;
 
     int32_t Value(const std::string& szKey) const;
     // Every value the effect takes meets its rule; otherwise the first refusal's message.

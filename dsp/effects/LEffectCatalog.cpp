@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "core/LSettings.h"
-#include "dsp/effects/LCompressorLabels.h"
+#include "dsp/CompressorRatioList.h"
 #include "dsp/effects/LStoredValues.h"
 
 namespace {
@@ -109,7 +109,7 @@ std::string LEffectCatalog::Describe(LEffectKind kind)
     case K::Compressor: {
         char sz[160];
         std::snprintf(sz, sizeof sz, "Threshold (db) = %d, Ratio = %s, Limit (db) = %d", V("CompressorThreshold"),
-                      LCompressorRatioLabel(V("CompressorRatio")), V("CompressorLimit"));
+                      LCompressorRatio(V("CompressorRatio")).szLabel, V("CompressorLimit"));
         return sz;
     }
     case K::ConvertSampleRate: return Format("Convert Sample Rate = %d", Old("ConvertSampleRate", 44100));

@@ -1,6 +1,14 @@
 #include "dsp/effects/LEffectFactories.h"
 
+#include <algorithm>
+
+#include "core/LTrace.h"
+#include "dsp/CompressorRatioList.h"
+#include "dsp/LSRCCompressor.h"
+#include "dsp/LSRCEq.h"
+#include "dsp/LSRCNoiseGates.h"
 #include "dsp/effects/LSRCEcho.h"
+#include "dsp/effects/LSRCEnvelope.h"
 #include "dsp/effects/LSRCLowCut.h"
 #include "dsp/effects/LSRCReverb.h"
 #include "dsp/effects/LSRCReverse.h"
@@ -28,4 +36,27 @@ LSoundSourcePtr LFadeFactory::Create(LSoundSourceBase* pInput)
 LSoundSourcePtr LReverseFactory::Create(LSoundSourceBase* pInput)
 {
     return LSoundSourcePtr(new LSRCReverse(pInput));
+}
+
+LSoundSourcePtr LCompressorFactory::Create(LSoundSourceBase* pInput)
+{
+    const int32_t nThreshold = std::clamp(nParam1, -127, 127);
+    if (nRatioIndex < 0 || nRatioIndex >= kCompressorRatioCount)
+        LTRACE("CompressorRatio > sizeof(CompressorRatioList) / sizeof(CompressorRatioItem)");
+    const double fFactor = LCompressorRatio(nRatioIndex).fFactorPerDb;
+    return LSoundSourcePtr(new LSRCCompressor(pInput, nThreshold, fFactor, kBlockMs, kStageLimitDb));
+}
+
+LSoundSourcePtr LNoiseReductionFactory::Create(LSoundSourceBase* pInput)
+{
+    if (pInput->IsError())
+        return LSoundSourcePtr(pInput);
+    return LSoundSourcePtr(new LSRCNoiseGates(pInput, nParam1));
+}
+
+LSoundSourcePtr LCurveFactory::Create(LSoundSourceBase* pInput)
+{
+    if (curve == Equalizer)
+        return LSoundSourcePtr(new LSRCEq(pInput, points));
+    return LSoundSourcePtr(new LSRCEnvelope(pInput, points));
 }

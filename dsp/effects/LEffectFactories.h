@@ -1,6 +1,7 @@
 // The factories of the streaming effects whose stages live in this folder.
 #pragma once
 
+#include "dsp/LPointList.h"
 #include "dsp/effects/LEffectFactory.h"
 #include "dsp/effects/LSRCFade.h"
 
@@ -43,4 +44,47 @@ class LReverseFactory : public LEffectFactory
 {
 public:
     LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
+};
+
+// Threshold, ratio index, limit from the stored values. The limit does not reach the stage: the
+// compressor always runs with a 45 ms block and a limit of 127 dB.
+class LCompressorFactory : public LEffectFactory
+{
+public:
+    static constexpr int32_t kBlockMs = 45;
+    static constexpr int32_t kStageLimitDb = 127;
+
+    LCompressorFactory(int32_t nThresholdDb, int32_t nRatioIndex, int32_t nLimitDb)
+        : LEffectFactory(nThresholdDb, nLimitDb), nRatioIndex(nRatioIndex)
+    {
+    }
+    LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
+
+private:
+    int32_t nRatioIndex;
+};
+
+// Gate level in dB. A latched input is handed back unwrapped.
+class LNoiseReductionFactory : public LEffectFactory
+{
+public:
+    using LEffectFactory::LEffectFactory;
+    LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
+};
+
+// A source shaped by a curve: the equalizer's frequency response or the envelope's level.
+class LCurveFactory : public LEffectFactory
+{
+public:
+    enum Curve
+    {
+        Equalizer,
+        Envelope,
+    };
+    LCurveFactory(Curve curve, const LPointList& points) : curve(curve), points(points) {}
+    LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
+
+private:
+    Curve curve;
+    LPointList points;
 };

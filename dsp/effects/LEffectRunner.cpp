@@ -2,12 +2,16 @@
 
 #include "core/LTrace.h"
 #include "dsp/effects/LCLAConvertRateChannels.h"
+#include "dsp/effects/LCurveFile.h"
 #include "dsp/effects/LDCOffsetCorrection.h"
+#include "dsp/effects/LEfAutoGainControl.h"
+#include "dsp/effects/LEfAutotrim.h"
 #include "dsp/effects/LEfNormalize.h"
 #include "dsp/effects/LEfPasteMix.h"
 #include "dsp/effects/LEfSoundProcess.h"
 #include "dsp/effects/LEffectFactories.h"
 #include "dsp/effects/LSRCEffectBase.h"
+#include "dsp/effects/LStoredValues.h"
 
 namespace {
 using K = LEffectKind;
@@ -56,12 +60,6 @@ int32_t ApplyMix(LProgressDialog& dlg, const LEffectData& data, const LEffectArg
 bool LEffectRunner::IsAvailable(LEffectKind kind)
 {
     switch (kind) {
-    case K::Equalizer:
-    case K::Envelope:
-    case K::AutoGainControl:
-    case K::NoiseReduction:
-    case K::Compressor:
-    case K::AutoTrim:
     case K::SimpleSpeedPitch:
     case K::ConstPitchSpeed:
     case K::ConstSpeedPitch:
@@ -109,6 +107,22 @@ int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCut
             doc.CropEnd(sEnd);
         return nResult;
     }
+    case K::Equalizer:
+        return RunStreaming(dlg, info, data,
+                            new LCurveFactory(LCurveFactory::Equalizer, args.curve ? *args.curve : LCurveFile::LoadEqualizer()));
+    case K::Envelope:
+        return RunStreaming(dlg, info, data,
+                            new LCurveFactory(LCurveFactory::Envelope, args.curve ? *args.curve : LCurveFile::LoadEnvelope()));
+    case K::NoiseReduction:
+        return RunStreaming(dlg, info, data, new LNoiseReductionFactory(args.Value("NoiseGateLevel")));
+    case K::Compressor:
+        return RunStreaming(dlg, info, data,
+                            new LCompressorFactory(args.Value("CompressorThreshold"), args.Value("CompressorRatio"),
+                                                   args.Value("CompressorLimit")));
+    case K::AutoGainControl:
+        return LEfAutoGainControl::Run(dlg, info.szCaption, data);
+    case K::AutoTrim:
+        return LEfAutotrim::Run(dlg, doc, LStoredValues::AutoTrimThreshold());
     case K::DCOffsetCorrection:
         return LDCOffsetCorrection::RunOnDocument(dlg, data);
     case K::PasteMix:

@@ -1,0 +1,29 @@
+#include "dsp/effects/LEfAutoGainControl.h"
+
+#include "core/LAudioCutTank.h"
+#include "core/LTrace.h"
+#include "dsp/LDPAutoGain.h"
+#include "dsp/effects/LEfSoundProcess.h"
+
+int32_t LEfAutoGainControl::Run(LProgressDialog& dlg, const std::string& szCaption, const LEffectData& data)
+{
+    if (data.sEnd < data.sStart) {
+        LTRACE("Process(EfAutoGainControl) Data.sEnd < Data.sStart");
+        return LProgressDialog::ResultDone;
+    }
+    if (!data.pCutList)
+        return LProgressDialog::ResultError;
+    dlg.SetText(szCaption, 0);
+    dlg.SetText("Please wait...", 1);
+    dlg.SetProgress(0);
+    LSoundSourcePtr pInput = data.pCutList->OpenSource(data.sStart, data.sEnd);
+    LDPAutoGain agc(pInput.Get(), LAudioCutTank::Instance().GetWorkingFolder());
+    const int32_t nAnalysed = agc.Analyse(&dlg);
+    if (nAnalysed != LProgressDialog::ResultDone)
+        return nAnalysed;
+    int32_t nResult = LProgressDialog::ResultError;
+    LCutListAudioPtr pNew = LEfSoundProcess::Render(dlg, szCaption, agc.CreateSource().Get(), &nResult);
+    if (pNew)
+        data.pCutList->Replace(data.sStart, data.sEnd, *pNew);
+    return nResult;
+}

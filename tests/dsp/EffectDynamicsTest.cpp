@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include "dsp/EffectDocSupport.h"
+#include "dsp/EffectTestUtil.h"
+#include "dsp/effects/LCurveFile.h"
+#include "dsp/effects/LEffectFactories.h"
+#include "dsp/effects/LEffectRunner.h"
+
+using namespace efftest;
+
+namespace {
+class EffectDynamics : public EffectDocTest
+{
+};
+
+std::vector<int32_t> RunOnCopy(const std::vector<int32_t>& vIn, LEffectKind kind, const LEffectArgs& args)
+{
+    LCutListAudioPtr pDoc = MakeDoc(vIn, 2, 22050);
+    CancellingFactory fact(0);
+    LEffectProcess proc(*LEffectCatalog::ByKind(kind), pDoc.Get(), 0, pDoc->GetLength(), args);
+    EXPECT_EQ(proc.Run(&fact), 0);
+    return ReadDoc(*pDoc);
+}
+} // namespace
+
+TEST_F(EffectDynamics, CompressorLimitSettingDoesNotChangeTheSound)
+{
+    auto vIn = Noise(2 * 30000, 300000);
+    for (size_t i = 0; i < vIn.size() / 2; ++i)
+        vIn[i] /= 20; // a quiet half, then a loud one
+    LEffectArgs a;
+    a.mapValues = {{"CompressorThreshold", -20}, {"CompressorRatio", 4}, {"CompressorLimit", 3}};
+    LEffectArgs b = a;
+    b.mapValues["CompressorLimit"] = -60;
+    auto vA = RunOnCopy(vIn, LEffectKind::Compressor, a);
+    EXPECT_EQ(vA, RunOnCopy(vIn, LEffectKind::Compressor, b));
+    EXPECT_NE(vA, vIn);
+    EXPECT_EQ(vA.size(), vIn.size());
+}
+
+TEST_F(EffectDynamics, CompressorRatioOneToOnePassesTheAudio)
+{
+    auto vIn = Noise(2 * 20000, 300000);
+    LEffectArgs a;
+    a.mapValues = {{"CompressorThreshold", -30}, {"CompressorRatio", 0}};
+    EXPECT_EQ(RunOnCopy(vIn, LEffectKind::Compressor, a), vIn);
+}
+
+TEST_F(EffectDynamics, NoiseReductionHandsALatchedInputBack)
+{
+    LSoundSourcePtr pSilent(new LSRCSilence);
+    LEffectFactoryPtr pFactory(new LNoiseReductionFactory(-30));
+    EXPECT_EQ(pFactory->Create(pSilent.Get()).Get(), pSilent.Get());
+    auto vIn = Noise(2 * 20000, 300000);
+    LEffectArgs a;
+    EXPECT_EQ(RunOnCopy(vIn, LEffectKind::NoiseReduction, a).size(), vIn.size());
+}
+
+TEST_F(EffectDynamics, EqualizerWithAFlatCurveKeepsLengthAndLevel)
+{
+    auto vIn = Noise(2 * 20000, 200000);
+    LEffectArgs a;
+    a.curve = LCurveFile::DefaultEqualizer();
+    auto v = RunOnCopy(vIn, LEffectKind::Equalizer, a);
+    ASSERT_EQ(v.size(), vIn.size());
+    int64_t nDiff = 0;
+    for (size_t i = 0; i < v.size(); ++i)
+        nDiff = std::max<int64_t>(nDiff, std::abs(static_cast<int64_t>(v[i]) - vIn[i]));
+    EXPECT_LT(nDiff, 200000 / 20);
+}
