@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "core/LSoundSourceBase.h"
@@ -24,6 +25,7 @@ public:
     // below 50 Hz shares the first level.
     LSRCNoiseGates(LSoundSourceBase* pInput, const std::array<int8_t, kSections>& anLevelsDb);
     ~LSRCNoiseGates() override;
+    int32_t GetBlockFrames() const;
 
     void Read(int32_t* pBuffer, int32_t nFrames) override;
     int32_t GetPosition() override { return sPosition; }
@@ -42,6 +44,6 @@ private:
     void Init(const std::array<int8_t, kSections>& anLevelsDb);
 
     LSoundSourcePtr pInput;
-    Impl* pImpl = nullptr;
+    std::unique_ptr<Impl> pImpl;
     int32_t sPosition = 0;
 };
