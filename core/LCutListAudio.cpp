@@ -155,6 +155,8 @@ void LCutListAudio::InsertSilenceAt(int64_t p, int64_t n)
         n += p;
         p = 0;
     }
+    if (n == 0 && p <= Length64())
+        return; // an empty cut would only clutter the list
     LListIterator<LAudioCut> it(lstCuts);
     while (it.IsValid()) {
         if (p == 0) {

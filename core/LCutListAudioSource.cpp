@@ -24,26 +24,29 @@ int32_t LCutListAudioSource::GetPosition()
 
 void LCutListAudioSource::OpenCut(const LAudioCut& cut, int64_t sInto)
 {
-    fileAud.Close();
     nCutLeft = cut.sLength - sInto;
+    bCutHasData = false;
     if (cut.IsSilent())
         return;
-    const int64_t nFrameBytes = static_cast<int64_t>(nChans) * 4;
-    // A segment that cannot be opened reads as silence for its cut.
-    if (!fileAud.Open(LAudioCutTank::Instance().GetAudFilePath(cut.nRef), LFile::ReadExisting)) {
-        LTRACE("LCutListAudioSource::OpenCut cannot open segment %u", cut.nRef);
-        return;
+    if (!fileAud.IsOpen() || nOpenRef != cut.nRef) {
+        nOpenRef = cut.nRef;
+        // A segment that cannot be opened reads as silence for its cut.
+        if (!fileAud.Open(LAudioCutTank::Instance().GetAudFilePath(cut.nRef), LFile::ReadExisting)) {
+            LTRACE("LCutListAudioSource::OpenCut cannot open segment %u", cut.nRef);
+            return;
+        }
     }
-    const int64_t sFirst = cut.sOffset + sInto;
-    if (sFirst > 0)
-        fileAud.Seek(sFirst * nFrameBytes);
+    const int64_t nFrameBytes = static_cast<int64_t>(nChans) * 4;
+    if (fileAud.Seek((cut.sOffset + sInto) * nFrameBytes) < 0)
+        return;
     nGain = cut.nGain;
+    bCutHasData = true;
 }
 
 void LCutListAudioSource::ReadCutFrames(int32_t* pBuffer, int32_t nFrames)
 {
     const int64_t nSamples = static_cast<int64_t>(nFrames) * nChans;
-    const int64_t nGot = fileAud.IsOpen() ? fileAud.Read(pBuffer, nSamples * 4) / 4 : 0;
+    const int64_t nGot = bCutHasData ? fileAud.Read(pBuffer, nSamples * 4) / 4 : 0;
     std::fill(pBuffer + nGot, pBuffer + nSamples, 0);
     if constexpr (std::endian::native == std::endian::big) {
         for (int64_t i = 0; i < nGot; ++i)
@@ -78,7 +81,7 @@ void LCutListAudioSource::Read(int32_t* pBuffer, int32_t nFrames)
             nCutLeft -= nTake;
         }
         if (nCutLeft == 0) {
-            fileAud.Close();
+            bCutHasData = false;
             if (!itNext.IsValid())
                 break;
             OpenCut(*itNext, 0);
@@ -90,7 +93,7 @@ void LCutListAudioSource::Read(int32_t* pBuffer, int32_t nFrames)
 
 void LCutListAudioSource::SetPosition(int32_t sNewPosition)
 {
-    fileAud.Close();
+    bCutHasData = false;
     sPosition = sNewPosition;
     nCutLeft = 0;
     itNext.First();

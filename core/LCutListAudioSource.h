@@ -31,7 +31,10 @@ private:
     LListIterator<LAudioCut> itNext;
     int64_t sPosition = 0;
     int32_t sLength;
+    // The segment stays open from cut to cut while they read the same one (splits are common).
     LFile fileAud;
+    uint16_t nOpenRef = LAudioCut::kSilentRef;
+    bool bCutHasData = false;
     int64_t nCutLeft = 0;
     int32_t nGain = 0x1000000;
 };

@@ -146,7 +146,8 @@ void LSNKSegmentWriter::Finish()
     if (pTarget) {
         pTarget->Clear();
         pTarget->SetFormat(nSampleRate, nChans);
-        pTarget->AppendCut(cut);
+        if (cut.sLength > 0) // nothing written: an empty document, and the segment goes
+            pTarget->AppendCut(cut);
     }
     // The writer's own reference goes with the member cut.
 }
