@@ -1,7 +1,10 @@
 #include "ui/LUiPrompts.h"
 
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QMessageBox>
+
+#include "ui/NewWavDlg.h"
 
 namespace {
 LUiPrompts* g_pPrompts = nullptr;
@@ -53,4 +56,24 @@ QString LQtUiPrompts::GetSaveFileName(QWidget* pParent, const QString& szTitle, 
     // The replace question is asked by the editor itself, with its own words.
     return QFileDialog::getSaveFileName(pParent, szTitle, szFolder, szFilter, nullptr,
                                         QFileDialog::DontConfirmOverwrite);
+}
+
+bool LQtUiPrompts::AskNumber(QWidget* pParent, const QString& szCaption, const QString& szLabel, double& fValue,
+                             double fMin, double fMax, int nDecimals)
+{
+    bool bOk = false;
+    double f = QInputDialog::getDouble(pParent, szCaption, szLabel, fValue, fMin, fMax, nDecimals, &bOk);
+    if (bOk)
+        fValue = f;
+    return bOk;
+}
+
+bool LQtUiPrompts::AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans)
+{
+    NewWavDlg dlg(pParent, nSampleRate, nChans);
+    if (dlg.exec() != QDialog::Accepted)
+        return false;
+    nSampleRate = dlg.GetSampleRate();
+    nChans = dlg.GetChannels();
+    return true;
 }

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
+
 class QWidget;
 
 class LUiPrompts
@@ -35,6 +37,12 @@ public:
     virtual QString GetSaveFileName(QWidget* pParent, const QString& szTitle, const QString& szFolder,
                                     const QString& szFilter) = 0;
 
+    // A number from the user; false when cancelled.
+    virtual bool AskNumber(QWidget* pParent, const QString& szCaption, const QString& szLabel, double& fValue,
+                           double fMin, double fMax, int nDecimals) = 0;
+    // The sample rate and channel count of a new file (the new-file dialog); false when cancelled.
+    virtual bool AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans) = 0;
+
     static LUiPrompts& Get();
     // Not owned; null restores the Qt dialogs.
     static void Set(LUiPrompts* pPrompts);
@@ -49,4 +57,7 @@ public:
                                  const QString& szFilter) override;
     QString GetSaveFileName(QWidget* pParent, const QString& szTitle, const QString& szFolder,
                             const QString& szFilter) override;
+    bool AskNumber(QWidget* pParent, const QString& szCaption, const QString& szLabel, double& fValue, double fMin,
+                   double fMax, int nDecimals) override;
+    bool AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans) override;
 };

@@ -1,0 +1,169 @@
+// The editor's frame: an MDI area with one file window per open file, the menus with every
+// command, the toolbar, the transport bar with its time fields and the status line. Handlers
+// live in files by menu: MainDialogFile.cpp, MainDialogEdit.cpp, MainDialogControl.cpp,
+// MainDialogWindow.cpp, MainDialogClipboard.cpp and MainDialogEffects.cpp.
+#pragma once
+
+#include <QMainWindow>
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "core/LCutListAudio.h"
+#include "ui/LRecentFiles.h"
+
+class LEdFile;
+class LEdFileWindow;
+class LQtProgressHostFactory;
+class LTimeFields;
+class LTransport;
+class LTransportBar;
+class QAction;
+class QLabel;
+class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+
+class MainDialog : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit MainDialog(QWidget* pParent = nullptr);
+    ~MainDialog() override;
+
+    // Runs a command by number, as its menu item, accelerator or toolbar button would.
+    // False when the command is unknown or not available now.
+    bool Command(int nId);
+    QAction* GetAction(int nId) const;
+    QMdiArea* GetMdiArea() const { return pMdi; }
+    LTransport& GetTransport() { return *pTransport; }
+
+    // The file whose window is active; null when none is open.
+    LEdFileWindow* GetCurrentFileWindow() const;
+    LEdFile* GetCurrentFile() const;
+    std::vector<LEdFileWindow*> GetFileWindows() const;
+    // The selection of the current file; false when there is no file or no selection.
+    bool GetSelection(int32_t& sStart, int32_t& sEnd) const;
+
+    // Bracket every change of the current file's audio (see LEdFile::StartModify/EndModify).
+    void StartModifyCurrentFile(const std::string& szLabel);
+    void EndModifyCurrentFile(int32_t sPosition, int32_t nPreRoll);
+    void UpdateUndoMenuItem();
+    // Enables and disables the commands for the current state.
+    void UpdateMenuStates();
+
+    // Opens a file in a new window (the progress dialog shows while it loads). False, with
+    // the user told why, when it cannot be read.
+    bool LoadFile(const std::string& szPath);
+    // Gives a new document its own window; the frame takes ownership.
+    LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath, const std::string& szName);
+    // Saves a file to its own path; false (and the file stays modified) when it fails.
+    bool SaveFile(LEdFileWindow* pWindow);
+    bool SaveFileAs(LEdFileWindow* pWindow);
+    // Asks about unsaved changes; false when the user cancels (or a save fails).
+    bool QueryCloseFile(LEdFileWindow* pWindow);
+    void CloseFileWindow(LEdFileWindow* pWindow);
+
+    // The effect commands; filled in by MainDialogEffects.cpp.
+    bool CmEffect(int nCommandId);
+    bool IsEffectCommandEnabled(int nCommandId) const;
+
+    // Runs a file name handed over by a second start of the program.
+    void EvLoad(const QString& szPath);
+
+    const LRecentFiles& GetRecentFiles() const { return recent; }
+    LCutListAudio* GetClipboard() const { return pClipboard.Get(); }
+    void SetWindowCaption();
+    void UpdateTimeFields();
+
+signals:
+    void CurrentFileChanged();
+
+protected:
+    void closeEvent(QCloseEvent* pEvent) override;
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
+
+private:
+    // MainDialogMenus.cpp
+    void BuildMenus();
+    QAction* AddCommand(QMenu* pMenu, int nId);
+    void BuildToolBar();
+    void RebuildRecentMenu();
+    void RebuildWindowMenu();
+    bool IsCommandEnabled(int nId) const;
+
+    // MainDialogFile.cpp
+    bool CmFile(int nId);
+    void CmNew();
+    void CmOpen();
+    void CmClose();
+    void CmSave();
+    void CmSaveAs();
+    void CmExit();
+    void CmRecent(int nIndex);
+    bool CloseAllFiles();
+
+    // MainDialogEdit.cpp
+    bool CmEdit(int nId);
+    void CmUndo();
+    void CmCut();
+    void CmCopy();
+    void CmPaste();
+    void CmDelete();
+    void CmSelectAll();
+    void CmSelectToStart();
+    void CmSelectToEnd();
+    void CmTrim();
+    void CmTrimStart();
+    void CmTrimEnd();
+    void CmSilence();
+    void CmInsertSilence(int nWhere);
+    void CmInsertFile(int nWhere);
+    void CmRepeatLoop();
+    void CmCopyToNew();
+    // Inserts a document at a position of the current file under a label.
+    // Inserts at the cursor, or replaces the selection, under the label "Paste".
+    void PasteDocument(const LCutListAudio& other);
+    void InsertDocument(const LCutListAudio& other, int32_t sAt, const std::string& szLabel);
+    // A document read from a file, converted to the current file's rate and channels.
+    LCutListAudioPtr ReadFileConformed(const std::string& szPath, int32_t nRate, uint8_t nChans);
+    LCutListAudioPtr ConformDocument(const LCutListAudio& other, int32_t nRate, uint8_t nChans);
+
+    // MainDialogClipboard.cpp
+    bool RenderToWindowClipboard();
+    void CmPasteFromClipboard();
+    bool RenderFromWindowClipboard(std::string& szPath);
+
+    // MainDialogControl.cpp
+    bool CmControl(int nId);
+
+    // MainDialogWindow.cpp
+    bool CmWindow(int nId);
+    void OnSubWindowActivated(QMdiSubWindow* pSub);
+    void OnFileSelectionChanged();
+    void OnFileScroll(int32_t sTarget);
+    void UpdateStatusLine();
+    // The pop-up menu of the waveform: the Edit commands, the Effects, bookmark and region.
+    void TrackWaveWindowMenu(const QPoint& ptGlobal);
+
+    QMdiArea* pMdi = nullptr;
+    std::map<int, QAction*> mapActions;
+    QMenu* pFileMenu = nullptr;
+    QMenu* pEditMenu = nullptr;
+    QMenu* pWindowMenu = nullptr;
+    QMenu* pRecentMenuAnchor = nullptr;
+    QAction* pRecentSeparator = nullptr;
+    std::vector<QAction*> vRecentActions;
+    std::vector<QAction*> vWindowActions;
+    QAction* pWindowSeparator = nullptr;
+    LTransportBar* pTransportBar = nullptr;
+    LTimeFields* pTimeFields = nullptr;
+    QLabel* pStatusFormat = nullptr;
+    std::unique_ptr<LTransport> pTransport;
+    std::unique_ptr<LQtProgressHostFactory> pProgressFactory;
+    LRecentFiles recent;
+    LCutListAudioPtr pClipboard;
+    int nUntitled = 0;
+    bool bClosing = false;
+};

@@ -1,0 +1,341 @@
+// The File menu: new, open, close, save, save as, the recent files and exit.
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+
+#include <ctime>
+
+#include "core/LCutListAudioLoadSource.h"
+#include "core/LEdFile.h"
+#include "core/LFile.h"
+#include "core/LSettings.h"
+#include "core/LTrace.h"
+#include "formats/LAudioFile.h"
+#include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/LEdSaveProcess.h"
+#include "ui/LTransport.h"
+#include "ui/LUiPrompts.h"
+#include "ui/MainDialog.h"
+#include "ui/NewWavDlg.h"
+
+namespace {
+const char* const kFolders = "Folders";
+
+// Qt splits a filter's patterns at spaces, and matches case by case on this system.
+QString Patterns(const QString& szList)
+{
+    QStringList out;
+    for (const QString& s : szList.split(';', Qt::SkipEmptyParts)) {
+        out << s.toLower();
+        if (s.toUpper() != s.toLower())
+            out << s.toUpper();
+    }
+    out.removeDuplicates();
+    return out.join(' ');
+}
+
+QString Filter(const char* szAll, const std::vector<std::pair<const char*, const char*>>& vEach)
+{
+    QStringList filters;
+    filters << QString("Audio Files (%1)").arg(Patterns(szAll));
+    for (const auto& [szName, szList] : vEach)
+        filters << QString("%1 (%2)").arg(szName, Patterns(szList));
+    return filters.join(";;");
+}
+
+QString OpenFilter()
+{
+    return Filter("*.WAV;*.MP3;*.GSM;*.VOX;*.RM;*.RAM;*.RA;*.RAW;*.AIF;*.AU;*.DSS;*.WMA;*.DCT;*.AAC;*.FLAC;*.OGG",
+                  {{"Wave Files(*.wav)", "*.wav"},
+                   {"MPEG Layer-3 Files(*.mp3)", "*.mp3"},
+                   {"Vox Files(*.vox)", "*.vox"},
+                   {"Gsm Files(*.gsm)", "*.gsm"},
+                   {"Real Audio Files(*.rm;*.ram;*.rm)", "*.rm;*.ram;*.rm"},
+                   {"Raw Audio Files(*.raw)", "*.raw"},
+                   {"Apple AIF Files(*.aif)", "*.aif"},
+                   {"Sun AU Files(*.au)", "*.au"},
+                   {"Olympus Files(*.dss)", "*.dss"},
+                   {"Windows Media Audio Files(*.wma)", "*.wma"},
+                   {"Dictation Files(*.dct)", "*.dct"},
+                   {"AAC Files(*.aac)", "*.aac"},
+                   {"FLAC Files(*.flac)", "*.flac"},
+                   {"OGG Files(*.ogg)", "*.ogg"}});
+}
+
+QString SaveFilter()
+{
+    return Filter("*.WAV;*.MP3;*.GSM;*.VOX;*.RAW;*.AIF;*.AU",
+                  {{"Wave Files(*.wav)", "*.wav"},
+                   {"MPEG Layer-3 Files(*.mp3)", "*.mp3"},
+                   {"Vox Files(*.vox)", "*.vox"},
+                   {"Gsm Files(*.gsm)", "*.gsm"},
+                   {"Raw Audio Files(*.raw)", "*.raw"},
+                   {"Apple AIF Files(*.aif)", "*.aif"},
+                   {"Sun AU Files(*.au)", "*.au"}});
+}
+
+bool IsRealAudio(const std::string& szPath)
+{
+    const std::string szExt = LFile::ExtensionOf(szPath);
+    return szExt == ".rm" || szExt == ".ram" || szExt == ".ra";
+}
+
+} // namespace
+
+bool MainDialog::CmFile(int nId)
+{
+    if (nId >= CmRecentFirstId && nId <= CmRecentLastId) {
+        CmRecent(nId - CmRecentFirstId);
+        return true;
+    }
+    switch (nId) {
+    case CmNewId: CmNew(); return true;
+    case CmOpenId: CmOpen(); return true;
+    case CmCloseId: CmClose(); return true;
+    case CmSaveId: CmSave(); return true;
+    case CmSaveAsId: CmSaveAs(); return true;
+    case CmExitId: CmExit(); return true;
+    case CmCloseAllId: CloseAllFiles(); return true;
+    default: return false;
+    }
+}
+
+void MainDialog::CmNew()
+{
+    int32_t nRate = 44100;
+    int nChans = 2;
+    if (!NewWavDlg::ChooseFormat(this, nRate, nChans))
+        return;
+    auto pFile = std::make_unique<LEdFile>();
+    pFile->GetDocument().SetFormat(nRate, static_cast<uint8_t>(nChans));
+    AddFileToList(std::move(pFile), std::string(), "Untitled " + std::to_string(++nUntitled));
+}
+
+void MainDialog::CmOpen()
+{
+    const QString szFolder = QString::fromStdString(LSettings::GetString(kFolders, "OpenFileDir", QDir::homePath().toStdString()));
+    const QStringList files = LUiPrompts::Get().GetOpenFileNames(this, "Open Audio File", szFolder, OpenFilter());
+    if (files.isEmpty())
+        return;
+    LSettings::SetString(kFolders, "OpenFileDir", QFileInfo(files.front()).absolutePath().toStdString());
+    for (const QString& szFile : files)
+        LoadFile(szFile.toStdString());
+}
+
+bool MainDialog::LoadFile(const std::string& szPath)
+{
+    const std::string szName = LFile::FileNameOf(szPath);
+    std::string szError;
+    LAudioFileDetails details;
+    LSoundSourcePtr pSource = LAudioFile::OpenSource(szPath, &szError, &details);
+    if (pSource->IsError()) {
+        LTRACE("MainDialog::LoadFile %s: %s", szPath.c_str(), szError.c_str());
+        LUiPrompts::Get().Inform(this, "File Error",
+                                 QString("Unable to open \"%1\":\n%2").arg(QString::fromStdString(szPath),
+                                                                           QString::fromStdString(szError)),
+                                 LUiPrompts::IconError);
+        return false;
+    }
+    auto pFile = std::make_unique<LEdFile>();
+    LCutListAudioLoadSource load("Loading file " + szName, &pFile->GetDocument(), pSource.Get());
+    const int32_t nResult = load.Run();
+    if (nResult != LProgressDialog::ResultDone) {
+        if (nResult == LProgressDialog::ResultError)
+            LUiPrompts::Get().Inform(this, "File Error",
+                                     QString("Unable to read \"%1\".").arg(QString::fromStdString(szPath)),
+                                     LUiPrompts::IconError);
+        return false;
+    }
+    pFile->SetView(0, pFile->GetDocument().GetLength());
+    LEdFileWindow* pWindow = AddFileToList(std::move(pFile), szPath, szName);
+    pWindow->SetSaveBits(details.nBits == 8 ? 8 : 16);
+    recent.Add(szPath, static_cast<int64_t>(std::time(nullptr)));
+    RebuildRecentMenu();
+    UpdateMenuStates();
+    return true;
+}
+
+LEdFileWindow* MainDialog::AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath,
+                                         const std::string& szName)
+{
+    auto* pWindow = new LEdFileWindow(std::move(pFile), szPath, szName);
+    QMdiSubWindow* pSub = pMdi->addSubWindow(pWindow);
+    if (!pSub) {
+        LTRACE("LMDIWindow::LMDIWindow MDI Child creation failed.");
+        delete pWindow;
+        return nullptr;
+    }
+    pSub->setAttribute(Qt::WA_DeleteOnClose);
+    pSub->setWindowTitle(pWindow->Caption());
+    connect(pWindow, &QWidget::windowTitleChanged, pSub, &QWidget::setWindowTitle);
+    connect(pWindow, &LEdFileWindow::SelectionChanged, this, &MainDialog::OnFileSelectionChanged);
+    connect(pWindow, &LEdFileWindow::ScrollRequested, this, &MainDialog::OnFileScroll);
+    connect(pWindow, &LEdFileWindow::DisplayOptionsChanged, this, &MainDialog::UpdateMenuStates);
+    connect(pWindow, &LEdFileWindow::ContextMenuRequested, this, &MainDialog::TrackWaveWindowMenu);
+    connect(pSub, &QObject::destroyed, this, [this] { OnSubWindowActivated(pMdi->currentSubWindow()); });
+    const QSize area = pMdi->viewport()->size();
+    pSub->resize(std::max(area.width() * 3 / 4, 480), std::max(area.height() * 3 / 4, 320));
+    pSub->show();
+    pMdi->setActiveSubWindow(pSub);
+    OnSubWindowActivated(pSub);
+    return pWindow;
+}
+
+void MainDialog::CmClose()
+{
+    LEdFileWindow* pWindow = GetCurrentFileWindow();
+    if (pWindow && QueryCloseFile(pWindow))
+        CloseFileWindow(pWindow);
+}
+
+bool MainDialog::QueryCloseFile(LEdFileWindow* pWindow)
+{
+    if (!pWindow->GetFile().IsModified())
+        return true;
+    const LUiPrompts::Answer answer = LUiPrompts::Get().Ask(
+        this, "Sonitra", QString("Save changes to \"%1\"?").arg(QString::fromStdString(pWindow->GetName())), true);
+    if (answer == LUiPrompts::AnswerCancel)
+        return false;
+    if (answer == LUiPrompts::AnswerNo)
+        return true;
+    return SaveFile(pWindow);
+}
+
+void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
+{
+    pTransport->ForgetWindow(pWindow);
+    for (QMdiSubWindow* pSub : pMdi->subWindowList()) {
+        if (pSub->widget() != pWindow)
+            continue;
+        pSub->hide();
+        pMdi->removeSubWindow(pSub);
+        pSub->deleteLater();
+    }
+    OnSubWindowActivated(pMdi->currentSubWindow());
+}
+
+bool MainDialog::CloseAllFiles()
+{
+    const std::vector<LEdFileWindow*> windows = GetFileWindows();
+    for (LEdFileWindow* pWindow : windows) {
+        pMdi->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(pWindow->parentWidget()));
+        if (!QueryCloseFile(pWindow))
+            return false;
+    }
+    for (LEdFileWindow* pWindow : windows)
+        CloseFileWindow(pWindow);
+    return true;
+}
+
+void MainDialog::CmSave()
+{
+    if (LEdFileWindow* pWindow = GetCurrentFileWindow())
+        SaveFile(pWindow);
+}
+
+void MainDialog::CmSaveAs()
+{
+    if (LEdFileWindow* pWindow = GetCurrentFileWindow())
+        SaveFileAs(pWindow);
+}
+
+bool MainDialog::SaveFile(LEdFileWindow* pWindow)
+{
+    const std::string& szPath = pWindow->GetPath();
+    if (szPath.empty())
+        return SaveFileAs(pWindow);
+    if (IsRealAudio(szPath)) {
+        const auto answer = LUiPrompts::Get().Ask(this, "Sonitra",
+                                                  "Saving in real audio file format is not supported. Do you want to "
+                                                  "save in another format (wav, mp3, gsm, vox) instead?",
+                                                  false);
+        return answer == LUiPrompts::AnswerYes && SaveFileAs(pWindow);
+    }
+    if (pTransport->GetActiveWindow() == pWindow && pTransport->IsRecording())
+        pTransport->Stop();
+    LEdSaveProcess save("Saving...", pWindow->GetFile().GetDocument(), szPath, pWindow->GetSaveBits());
+    const int32_t nResult = save.Run();
+    if (nResult != LProgressDialog::ResultDone) {
+        // The old file is untouched and the document stays modified: nothing is lost.
+        if (nResult == LProgressDialog::ResultError)
+            LUiPrompts::Get().Inform(this, "File Error",
+                                     QString("Unable to save \"%1\":\n%2")
+                                         .arg(QString::fromStdString(szPath), QString::fromStdString(save.GetError())),
+                                     LUiPrompts::IconError);
+        return false;
+    }
+    pWindow->GetFile().SetModified(false);
+    pWindow->setWindowTitle(pWindow->Caption());
+    return true;
+}
+
+bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
+{
+    QString szFolder = QString::fromStdString(LSettings::GetString(kFolders, "SaveAsDir", QDir::homePath().toStdString()));
+    const QString szStart = pWindow->GetPath().empty()
+                                ? QDir(szFolder).filePath(QString::fromStdString(pWindow->GetName()) + ".wav")
+                                : QDir(szFolder).filePath(QFileInfo(QString::fromStdString(pWindow->GetPath())).completeBaseName() + ".wav");
+    QString szChosen = LUiPrompts::Get().GetSaveFileName(this, "Save Audio File As", szStart, SaveFilter());
+    if (szChosen.isEmpty())
+        return false;
+    if (QFileInfo(szChosen).suffix().isEmpty())
+        szChosen += ".wav";
+    LSettings::SetString(kFolders, "SaveAsDir", QFileInfo(szChosen).absolutePath().toStdString());
+    const std::string szNew = szChosen.toStdString();
+    if (szNew != pWindow->GetPath() && LFile::Exists(szNew)) {
+        const auto answer = LUiPrompts::Get().Ask(
+            this, "Sonitra", "Another file with the same name already exists. Do you want to replace it?", false);
+        if (answer != LUiPrompts::AnswerYes)
+            return false;
+    }
+    const std::string szOldPath = pWindow->GetPath();
+    const std::string szOldName = pWindow->GetName();
+    pWindow->SetPath(szNew);
+    if (!SaveFile(pWindow)) {
+        pWindow->SetIdentity(szOldPath, szOldName);
+        return false;
+    }
+    recent.Add(szNew, static_cast<int64_t>(std::time(nullptr)));
+    RebuildRecentMenu();
+    SetWindowCaption();
+    return true;
+}
+
+void MainDialog::CmRecent(int nIndex)
+{
+    const auto& entries = recent.GetEntries();
+    if (nIndex < 0 || nIndex >= static_cast<int>(entries.size()))
+        return;
+    const std::string szPath = entries[nIndex].szPath;
+    if (!LFile::Exists(szPath)) {
+        LUiPrompts::Get().Inform(this, "File Error",
+                                 QString("The file \"%1\" no longer exists.").arg(QString::fromStdString(szPath)),
+                                 LUiPrompts::IconWarning);
+        recent.Remove(szPath);
+        RebuildRecentMenu();
+        return;
+    }
+    LoadFile(szPath);
+}
+
+void MainDialog::CmExit()
+{
+    close();
+}
+
+void MainDialog::EvLoad(const QString& szPath)
+{
+    if (szPath.isEmpty()) {
+        LTRACE("MainDialog::EvLoad lParam == 0");
+        return;
+    }
+    if (isMinimized())
+        showNormal();
+    raise();
+    activateWindow();
+    LoadFile(szPath.toStdString());
+}

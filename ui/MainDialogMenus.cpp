@@ -1,0 +1,236 @@
+// The menus, the toolbar and the lists that live in menus (recent files, open windows).
+#include <QAction>
+#include <QActionGroup>
+#include <QApplication>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QStyle>
+#include <QToolBar>
+
+#include "core/LTrace.h"
+#include "ui/LCommandIds.h"
+#include "ui/LCommandTable.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/LTimeFields.h"
+#include "ui/LTransport.h"
+#include "ui/LTransportBar.h"
+#include "ui/MainDialog.h"
+
+namespace {
+// Keys the frame follows itself (held keys, the window manager's close) get no shortcut.
+bool HandledAsHeldKey(int nId)
+{
+    return nId == CmRewindId || nId == CmFastForwardId || nId == CmExitId || nId == CmScrubId;
+}
+
+QKeySequence KeyOf(const char* szAccel)
+{
+    const QString s = QString::fromUtf8(szAccel);
+    if (s == "Ctrl+Plus")
+        return QKeySequence(Qt::CTRL | Qt::Key_Plus);
+    if (s == "Ctrl+Minus")
+        return QKeySequence(Qt::CTRL | Qt::Key_Minus);
+    return QKeySequence::fromString(s, QKeySequence::PortableText);
+}
+
+// Menus and their items: a number is a command, 0 a separator, a negative number opens a
+// submenu of the items that follow up to the matching -1.
+struct MenuItem
+{
+    int nId;
+    const char* szSubmenu;
+};
+constexpr int kSeparator = 0;
+constexpr int kSubmenu = -2;
+constexpr int kEndSubmenu = -1;
+} // namespace
+
+QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
+{
+    const LCommandInfo* pInfo = LCommandTable::Find(nId);
+    if (!pInfo) {
+        LTRACE("MainDialog::AddCommand unknown command %d", nId);
+        return nullptr;
+    }
+    auto* pAction = new QAction(LCommandTable::MenuText(nId), this);
+    pAction->setObjectName(QString("cmd%1").arg(nId));
+    pAction->setStatusTip(LCommandTable::Hint(nId));
+    pAction->setData(nId);
+    if (*pInfo->szAccel && !HandledAsHeldKey(nId))
+        pAction->setShortcut(KeyOf(pInfo->szAccel));
+    connect(pAction, &QAction::triggered, this, [this, nId] { Command(nId); });
+    if (pMenu)
+        pMenu->addAction(pAction);
+    mapActions[nId] = pAction;
+    return pAction;
+}
+
+void MainDialog::BuildMenus()
+{
+    struct Menu
+    {
+        const char* szTitle;
+        std::vector<MenuItem> vItems;
+    };
+    const std::vector<Menu> menus = {
+        {"&File",
+         {{CmNewId, nullptr}, {CmOpenId, nullptr}, {CmLoadCdId, nullptr}, {CmCloseId, nullptr}, {CmSaveId, nullptr},
+          {CmSaveAsId, nullptr}, {kSeparator, nullptr}, {CmCopyToCdId, nullptr}, {CmSendId, nullptr},
+          {kSeparator, nullptr}, {CmOpenProjectId, nullptr}, {CmCloseProjectId, nullptr}, {CmSaveProjectId, nullptr},
+          {CmSaveProjectAsId, nullptr}, {kSeparator, nullptr}, {CmConvertRateId, nullptr},
+          {kSubmenu, "Convert Channels"}, {CmMonoId, nullptr}, {CmStereoId, nullptr}, {kEndSubmenu, nullptr},
+          {kSeparator, nullptr}, {CmSettingsId, nullptr}}},
+        {"&Edit",
+         {{CmUndoId, nullptr}, {kSeparator, nullptr}, {CmCutId, nullptr}, {CmCopyId, nullptr}, {CmPasteId, nullptr},
+          {CmPasteFromClipboardId, nullptr}, {CmPasteMixId, nullptr}, {CmPasteMixFromClipboardId, nullptr},
+          {CmDeleteId, nullptr}, {kSeparator, nullptr}, {CmSelectAllId, nullptr}, {CmSelectToStartId, nullptr},
+          {CmSelectToEndId, nullptr}, {kSeparator, nullptr}, {CmMixFileId, nullptr}, {CmRepeatLoopId, nullptr},
+          {kSeparator, nullptr}, {CmTrimId, nullptr}, {CmTrimStartId, nullptr}, {CmTrimEndId, nullptr},
+          {CmAutoTrimId, nullptr}, {kSeparator, nullptr}, {CmSilenceId, nullptr}, {kSubmenu, "Insert Silence"},
+          {CmInsertSilenceBeginId, nullptr}, {CmInsertSilenceCurrentId, nullptr}, {CmInsertSilenceEndId, nullptr},
+          {kEndSubmenu, nullptr}, {kSubmenu, "Insert File"}, {CmInsertFileBeginId, nullptr},
+          {CmInsertFileCurrentId, nullptr}, {CmInsertFileEndId, nullptr}, {kEndSubmenu, nullptr},
+          {kSeparator, nullptr}, {CmCopyToNewId, nullptr}}},
+        {"&Control",
+         {{CmRecordId, nullptr}, {CmPlayId, nullptr}, {CmPlayNormalId, nullptr}, {CmPlaySlowId, nullptr},
+          {CmPlayFastId, nullptr}, {CmStopId, nullptr}, {kSeparator, nullptr}, {CmGoToStartId, nullptr},
+          {CmRewindId, nullptr}, {CmFastForwardId, nullptr}, {CmGoToEndId, nullptr}}},
+        {"Effec&ts",
+         {{CmAmplifyId, nullptr}, {CmNormalizeId, nullptr}, {CmHighPassId, nullptr}, {CmEqualizerId, nullptr},
+          {CmEchoId, nullptr}, {CmReverbId, nullptr}, {CmReverseId, nullptr}, {kSeparator, nullptr},
+          {CmFadeInId, nullptr}, {CmFadeOutId, nullptr}, {CmFadeOutTrimId, nullptr}, {CmEnvelopeId, nullptr},
+          {kSeparator, nullptr}, {CmAutoGainId, nullptr}, {CmNoiseReductionId, nullptr}, {kSeparator, nullptr},
+          {CmSimpleSpeedId, nullptr}, {CmConstantPitchId, nullptr}, {CmConstantSpeedId, nullptr},
+          {kSeparator, nullptr}, {CmCompressorId, nullptr}, {CmDcOffsetId, nullptr}}},
+        {"T&ools",
+         {{CmFrequencyAnalysisId, nullptr}, {CmToneGeneratorId, nullptr}, {CmTextToSpeechId, nullptr},
+          {CmBatchConverterId, nullptr}}},
+        {"&Bookmarks",
+         {{CmSetBookmarkId, nullptr}, {CmBookmarkListId, nullptr}, {kSeparator, nullptr}, {CmAddRegionId, nullptr},
+          {CmRegionListId, nullptr}, {CmAssembleRegionsId, nullptr}}},
+        {"&Window",
+         {{CmCascadeId, nullptr}, {CmTileHorizontalId, nullptr}, {CmTileVerticalId, nullptr},
+          {CmArrangeIconsId, nullptr}, {kSeparator, nullptr}, {CmZoomInId, nullptr}, {CmZoomOutId, nullptr},
+          {CmZoomSelectionId, nullptr}, {CmZoomFullId, nullptr}, {CmVerticalZoomId, nullptr}, {kSeparator, nullptr},
+          {CmDisplayPosNegId, nullptr}, {CmDisplayLeftRightId, nullptr}, {kSeparator, nullptr},
+          {CmCloseAllId, nullptr}}},
+        {"&Help", {{CmHelpId, nullptr}, {kSubmenu, "&Internet Resources"}, {kEndSubmenu, nullptr},
+                   {kSeparator, nullptr}, {CmAboutId, nullptr}}},
+    };
+    for (const Menu& m : menus) {
+        QMenu* pTop = menuBar()->addMenu(tr(m.szTitle));
+        QMenu* pMenu = pTop;
+        for (const MenuItem& item : m.vItems) {
+            if (item.nId == kSeparator)
+                pMenu->addSeparator();
+            else if (item.nId == kSubmenu)
+                pMenu = pTop->addMenu(tr(item.szSubmenu));
+            else if (item.nId == kEndSubmenu)
+                pMenu = pTop;
+            else
+                AddCommand(pMenu, item.nId);
+        }
+        connect(pTop, &QMenu::aboutToShow, this, &MainDialog::UpdateMenuStates);
+        if (m.szTitle == menus[0].szTitle)
+            pFileMenu = pTop;
+        else if (m.szTitle == menus[1].szTitle)
+            pEditMenu = pTop;
+        else if (m.szTitle == menus[6].szTitle)
+            pWindowMenu = pTop;
+    }
+    // The recent files sit between Settings and Exit.
+    pRecentSeparator = pFileMenu->addSeparator();
+    pFileMenu->addSeparator();
+    AddCommand(pFileMenu, CmExitId);
+    RebuildRecentMenu();
+    pWindowSeparator = pWindowMenu->addSeparator();
+    connect(pWindowMenu, &QMenu::aboutToShow, this, &MainDialog::RebuildWindowMenu);
+
+    auto* pSpeeds = new QActionGroup(this);
+    for (int nId : {CmPlaySlowId, CmPlayNormalId, CmPlayFastId}) {
+        GetAction(nId)->setCheckable(true);
+        pSpeeds->addAction(GetAction(nId));
+    }
+    auto* pModes = new QActionGroup(this);
+    for (int nId : {CmDisplayPosNegId, CmDisplayLeftRightId}) {
+        GetAction(nId)->setCheckable(true);
+        pModes->addAction(GetAction(nId));
+    }
+    GetAction(CmVerticalZoomId)->setCheckable(true);
+    AddCommand(nullptr, CmScrubId);
+}
+
+void MainDialog::BuildToolBar()
+{
+    QToolBar* pTools = addToolBar(tr("Toolbar"));
+    pTools->setObjectName("ToolBar");
+    QStyle* pStyle = style();
+    struct Tool
+    {
+        int nId;
+        QStyle::StandardPixmap icon;
+        const char* szTip;
+    };
+    const Tool tools[] = {
+        {CmNewId, QStyle::SP_FileIcon, "New File"},
+        {CmOpenId, QStyle::SP_DialogOpenButton, "Open File"},
+        {CmSaveId, QStyle::SP_DialogSaveButton, "Save File"},
+        {CmUndoId, QStyle::SP_ArrowBack, "Undo (Ctrl+Z)"},
+    };
+    for (const Tool& t : tools) {
+        QAction* pAction = GetAction(t.nId);
+        pAction->setIcon(pStyle->standardIcon(t.icon));
+        pAction->setToolTip(tr(t.szTip));
+        pTools->addAction(pAction);
+    }
+    pTransportBar = new LTransportBar(this);
+    addToolBar(pTransportBar);
+    connect(pTransportBar, &LTransportBar::Command, this, [this](int nId) { Command(nId); });
+    connect(pTransportBar, &LTransportBar::ShuttlePressed, this, [this](int nId) { Command(nId); });
+    connect(pTransportBar, &LTransportBar::ShuttleReleased, this, [this](int) { pTransport->EndShuttle(); });
+    connect(pTransportBar, &LTransportBar::VolumeChanged, this, [this](int nDb) { pTransport->SetVolume(nDb); });
+    addToolBarBreak();
+    auto* pTimeBar = new QToolBar(tr("Time"), this);
+    pTimeBar->setObjectName("TimeBar");
+    pTimeFields = new LTimeFields(pTimeBar);
+    pTimeBar->addWidget(pTimeFields);
+    addToolBar(pTimeBar);
+}
+
+void MainDialog::RebuildRecentMenu()
+{
+    for (QAction* p : vRecentActions) {
+        mapActions.erase(p->data().toInt());
+        delete p;
+    }
+    vRecentActions.clear();
+    const auto& entries = recent.GetEntries();
+    for (size_t i = 0; i < entries.size(); ++i) {
+        const int nId = CmRecentFirstId + static_cast<int>(i);
+        auto* pAction = new QAction(QString("&%1. %2").arg(i + 1).arg(QString::fromStdString(entries[i].szPath)), this);
+        pAction->setObjectName(QString("cmd%1").arg(nId));
+        pAction->setData(nId);
+        pAction->setStatusTip(tr("Opens this file."));
+        connect(pAction, &QAction::triggered, this, [this, nId] { Command(nId); });
+        pFileMenu->insertAction(pRecentSeparator, pAction);
+        vRecentActions.push_back(pAction);
+        mapActions[nId] = pAction;
+    }
+}
+
+void MainDialog::RebuildWindowMenu()
+{
+    for (QAction* p : vWindowActions)
+        delete p;
+    vWindowActions.clear();
+    const QList<QMdiSubWindow*> subs = pMdi->subWindowList();
+    for (int i = 0; i < subs.size(); ++i) {
+        QMdiSubWindow* pSub = subs[i];
+        auto* pAction = pWindowMenu->addAction(QString("&%1 %2").arg(i + 1).arg(pSub->windowTitle()));
+        pAction->setCheckable(true);
+        pAction->setChecked(pSub == pMdi->currentSubWindow());
+        connect(pAction, &QAction::triggered, this, [this, pSub] { pMdi->setActiveSubWindow(pSub); });
+        vWindowActions.push_back(pAction);
+    }
+}

@@ -1,0 +1,104 @@
+// The Window menu (arranging, zoom, display options), the current file and its views.
+#include <QAction>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMessageBox>
+
+#include "core/LEdFile.h"
+#include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/LTimeFields.h"
+#include "ui/LTransport.h"
+#include "ui/MainDialog.h"
+
+bool MainDialog::CmWindow(int nId)
+{
+    LEdFileWindow* pWindow = GetCurrentFileWindow();
+    switch (nId) {
+    case CmCascadeId: pMdi->cascadeSubWindows(); return true;
+    case CmTileHorizontalId:
+    case CmTileVerticalId: {
+        // One window above the other, or side by side.
+        const QList<QMdiSubWindow*> subs = pMdi->subWindowList();
+        if (subs.isEmpty())
+            return true;
+        const QSize area = pMdi->viewport()->size();
+        const int n = static_cast<int>(subs.size());
+        for (int i = 0; i < n; ++i) {
+            subs[i]->showNormal();
+            if (nId == CmTileHorizontalId)
+                subs[i]->setGeometry(0, area.height() * i / n, area.width(), area.height() / n);
+            else
+                subs[i]->setGeometry(area.width() * i / n, 0, area.width() / n, area.height());
+        }
+        return true;
+    }
+    case CmArrangeIconsId: pMdi->tileSubWindows(); return true;
+    case CmHelpId: return true;
+    case CmAboutId:
+        QMessageBox::about(this, "About Sonitra", "Sonitra v 1.10\n\nA sound editor.");
+        return true;
+    default: break;
+    }
+    if (!pWindow)
+        return false;
+    switch (nId) {
+    case CmZoomInId: pWindow->ZoomIn(); return true;
+    case CmZoomOutId: pWindow->ZoomOut(); return true;
+    case CmZoomSelectionId: pWindow->ZoomToSelection(); return true;
+    case CmZoomFullId: pWindow->ZoomFull(); return true;
+    case CmVerticalZoomId: pWindow->ToggleVerticalZoom(); return true;
+    case CmDisplayPosNegId: pWindow->SetDisplayMode(0); return true;
+    case CmDisplayLeftRightId: pWindow->SetDisplayMode(1); return true;
+    default: return false;
+    }
+}
+
+void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
+{
+    SetWindowCaption();
+    UpdateMenuStates();
+    UpdateTimeFields();
+    UpdateStatusLine();
+    emit CurrentFileChanged();
+}
+
+void MainDialog::OnFileSelectionChanged()
+{
+    UpdateTimeFields();
+    UpdateMenuStates();
+}
+
+void MainDialog::OnFileScroll(int32_t sTarget)
+{
+    auto* pWindow = qobject_cast<LEdFileWindow*>(sender());
+    if (!pWindow)
+        pWindow = GetCurrentFileWindow();
+    if (!pWindow)
+        return;
+    pWindow->SetCursorPosition(sTarget);
+    UpdateTimeFields();
+}
+
+void MainDialog::TrackWaveWindowMenu(const QPoint& ptGlobal)
+{
+    QMenu menu(this);
+    for (int nId : std::initializer_list<int>{CmUndoId, 0, CmCutId, CmCopyId, CmPasteId, CmPasteFromClipboardId, CmPasteMixId, CmDeleteId, 0,
+                    CmSelectAllId, CmSelectToStartId, CmSelectToEndId, 0, CmTrimId, CmTrimStartId, CmTrimEndId,
+                    CmSilenceId, CmRepeatLoopId, CmCopyToNewId}) {
+        if (nId == 0)
+            menu.addSeparator();
+        else if (QAction* p = GetAction(nId))
+            menu.addAction(p);
+    }
+    QMenu* pEffects = menu.addMenu(tr("Effects"));
+    for (int nId = CmAmplifyId; nId <= CmReverseId; ++nId)
+        if (QAction* p = GetAction(nId))
+            pEffects->addAction(p);
+    menu.addSeparator();
+    menu.addAction(GetAction(CmSetBookmarkId));
+    menu.addAction(GetAction(CmAddRegionId));
+    UpdateMenuStates();
+    menu.exec(ptGlobal);
+}
