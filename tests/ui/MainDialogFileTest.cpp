@@ -1,0 +1,252 @@
+// Files through the real frame: save and reopen, the questions on closing, a failed save,
+// the recent list, the new-file rule and the second-start channel.
+#include <QAction>
+#include <QFile>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+#include "core/LEdFile.h"
+#include "formats/LAudioFile.h"
+#include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/LInstanceChannel.h"
+#include "ui/MainDialog.h"
+#include "ui/NewWavDlg.h"
+#include "UiTestSupport.h"
+
+using namespace uitest;
+
+namespace {
+std::vector<int16_t> FileSamples(const QString& szPath)
+{
+    LSoundSourcePtr p = LAudioFile::OpenSource(szPath.toStdString());
+    std::vector<int32_t> v(static_cast<size_t>(p->GetLength()) * p->GetChannels());
+    if (!v.empty())
+        p->Read(v.data(), p->GetLength());
+    std::vector<int16_t> out;
+    for (int32_t s : v)
+        out.push_back(static_cast<int16_t>(s >> 4));
+    return out;
+}
+
+QByteArray Bytes(const QString& szPath)
+{
+    QFile f(szPath);
+    f.open(QIODevice::ReadOnly);
+    return f.readAll();
+}
+} // namespace
+
+class MainDialogFileTest : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<Harness> h;
+    std::unique_ptr<MainDialog> frame;
+
+    QString MakeWav(const QString& szName, int nFrames)
+    {
+        const QString szPath = h->File(szName);
+        WriteWav16(szPath, 8000, 1, Ramp(nFrames));
+        return szPath;
+    }
+
+    LEdFileWindow* Open(const QString& szPath)
+    {
+        h->prompts.openNames.push_back({szPath});
+        frame->Command(CmOpenId);
+        return frame->GetCurrentFileWindow();
+    }
+
+private slots:
+    void init()
+    {
+        h = std::make_unique<Harness>();
+        frame = std::make_unique<MainDialog>();
+        frame->show();
+    }
+
+    void cleanup()
+    {
+        frame.reset();
+        h.reset();
+    }
+
+    void saveAndReopen()
+    {
+        const QString szPath = MakeWav("a.wav", 3000);
+        LEdFileWindow* pWindow = Open(szPath);
+        QVERIFY(pWindow);
+        pWindow->SetSelection(100, 1100);
+        QVERIFY(frame->Command(CmDeleteId));
+        const std::vector<int16_t> vEdited = Samples(pWindow->GetFile().GetDocument());
+        QCOMPARE(vEdited.size(), size_t(2000));
+        QVERIFY(frame->Command(CmSaveId));
+        QVERIFY(!pWindow->GetFile().IsModified());
+        QCOMPARE(FileSamples(szPath), vEdited);
+        QVERIFY(frame->Command(CmCloseId));
+        QVERIFY(h->prompts.questions.isEmpty()); // saved: nothing to ask
+        QVERIFY(frame->GetFileWindows().empty());
+        QCOMPARE(frame->windowTitle(), QString("Sonitra"));
+        pWindow = Open(szPath);
+        QVERIFY(pWindow);
+        QCOMPARE(Samples(pWindow->GetFile().GetDocument()), vEdited);
+
+        // Save As to a new name; the new name is shown and remembered.
+        const QString szCopy = h->File("copy.wav");
+        h->prompts.saveNames.push_back(szCopy);
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(h->prompts.dialogTitles.back(), QString("Save Audio File As"));
+        QCOMPARE(FileSamples(szCopy), vEdited);
+        QCOMPARE(frame->windowTitle(), QString("Sonitra - copy.wav"));
+        // Saving over another existing file asks first; No leaves it alone.
+        h->prompts.saveNames.push_back(szPath);
+        h->prompts.answers.push_back(LUiPrompts::AnswerNo);
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(h->prompts.questions.back(),
+                 QString("Another file with the same name already exists. Do you want to replace it?"));
+        QCOMPARE(QString::fromStdString(pWindow->GetPath()), szCopy);
+    }
+
+    void closingAsksAboutChanges()
+    {
+        const QString szPath = MakeWav("b.wav", 2000);
+        const QByteArray before = Bytes(szPath);
+        LEdFileWindow* pWindow = Open(szPath);
+        QVERIFY(pWindow);
+        pWindow->SetSelection(0, 500);
+        QVERIFY(frame->Command(CmCutId));
+        // Cancel keeps the file open.
+        h->prompts.answers.push_back(LUiPrompts::AnswerCancel);
+        QVERIFY(frame->Command(CmCloseId));
+        QCOMPARE(h->prompts.questions.back(), QString("Save changes to \"b.wav\"?"));
+        QCOMPARE(frame->GetFileWindows().size(), size_t(1));
+        // No closes it and leaves the file on disk as it was.
+        h->prompts.answers.push_back(LUiPrompts::AnswerNo);
+        QVERIFY(frame->Command(CmCloseId));
+        QVERIFY(frame->GetFileWindows().empty());
+        QCOMPARE(Bytes(szPath), before);
+    }
+
+    void closingTheFrameAsksForEachFile()
+    {
+        const QString szA = MakeWav("one.wav", 1000);
+        const QString szB = MakeWav("two.wav", 1000);
+        for (const QString& s : {szA, szB}) {
+            LEdFileWindow* pWindow = Open(s);
+            QVERIFY(pWindow);
+            pWindow->SetSelection(0, 10);
+            QVERIFY(frame->Command(CmDeleteId));
+        }
+        // Yes to the first saves it; Cancel on the second keeps everything open.
+        h->prompts.answers = {LUiPrompts::AnswerYes, LUiPrompts::AnswerCancel};
+        QVERIFY(!frame->close());
+        QCOMPARE(h->prompts.questions.size(), 2);
+        QCOMPARE(frame->GetFileWindows().size(), size_t(2));
+        QCOMPARE(FileSamples(szA).size(), size_t(990));
+        // Now only the second is still modified: one question, and the frame closes.
+        h->prompts.answers = {LUiPrompts::AnswerNo};
+        QVERIFY(frame->close());
+        QCOMPARE(h->prompts.questions.size(), 3);
+        QVERIFY(h->prompts.questions.back().contains("two.wav"));
+        QCOMPARE(FileSamples(szB).size(), size_t(1000));
+        QCOMPARE(LSettings::GetInt("MainWindow", "Width", 0), frame->normalGeometry().width());
+    }
+
+    void failedSaveKeepsTheDocumentModified()
+    {
+        const QString szPath = MakeWav("c.wav", 1000);
+        LEdFileWindow* pWindow = Open(szPath);
+        QVERIFY(pWindow);
+        pWindow->SetSelection(0, 100);
+        QVERIFY(frame->Command(CmDeleteId));
+        // A type no writer knows: the save fails, the old file of that name stays as it was.
+        const QString szOther = h->File("c.xyz");
+        QFile f(szOther);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("precious");
+        f.close();
+        h->prompts.saveNames.push_back(szOther);
+        h->prompts.answers.push_back(LUiPrompts::AnswerYes);
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(h->prompts.informs.size(), 1);
+        QVERIFY(h->prompts.informs.front().startsWith("File Error: Unable to save"));
+        QVERIFY(pWindow->GetFile().IsModified());
+        QCOMPARE(Bytes(szOther), QByteArray("precious"));
+        QCOMPARE(QString::fromStdString(pWindow->GetPath()), szPath);
+        QCOMPARE(FileSamples(szPath).size(), size_t(1000));
+        // A file that cannot be read opens no window.
+        h->prompts.openNames.push_back({szOther});
+        QVERIFY(frame->Command(CmOpenId));
+        QCOMPARE(frame->GetFileWindows().size(), size_t(1));
+        QCOMPARE(h->prompts.informs.size(), 2);
+    }
+
+    void recentListKeepsNewestFirst()
+    {
+        QStringList paths;
+        for (int i = 0; i < 12; ++i)
+            paths << MakeWav(QString("r%1.wav").arg(i), 100);
+        for (const QString& s : paths.mid(0, 3))
+            QVERIFY(Open(s));
+        auto recentPath = [this](int i) { return QString::fromStdString(frame->GetRecentFiles().GetEntries()[i].szPath); };
+        QCOMPARE(recentPath(0), paths[2]);
+        QCOMPARE(recentPath(2), paths[0]);
+        QCOMPARE(frame->GetAction(CmRecentFirstId)->text(), QString("&1. %1").arg(paths[2]));
+        // Reopening moves a file to the top without a duplicate.
+        QVERIFY(frame->Command(CmRecentFirstId + 2));
+        QCOMPARE(recentPath(0), paths[0]);
+        QCOMPARE(recentPath(1), paths[2]);
+        QCOMPARE(frame->GetRecentFiles().GetEntries().size(), size_t(3));
+        QCOMPARE(QString::fromStdString(LSettings::GetString("Recent", "RecentFile 0")), paths[0]);
+        QVERIFY(LSettings::GetString("Recent", "RecentFileDate0") != "");
+        // Eleven at most: the oldest falls off.
+        for (const QString& s : paths.mid(3))
+            QVERIFY(Open(s));
+        QCOMPARE(frame->GetRecentFiles().GetEntries().size(), size_t(11));
+        QCOMPARE(recentPath(0), paths[11]);
+        QVERIFY(frame->GetAction(CmRecentLastId) != nullptr);
+        QCOMPARE(LSettings::GetString("Recent", "RecentFile 11"), std::string());
+    }
+
+    void newFileFormatRule()
+    {
+        int32_t n = 0;
+        QVERIFY(NewWavDlg::ParseSampleRate("44100", n));
+        QCOMPARE(n, 44100);
+        QVERIFY(NewWavDlg::ParseSampleRate(" 2000 ", n));
+        QVERIFY(!NewWavDlg::ParseSampleRate("1999", n));
+        QVERIFY(!NewWavDlg::ParseSampleRate("196001", n));
+        QVERIFY(!NewWavDlg::ParseSampleRate("44.1k", n));
+        LSettings::SetInt("Settings", "DefaultSampleRate", 22050);
+        LSettings::SetInt("Settings", "DefaultChannels", 1);
+        QVERIFY(frame->Command(CmNewId));
+        const LCutListAudio& doc = frame->GetCurrentFile()->GetDocument();
+        QCOMPARE(doc.GetSampleRate(), 22050);
+        QCOMPARE(int(doc.GetChannels()), 1);
+        QCOMPARE(frame->windowTitle(), QString("Sonitra - Untitled 1"));
+    }
+
+    void secondStartHandsOverItsFiles()
+    {
+        const QString szName = h->File("channel");
+        LInstanceChannel channel;
+        QVERIFY(channel.Listen(szName));
+        QSignalSpy spy(&channel, &LInstanceChannel::FilesReceived);
+        // The second start is another program: its side runs on a thread of its own.
+        std::atomic<bool> bSent{false};
+        std::thread client([&] { bSent = LInstanceChannel::SendToRunning(szName, {"/x/a.wav", "/y/b c.wav"}, 5000); });
+        QTRY_COMPARE(spy.count(), 1);
+        client.join();
+        QVERIFY(bSent);
+        QCOMPARE(spy.front().front().toStringList(), QStringList({"/x/a.wav", "/y/b c.wav"}));
+        QVERIFY(!LInstanceChannel::SendToRunning(h->File("nobody"), {}, 200));
+    }
+};
+
+QTEST_MAIN(MainDialogFileTest)
+#include "MainDialogFileTest.moc"
