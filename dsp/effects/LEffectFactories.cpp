@@ -11,7 +11,6 @@
 #include "dsp/effects/LSRCEnvelope.h"
 #include "dsp/effects/LSRCLowCut.h"
 #include "dsp/effects/LSRCReverb.h"
-#include "dsp/effects/LSRCReverse.h"
 
 LSoundSourcePtr LEchoFactory::Create(LSoundSourceBase* pInput)
 {
@@ -33,10 +32,6 @@ LSoundSourcePtr LFadeFactory::Create(LSoundSourceBase* pInput)
     return LSoundSourcePtr(new LSRCFade(pInput, dir));
 }
 
-LSoundSourcePtr LReverseFactory::Create(LSoundSourceBase* pInput)
-{
-    return LSoundSourcePtr(new LSRCReverse(pInput));
-}
 
 LSoundSourcePtr LCompressorFactory::Create(LSoundSourceBase* pInput)
 {

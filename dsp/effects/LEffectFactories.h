@@ -40,11 +40,6 @@ private:
     LSRCFade::Direction dir;
 };
 
-class LReverseFactory : public LEffectFactory
-{
-public:
-    LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
-};
 
 // Threshold, ratio index, limit from the stored values. The limit does not reach the stage: the
 // compressor always runs with a 45 ms block and a limit of 127 dB.

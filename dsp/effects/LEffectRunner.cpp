@@ -10,6 +10,7 @@
 #include "dsp/effects/LEfPasteMix.h"
 #include "dsp/effects/LEfSoundProcess.h"
 #include "dsp/effects/LEffectFactories.h"
+#include "dsp/effects/LReverseSoundProcess.h"
 #include "dsp/effects/LSRCEffectBase.h"
 #include "dsp/effects/LStoredValues.h"
 
@@ -94,7 +95,7 @@ int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCut
     case K::Reverb:
         return RunStreaming(dlg, info, data, new LReverbFactory(args.Value("ReverbLevel"), args.Value("ReverbTime")));
     case K::Reverse:
-        return RunStreaming(dlg, info, data, new LReverseFactory, "Reversing Sound");
+        return LReverseSoundProcess::Run(dlg, data);
     case K::FadeIn:
         return RunStreaming(dlg, info, data, new LFadeFactory(LSRCFade::FadeIn));
     case K::FadeOut:

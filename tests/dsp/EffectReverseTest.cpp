@@ -50,3 +50,17 @@ TEST_F(EffectReverse, ProcessReversesOnlyTheSelection)
     std::reverse(vExpect.begin() + 1000, vExpect.begin() + 90000);
     EXPECT_EQ(vOut, vExpect);
 }
+
+TEST_F(EffectReverse, TwiceGivesBackTheAudioAboveFullScaleToo)
+{
+    auto vIn = Noise(2 * 20000, 0x7FFF0, 5);
+    LCutListAudioPtr pDoc = MakeDoc(vIn, 2, 8000);
+    pDoc->EfAmplify(0, 20000, 400);
+    const auto vLoud = ReadDoc(*pDoc);
+    CancellingFactory fact(0);
+    for (int k = 0; k < 2; ++k) {
+        LEffectProcess proc(*LEffectCatalog::ByKind(LEffectKind::Reverse), pDoc.Get(), 0, 20000, {});
+        ASSERT_EQ(proc.Run(&fact), 0);
+    }
+    EXPECT_EQ(ReadDoc(*pDoc), vLoud);
+}
