@@ -64,7 +64,7 @@ int32_t LSoundPlayer::ToMs(int32_t s) const
     return (s / r) * 1000 + ((s % r) * 1000) / r;
 }
 
-bool LSoundPlayer::OpenDevice(const LWaveFormat& fmt)
+bool LSoundPlayer::OpenDevice(const LWaveDeviceFormat& fmt)
 {
     LWaveDriver& driver = LWaveDevices::Get();
     pDevice = driver.OpenOut(nDeviceNumber, fmt, &sigBufferDone, false);
@@ -110,7 +110,7 @@ bool LSoundPlayer::Start(LSoundSourceBase* pNewSource, uint32_t nFlags)
         }
     }
     nChans = std::max<uint8_t>(1, pSrc->GetChannels());
-    const LWaveFormat fmt = LWaveFormat::Pcm16(pSrc->GetSampleRate(), nChans);
+    const LWaveDeviceFormat fmt = LWaveDeviceFormat::Pcm16(pSrc->GetSampleRate(), nChans);
     if (!OpenDevice(fmt)) {
         LTRACE("LSoundPlayer::Start waveOutOpen Error");
         return false;

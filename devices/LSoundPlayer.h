@@ -106,7 +106,7 @@ private:
     void ApplyWantedPriority();
     void UnprepareAll();
     int32_t ToMs(int32_t sSamples) const;
-    bool OpenDevice(const LWaveFormat& fmt);
+    bool OpenDevice(const LWaveDeviceFormat& fmt);
     void Allocate(int32_t nRate);
 
     std::mutex mtxGuard;

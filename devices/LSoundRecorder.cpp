@@ -114,7 +114,7 @@ int32_t LSoundRecorder::MsToSamples(int32_t nMs) const
     return (nMs / 1000) * r + ((nMs % 1000) * r) / 1000;
 }
 
-bool LSoundRecorder::OpenDevice(const LWaveFormat& fmt)
+bool LSoundRecorder::OpenDevice(const LWaveDeviceFormat& fmt)
 {
     LWaveDriver& driver = LWaveDevices::Get();
     pDevice = driver.OpenIn(nDeviceNumber, fmt, &sigDevice, false);
@@ -146,7 +146,7 @@ void LSoundRecorder::ThreadFunction()
 {
     nChans = pSink ? std::max<uint8_t>(1, pSink->GetChannels()) : 1;
     nRate = pSink ? pSink->GetSampleRate() : 44100;
-    if (!OpenDevice(LWaveFormat::Pcm16(nRate, nChans))) {
+    if (!OpenDevice(LWaveDeviceFormat::Pcm16(nRate, nChans))) {
         nState = StateIdle;
         sigStarted.Set();
         return;

@@ -74,7 +74,7 @@ private:
     bool Begin(LSoundSinkBase* pSink, int32_t nDevice, int8_t nStartThreshold, int8_t nStopThreshold,
                int32_t nSilenceMs, int32_t nMaxMs, State initial);
     void ThreadFunction();
-    bool OpenDevice(const LWaveFormat& fmt);
+    bool OpenDevice(const LWaveDeviceFormat& fmt);
     void PrepareBuffers();
     void Record();
     void Finish();

@@ -13,7 +13,7 @@ bool IsVirtualDevice(int32_t nDevice)
 class LVirtualWaveOut : public LWaveOut
 {
 public:
-    LVirtualWaveOut(LVirtualWaveDriver& drv, const LWaveFormat& fmt, LSignalObject* pDone)
+    LVirtualWaveOut(LVirtualWaveDriver& drv, const LWaveDeviceFormat& fmt, LSignalObject* pDone)
         : driver(drv), stream(drv, fmt, pDone, true)
     {
         driver.stats.bOutOpen = true;
@@ -60,7 +60,7 @@ private:
 class LVirtualWaveIn : public LWaveIn
 {
 public:
-    LVirtualWaveIn(LVirtualWaveDriver& drv, const LWaveFormat& fmt, LSignalObject* pDone)
+    LVirtualWaveIn(LVirtualWaveDriver& drv, const LWaveDeviceFormat& fmt, LSignalObject* pDone)
         : stream(drv, fmt, pDone, false)
     {
     }
@@ -96,7 +96,7 @@ std::vector<std::string> LVirtualWaveDriver::GetInputNames()
     return {"Virtual Sound In"};
 }
 
-std::unique_ptr<LWaveOut> LVirtualWaveDriver::OpenOut(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+std::unique_ptr<LWaveOut> LVirtualWaveDriver::OpenOut(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                                       bool)
 {
     if (bFailOpen || !IsVirtualDevice(nDevice) || fmt.nBlockAlign == 0 || fmt.nSamplesPerSec <= 0) {
@@ -107,7 +107,7 @@ std::unique_ptr<LWaveOut> LVirtualWaveDriver::OpenOut(int32_t nDevice, const LWa
     return std::make_unique<LVirtualWaveOut>(*this, fmt, pDone);
 }
 
-std::unique_ptr<LWaveIn> LVirtualWaveDriver::OpenIn(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+std::unique_ptr<LWaveIn> LVirtualWaveDriver::OpenIn(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                                     bool)
 {
     if (bFailOpen || !IsVirtualDevice(nDevice) || fmt.nBlockAlign == 0 || fmt.nSamplesPerSec <= 0) {

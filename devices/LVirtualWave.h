@@ -32,16 +32,17 @@ class LVirtualWaveDriver : public LWaveDriver
 {
 public:
     // Fills nFrames interleaved 16-bit frames; nFirstFrame counts from the start of recording.
-    using InputFn = std::function<void(int16_t* pOut, int32_t nFrames, uint8_t nChans, int64_t nFirstFrame)>;
+    using InputFn =
+        std::function<void(int16_t* pOut, int32_t nFrames, uint8_t nChans, int32_t nRate, int64_t nFirstFrame)>;
 
     LVirtualWaveDriver();
 
     const char* GetName() const override { return "virtual"; }
     std::vector<std::string> GetOutputNames() override;
     std::vector<std::string> GetInputNames() override;
-    std::unique_ptr<LWaveOut> OpenOut(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+    std::unique_ptr<LWaveOut> OpenOut(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                       bool bMapped) override;
-    std::unique_ptr<LWaveIn> OpenIn(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+    std::unique_ptr<LWaveIn> OpenIn(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                     bool bMapped) override;
     bool SetOutVolume(int32_t nDevice, uint32_t dwVolume) override;
 

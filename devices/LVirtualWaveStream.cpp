@@ -9,7 +9,7 @@ constexpr int32_t kChunkFrames = 4096;
 constexpr auto kIdleInputTick = std::chrono::milliseconds(10);
 } // namespace
 
-LVirtualWaveStream::LVirtualWaveStream(LVirtualWaveDriver& drv, const LWaveFormat& format, LSignalObject* pDone,
+LVirtualWaveStream::LVirtualWaveStream(LVirtualWaveDriver& drv, const LWaveDeviceFormat& format, LSignalObject* pDone,
                                        bool bOut)
     : driver(drv), fmt(format), queue(pDone), bOutput(bOut), fSpeed(drv.GetSpeed()), bRunning(bOut)
 {
@@ -83,7 +83,7 @@ int64_t LVirtualWaveStream::Move(int64_t nFrames)
             driver.GetInput(fn);
             auto* p = reinterpret_cast<int16_t*>(vScratch.data());
             if (fn)
-                fn(p, n, static_cast<uint8_t>(fmt.nChannels), nFramesGenerated);
+                fn(p, n, static_cast<uint8_t>(fmt.nChannels), fmt.nSamplesPerSec, nFramesGenerated);
             else
                 std::fill(p, p + static_cast<size_t>(n) * fmt.nChannels, int16_t(0));
             nFramesGenerated += n;

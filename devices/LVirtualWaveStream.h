@@ -15,7 +15,7 @@
 class LVirtualWaveStream
 {
 public:
-    LVirtualWaveStream(LVirtualWaveDriver& driver, const LWaveFormat& fmt, LSignalObject* pDone, bool bOutput);
+    LVirtualWaveStream(LVirtualWaveDriver& driver, const LWaveDeviceFormat& fmt, LSignalObject* pDone, bool bOutput);
     ~LVirtualWaveStream();
     LVirtualWaveStream(const LVirtualWaveStream&) = delete;
     LVirtualWaveStream& operator=(const LVirtualWaveStream&) = delete;
@@ -36,7 +36,7 @@ private:
     bool IsHeld() const { return bOutput && driver.GetHoldBuffers(); }
 
     LVirtualWaveDriver& driver;
-    LWaveFormat fmt;
+    LWaveDeviceFormat fmt;
     LWaveQueue queue;
     const bool bOutput;
     const double fSpeed;

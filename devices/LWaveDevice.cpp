@@ -1,6 +1,7 @@
 #include "devices/LWaveDevice.h"
 
 #include <atomic>
+#include <cmath>
 #include <cstdlib>
 #include <mutex>
 #include <string>
@@ -9,9 +10,9 @@
 #include "devices/LVirtualWave.h"
 #include "platform/audio/LPortAudioWave.h"
 
-LWaveFormat LWaveFormat::Pcm16(int32_t nRate, uint16_t nChans)
+LWaveDeviceFormat LWaveDeviceFormat::Pcm16(int32_t nRate, uint16_t nChans)
 {
-    LWaveFormat fmt;
+    LWaveDeviceFormat fmt;
     fmt.nChannels = nChans;
     fmt.nSamplesPerSec = nRate;
     fmt.nBitsPerSample = 16;
@@ -37,6 +38,18 @@ LWaveResult LWaveDeviceBase::Unprepare(LWaveHeader& hdr)
 namespace {
 std::atomic<LWaveDriver*> g_pDriver{nullptr};
 
+// A sine at half of 16-bit full scale, for trying the recorder without a microphone.
+LVirtualWaveDriver::InputFn ToneInput(double fHz)
+{
+    return [fHz](int16_t* p, int32_t nFrames, uint8_t nChans, int32_t nRate, int64_t nFirst) {
+        for (int32_t i = 0; i < nFrames; ++i) {
+            const double f = std::sin(2 * M_PI * fHz * static_cast<double>(nFirst + i) / nRate);
+            for (uint8_t c = 0; c < nChans; ++c)
+                *p++ = static_cast<int16_t>(std::lround(16383 * f));
+        }
+    };
+}
+
 LWaveDriver& DefaultDriver()
 {
     static LWaveDriver* pDefault = []() -> LWaveDriver* {
@@ -45,6 +58,8 @@ LWaveDriver& DefaultDriver()
         if (szChoice && std::string(szChoice) == "virtual") {
             if (const char* szSpeed = std::getenv("SONITRA_VIRTUAL_SPEED"))
                 virtualDriver.SetSpeed(std::atof(szSpeed));
+            if (const char* szTone = std::getenv("SONITRA_VIRTUAL_TONE"))
+                virtualDriver.SetInput(ToneInput(std::atof(szTone)));
             return &virtualDriver;
         }
         if (LWaveDriver* p = LPortAudioDriverGet())

@@ -12,7 +12,7 @@
 
 class LSignalObject;
 
-struct LWaveFormat
+struct LWaveDeviceFormat
 {
     uint16_t nChannels = 1;
     int32_t nSamplesPerSec = 44100;
@@ -20,7 +20,7 @@ struct LWaveFormat
     uint16_t nBlockAlign = 2;
     int32_t nAvgBytesPerSec = 88200;
 
-    static LWaveFormat Pcm16(int32_t nRate, uint16_t nChans);
+    static LWaveDeviceFormat Pcm16(int32_t nRate, uint16_t nChans);
 };
 
 // Header flags.
@@ -99,9 +99,9 @@ public:
     virtual std::vector<std::string> GetInputNames() = 0;
     // Null when the device cannot be opened for the format. bMapped lets the system convert
     // the format to one the device takes.
-    virtual std::unique_ptr<LWaveOut> OpenOut(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+    virtual std::unique_ptr<LWaveOut> OpenOut(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                               bool bMapped) = 0;
-    virtual std::unique_ptr<LWaveIn> OpenIn(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+    virtual std::unique_ptr<LWaveIn> OpenIn(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                             bool bMapped) = 0;
     // dwVolume: low word left, high word right, 0..0xFFFF each.
     virtual bool SetOutVolume(int32_t nDevice, uint32_t dwVolume) = 0;
@@ -109,7 +109,8 @@ public:
 
 // The driver in use. By default: the sound server or card when there is one, else the virtual
 // device; SONITRA_AUDIO_DEVICE=virtual in the environment forces the virtual device
-// (SONITRA_VIRTUAL_SPEED then sets its speed factor).
+// (SONITRA_VIRTUAL_SPEED then sets its speed factor, SONITRA_VIRTUAL_TONE the frequency in Hz
+// of a tone it records instead of silence).
 class LWaveDevices
 {
 public:

@@ -43,7 +43,7 @@ public:
     LPortAudioStream(bool bOut, LSignalObject* pDone) : queue(pDone), bOutput(bOut) {}
     ~LPortAudioStream() { Close(); }
 
-    bool Open(PaDeviceIndex nIndex, const LWaveFormat& fmt, bool bMapped)
+    bool Open(PaDeviceIndex nIndex, const LWaveDeviceFormat& fmt, bool bMapped)
     {
         const PaDeviceInfo* pInfo = Pa_GetDeviceInfo(nIndex);
         if (!pInfo)
@@ -79,7 +79,12 @@ public:
     void Close()
     {
         if (pStream) {
-            Pa_AbortStream(pStream);
+            // Output plays out what the host still buffers (a fraction of a second), so the
+            // end of a sound is heard; the device's own queue was reset before closing.
+            if (bOutput)
+                Pa_StopStream(pStream);
+            else
+                Pa_AbortStream(pStream);
             Pa_CloseStream(pStream);
             pStream = nullptr;
         }
@@ -181,7 +186,7 @@ public:
     std::vector<std::string> GetOutputNames() override { return Names(true); }
     std::vector<std::string> GetInputNames() override { return Names(false); }
 
-    std::unique_ptr<LWaveOut> OpenOut(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+    std::unique_ptr<LWaveOut> OpenOut(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                       bool bMapped) override
     {
         const PaDeviceIndex nIndex = Resolve(nDevice, true);
@@ -193,7 +198,7 @@ public:
         return p;
     }
 
-    std::unique_ptr<LWaveIn> OpenIn(int32_t nDevice, const LWaveFormat& fmt, LSignalObject* pDone,
+    std::unique_ptr<LWaveIn> OpenIn(int32_t nDevice, const LWaveDeviceFormat& fmt, LSignalObject* pDone,
                                     bool bMapped) override
     {
         const PaDeviceIndex nIndex = Resolve(nDevice, false);

@@ -17,7 +17,7 @@ constexpr int8_t kThreshold = -20;
 // [nFrom, nTo) and silence elsewhere.
 LVirtualWaveDriver::InputFn ToneBetween(int64_t nFrom, int64_t nTo)
 {
-    return [nFrom, nTo](int16_t* p, int32_t nFrames, uint8_t nChans, int64_t nFirst) {
+    return [nFrom, nTo](int16_t* p, int32_t nFrames, uint8_t nChans, int32_t, int64_t nFirst) {
         for (int32_t i = 0; i < nFrames; ++i) {
             const int64_t f = nFirst + i;
             int16_t v = 0;
@@ -108,7 +108,7 @@ using RecorderRun = RecorderFixture;
 
 TEST_F(RecorderRun, RemovesDcAndMetersEveryBlock)
 {
-    scope.driver.SetInput([](int16_t* p, int32_t n, uint8_t c, int64_t) { std::fill(p, p + n * c, int16_t(1000)); });
+    scope.driver.SetInput([](int16_t* p, int32_t n, uint8_t c, int32_t, int64_t) { std::fill(p, p + n * c, int16_t(1000)); });
     ASSERT_TRUE(recorder.Start(pSink.Get(), 0, kThreshold, -127, 60000, 0));
     ASSERT_TRUE(WaitFrames(kRate * 2));
     recorder.Stop();

@@ -1,0 +1,188 @@
+// sonitra-cli play FILE [--device N] [--from TIME]
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+
+#include "cli/LCliVerb.h"
+#include "core/LSoundTime.h"
+#include "devices/LSoundPlayer.h"
+#include "formats/LAudioFile.h"
+#include "platform/engine/LTerminalProgressHost.h"
+
+namespace {
+
+const char kUsage[] =
+    "usage: sonitra-cli play FILE [--device N] [--from TIME]\n"
+    "\n"
+    "Plays FILE on a sound output device, showing the position and the levels.\n"
+    "Ctrl+C stops.\n"
+    "\n"
+    "  --device N   0 the default output (the default), n the n-th device of\n"
+    "               sonitra-cli devices\n"
+    "  --from TIME  where to start: seconds (90, 1.5s, 250ms) or 1:30, 0:01:30.500\n"
+    "\n"
+    "Exit status: 0 played to the end, 1 stopped with Ctrl+C, 2 error, 64 wrong usage.";
+
+const char kDeviceMessage[] =
+    "Please check that you have selected the correct sound player device using Settings. "
+    "Open Settings using File->Settings";
+
+struct Options
+{
+    std::string szFile;
+    int32_t nDevice = 0;
+    int32_t nFromMs = 0;
+};
+
+bool UsageError(const std::string& szText)
+{
+    LCliError("play: " + szText + " (try sonitra-cli play --help)");
+    return false;
+}
+
+// A plain number is seconds here; LSoundTime reads the other forms.
+bool ParseTime(const std::string& szText, int32_t& nMs)
+{
+    char* pEnd = nullptr;
+    const double f = std::strtod(szText.c_str(), &pEnd);
+    if (!szText.empty() && *pEnd == '\0' && f >= 0 && f < 2e6) {
+        nMs = static_cast<int32_t>(f * 1000 + 0.5);
+        return true;
+    }
+    LSoundTime time;
+    if (!LSoundTime::Parse(szText, time) || time.GetMilliseconds() < 0)
+        return false;
+    nMs = time.GetMilliseconds();
+    return true;
+}
+
+bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
+{
+    std::vector<std::string> vFiles;
+    for (size_t i = 0; i < vArgs.size(); ++i) {
+        const std::string& s = vArgs[i];
+        if (s.size() < 2 || s[0] != '-') {
+            vFiles.push_back(s);
+            continue;
+        }
+        if (i + 1 >= vArgs.size())
+            return UsageError(s + " needs a value");
+        const std::string& szValue = vArgs[++i];
+        if (s == "--device") {
+            char* pEnd = nullptr;
+            const long n = std::strtol(szValue.c_str(), &pEnd, 10);
+            if (szValue.empty() || *pEnd != '\0' || n < 0 || n > 999)
+                return UsageError("--device takes a device number (0 the default)");
+            opt.nDevice = static_cast<int32_t>(n);
+        } else if (s == "--from") {
+            if (!ParseTime(szValue, opt.nFromMs))
+                return UsageError("--from takes a time such as 90, 1.5s or 1:30");
+        } else {
+            return UsageError("unknown option '" + s + "'");
+        }
+    }
+    if (vFiles.size() != 1)
+        return UsageError("needs exactly one file to play");
+    opt.szFile = vFiles[0];
+    return true;
+}
+
+// A meter of 20 cells over -60..0 dB.
+std::string Bar(int nDb)
+{
+    const int nCells = std::max(0, std::min(20, (nDb + 60) / 3));
+    return std::string(nCells, '#') + std::string(20 - nCells, '.');
+}
+
+class PlayView : public LSoundPlayerNotify
+{
+public:
+    PlayView(int32_t nLengthMs) : szLength(LSoundTime(nLengthMs).FormatTenths()), bTerminal(::isatty(2) != 0) {}
+
+    void PlayerStopped(uint32_t) override { bStopped = true; }
+    void PlayerPosition(uint32_t, int32_t nMs) override
+    {
+        nPositionMs = nMs;
+        Draw();
+    }
+    void PlayerLevels(uint32_t, const LSoundLevels& l) override
+    {
+        levels = l;
+        Draw();
+    }
+    void Close()
+    {
+        if (bTerminal)
+            std::fputs("\r\033[K", stderr);
+    }
+
+    bool bStopped = false;
+    int32_t nPositionMs = 0;
+
+private:
+    void Draw()
+    {
+        if (!bTerminal)
+            return;
+        std::string szMeters;
+        for (uint8_t c = 0; c < levels.nChans && c < 2; ++c)
+            szMeters += std::string("  ") + (levels.nChans == 1 ? "M" : c == 0 ? "L" : "R") + " [" +
+                        Bar(levels.nLevel[c]) + "]";
+        std::fprintf(stderr, "\r\033[K%s / %s%s", LSoundTime(nPositionMs).FormatTenths().c_str(), szLength.c_str(),
+                     szMeters.c_str());
+        std::fflush(stderr);
+    }
+
+    std::string szLength;
+    bool bTerminal;
+    LSoundLevels levels;
+};
+
+int RunPlay(const std::vector<std::string>& vArgs)
+{
+    Options opt;
+    if (!ParseArgs(vArgs, opt))
+        return CliUsage;
+    std::string szError;
+    LSoundSourcePtr pSource = LAudioFile::OpenSource(opt.szFile, &szError);
+    if (pSource->IsError()) {
+        LCliError(opt.szFile + ": " + szError);
+        return CliError;
+    }
+    const int32_t nRate = pSource->GetSampleRate();
+    const int32_t sFrom = LSoundTime::MsToSamples(opt.nFromMs, nRate);
+    if (sFrom > pSource->GetLength()) {
+        LCliError("play: --from lies after the end of " + opt.szFile);
+        return CliUsage;
+    }
+    pSource->SetPosition(sFrom);
+
+    LSoundTime length;
+    length.SetSamples(pSource->GetLength(), nRate);
+    PlayView view(length.GetMilliseconds());
+    LSoundPlayer player;
+    player.SetNotify(&view, 0);
+    player.SetDevice(opt.nDevice);
+    if (!player.Start(pSource.Get())) {
+        LCliError(kDeviceMessage);
+        return CliError;
+    }
+    bool bInterrupted = false;
+    while (!view.bStopped) {
+        LThreadQueuedNotify::WaitAndDrainQueue(100);
+        if (!view.bStopped && LTerminalProgressHostFactory::InterruptRequested()) {
+            bInterrupted = true;
+            player.Stop();
+        }
+    }
+    view.Close();
+    std::printf("%s %s at %s\n", bInterrupted ? "stopped" : "played", opt.szFile.c_str(),
+                LSoundTime(view.nPositionMs).FormatMilliseconds().c_str());
+    return bInterrupted ? CliCancelled : CliDone;
+}
+
+} // namespace
+
+static LCliVerb verbPlay("play", "play an audio file on a sound output device", kUsage, RunPlay);
