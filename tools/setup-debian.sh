@@ -9,7 +9,7 @@ packages=(
   clang libclang-rt-14-dev
   sox ffmpeg mpg123 lame libgsm-tools
   pulseaudio pulseaudio-utils
-  xvfb xauth
+  xvfb xauth xdotool imagemagick
 )
 missing=()
 for p in "${packages[@]}"; do
