@@ -112,61 +112,32 @@ int32_t LWaveColumnMaker::OverviewFactor(int32_t nGain, bool bVZoom)
 }
 
 namespace {
-// Folds the overview records of one cut into the columns they start in.
-class OverviewCutWalker
+// The largest "up" and "down" bytes of n overview records. In "+ /-" every even byte is a
+// positive peak and every odd one a negative peak, whatever the channel; in "L / R" the first
+// pair of a record is the left channel and the second the right.
+void FoldRecords(const uint8_t* p, int64_t n, int nChans, bool bLeftRight, uint8_t& nUp, uint8_t& nDown)
 {
-public:
-    OverviewCutWalker(const LWaveGeometry& geo, int x0, int x1, uint8_t* pTop, uint8_t* pBottom, int32_t nFactor)
-        : geo(geo), x1(x1), pTop(pTop), pBottom(pBottom), nFactor(nFactor), x(x0), sNext(geo.SampleOfColumn(x0 + 1))
-    {
-    }
-
-    // A record whose frames start at document position sPos.
-    void Add(int32_t sPos, uint8_t nUp, uint8_t nDown)
-    {
-        if (sPos >= sNext) {
-            Flush();
-            while (sPos >= sNext && x < x1 - 1) {
-                ++x;
-                sNext = geo.SampleOfColumn(x + 1);
-            }
+    uint8_t nU = nUp, nD = nDown;
+    if (bLeftRight) {
+        for (int64_t i = 0; i < n; ++i) {
+            nU = std::max(nU, std::max(p[4 * i], p[4 * i + 1]));
+            nD = std::max(nD, std::max(p[4 * i + 2], p[4 * i + 3]));
         }
-        nRawTop = std::max(nRawTop, nUp);
-        nRawBottom = std::max(nRawBottom, nDown);
-    }
-
-    void Flush()
-    {
-        pTop[x] = std::max(pTop[x], Scale(nRawTop));
-        pBottom[x] = std::max(pBottom[x], Scale(nRawBottom));
-        nRawTop = nRawBottom = 0;
-    }
-
-    // Moves to the column of a position without drawing anything there.
-    void Seek(int32_t sPos)
-    {
-        while (sPos >= sNext && x < x1 - 1) {
-            ++x;
-            sNext = geo.SampleOfColumn(x + 1);
+    } else {
+        const int64_t nPairs = n * nChans;
+        for (int64_t i = 0; i < nPairs; ++i) {
+            nU = std::max(nU, p[2 * i]);
+            nD = std::max(nD, p[2 * i + 1]);
         }
     }
+    nUp = nU;
+    nDown = nD;
+}
 
-private:
-    uint8_t Scale(uint8_t n) const
-    {
-        return nFactor == 256 ? n : static_cast<uint8_t>(std::min<int32_t>((n * nFactor) >> 8, 255));
-    }
-
-    const LWaveGeometry& geo;
-    int x1;
-    uint8_t* pTop;
-    uint8_t* pBottom;
-    int32_t nFactor;
-    int x;
-    int32_t sNext;
-    uint8_t nRawTop = 0;
-    uint8_t nRawBottom = 0;
-};
+uint8_t ScaleByte(uint8_t n, int32_t nFactor)
+{
+    return nFactor == 256 ? n : static_cast<uint8_t>(std::min<int32_t>((n * nFactor) >> 8, 255));
+}
 } // namespace
 
 bool LWaveColumnMaker::FromOverview(const LWaveContent& content, const LWaveGeometry& geo, int x0, int x1,
@@ -180,8 +151,8 @@ bool LWaveColumnMaker::FromOverview(const LWaveContent& content, const LWaveGeom
     const int nChans = std::max<int>(content.nChans, 1);
     const bool bLeftRight = nMode == WaveModeLeftRight && nChans == 2;
     const int nRecord = 2 * nChans;
-    constexpr int kChunkRecords = 16384;
-    vBytes.resize(static_cast<size_t>(nRecord) * kChunkRecords);
+    constexpr int64_t kChunkRecords = 16384;
+    vBytes.resize(static_cast<size_t>(nRecord * kChunkRecords));
 
     const int64_t sFirst = geo.SampleOfColumn(x0);
     const int64_t sLast = geo.SampleOfColumn(x1);
@@ -202,40 +173,49 @@ bool LWaveColumnMaker::FromOverview(const LWaveContent& content, const LWaveGeom
         }
         const int64_t p0 = std::max(c, sFirst);
         const int64_t p1 = std::min(cEnd, sLast);
-        const int64_t f0 = cut.sOffset + (p0 - c);
-        const int64_t f1 = cut.sOffset + (p1 - c);
-        int64_t k = f0 / kOverviewFrames;
-        const int64_t kEnd = (f1 + kOverviewFrames - 1) / kOverviewFrames;
+        // Record k of the segment starts at document position c - offset + 256 k; a record
+        // counts in the column where it starts (the first one where the cut's view begins).
+        const int64_t nBase = c - cut.sOffset;
+        int64_t k = (cut.sOffset + (p0 - c)) / kOverviewFrames;
+        const int64_t kEnd = (cut.sOffset + (p1 - c) + kOverviewFrames - 1) / kOverviewFrames;
+        auto firstRecordFrom = [&](int64_t sPos) { return (sPos - nBase + kOverviewFrames - 1) / kOverviewFrames; };
+        int x = std::clamp(geo.ColumnOfSample(static_cast<int32_t>(p0)), x0, x1 - 1);
+        while (x > x0 && geo.SampleOfColumn(x) > p0)
+            --x;
+        while (x < x1 - 1 && geo.SampleOfColumn(x + 1) <= p0)
+            ++x;
+        int64_t kColumnEnd = x < x1 - 1 ? firstRecordFrom(geo.SampleOfColumn(x + 1)) : kEnd;
+        const int32_t nFactor = OverviewFactor(cut.nGain, bVZoom);
+        uint8_t nUp = 0, nDown = 0;
+        auto flush = [&] {
+            pTop[x] = std::max(pTop[x], ScaleByte(nUp, nFactor));
+            pBottom[x] = std::max(pBottom[x], ScaleByte(nDown, nFactor));
+            nUp = nDown = 0;
+        };
         grf.Seek(k * nRecord);
-        OverviewCutWalker walk(geo, x0, x1, pTop, pBottom, OverviewFactor(cut.nGain, bVZoom));
-        walk.Seek(static_cast<int32_t>(p0));
         while (k < kEnd) {
-            int64_t nWant = std::min<int64_t>(kEnd - k, kChunkRecords);
-            int64_t nGot = grf.Read(vBytes.data(), nWant * nRecord) / nRecord;
+            const int64_t nGot = grf.Read(vBytes.data(), std::min(kEnd - k, kChunkRecords) * nRecord) / nRecord;
             if (nGot <= 0)
                 break;
+            const int64_t kChunkEnd = k + nGot;
             const uint8_t* pRec = vBytes.data();
-            for (int64_t i = 0; i < nGot; ++i, pRec += nRecord) {
-                int64_t sPos = std::max(c + (k + i) * kOverviewFrames - cut.sOffset, p0);
-                uint8_t nUp, nDown;
-                if (bLeftRight) {
-                    nUp = std::max(pRec[0], pRec[1]);
-                    nDown = std::max(pRec[2], pRec[3]);
-                } else {
-                    nUp = pRec[0];
-                    nDown = pRec[1];
-                    for (int ch = 1; ch < nChans; ++ch) {
-                        nUp = std::max(nUp, pRec[2 * ch]);
-                        nDown = std::max(nDown, pRec[2 * ch + 1]);
-                    }
+            while (k < kChunkEnd) {
+                const int64_t n = std::min(kColumnEnd, kChunkEnd) - k;
+                if (n > 0) {
+                    FoldRecords(pRec, n, nChans, bLeftRight, nUp, nDown);
+                    pRec += n * nRecord;
+                    k += n;
                 }
-                walk.Add(static_cast<int32_t>(sPos), nUp, nDown);
+                if (k >= kColumnEnd && x < x1 - 1) {
+                    flush();
+                    ++x;
+                    kColumnEnd = x < x1 - 1 ? firstRecordFrom(geo.SampleOfColumn(x + 1)) : kEnd;
+                }
             }
-            k += nGot;
             if (Stopped(pStop))
                 return false;
         }
-        walk.Flush();
+        flush();
         c = cEnd;
     }
     return true;
