@@ -1,7 +1,10 @@
 #include "core/LAudioCutTank.h"
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 #include <unistd.h>
 
@@ -64,10 +67,39 @@ std::string LAudioCutTank::DefaultFolder()
     std::string szBase = LSettings::GetString("Folders", "WorkingFolder");
     if (szBase.empty())
         szBase = CacheBase() + "/sonitra";
+    szBase = WithSeparator(szBase);
+    const std::string szPrefix = FolderPrefix();
+    SweepAbandoned(szBase, szPrefix);
+    return WithSeparator(szBase + szPrefix + std::to_string(::getpid()));
+}
+
+std::string LAudioCutTank::FolderPrefix()
+{
     char szHost[256] = {};
     if (::gethostname(szHost, sizeof(szHost) - 1) != 0)
         szHost[0] = '\0';
-    return WithSeparator(WithSeparator(szBase) + "segments-" + szHost + "-" + std::to_string(::getpid()));
+    return std::string("segments-") + szHost + "-";
+}
+
+void LAudioCutTank::SweepAbandoned(const std::string& szBase, const std::string& szPrefix)
+{
+    // The folders of this machine's earlier runs that ended without sweeping (killed, crashed).
+    std::error_code ec;
+    for (std::filesystem::directory_iterator it(szBase, ec), end; !ec && it != end; it.increment(ec)) {
+        const std::string szName = it->path().filename().string();
+        if (szName.compare(0, szPrefix.size(), szPrefix) != 0)
+            continue;
+        const std::string szPid = szName.substr(szPrefix.size());
+        if (szPid.empty() || szPid.size() > 9 || szPid.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        const pid_t pid = static_cast<pid_t>(std::stol(szPid));
+        if (pid == ::getpid() || ::kill(pid, 0) == 0 || errno != ESRCH)
+            continue;
+        LTRACE("LAudioCutTank::SweepAbandoned %s", szName.c_str());
+        auto pAbandoned = std::make_unique<LAudioCutTank>(it->path().string());
+        pAbandoned->bOwnsFolder = true;
+        pAbandoned->GetWorkingFolder();
+    } // each one sweeps its folder and removes it as it goes
 }
 
 std::string LAudioCutTank::GetWorkingFolder()
@@ -79,7 +111,7 @@ std::string LAudioCutTank::GetWorkingFolder()
         std::filesystem::create_directories(szWorkingFolder, ec);
         if (ec)
             LTRACE("LAudioCutTank::GetWorkingFolder cannot create %s", szWorkingFolder.c_str());
-        else if (bOwnsFolder)
+        else if (bOwnsFolder && szChosenFolder.empty())
             std::filesystem::permissions(szWorkingFolder, std::filesystem::perms::owner_all,
                                          std::filesystem::perm_options::replace, ec);
         bFolderReady = true;

@@ -15,7 +15,8 @@ public:
 
     // The program's tank. Its folder is chosen on first use: the "Folders" setting
     // "WorkingFolder" when present, otherwise the user's cache folder; in both cases a
-    // sub-folder of this process, so that two running programs never sweep each other.
+    // sub-folder of this process, so that two running programs never sweep each other. Folders
+    // left there by runs of this machine that no longer exist are swept then.
     static LAudioCutTank& Instance();
 
     // A tank over a folder of the caller's choice (created on first use).
@@ -49,6 +50,8 @@ private:
     std::string SegmentPath(uint16_t nRef, const char* szExt);
     void DeleteSegmentFiles(uint16_t nRef);
     static std::string DefaultFolder();
+    static std::string FolderPrefix();
+    static void SweepAbandoned(const std::string& szBase, const std::string& szPrefix);
 
     std::mutex mtxFolder;
     std::string szWorkingFolder;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <unistd.h>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,23 @@ TEST_F(Edit, RefusesBadOperationsBeforeWritingAnything)
         EXPECT_FALSE(LFile::Exists(dir.File("out.wav"))) << szOp;
     }
     EXPECT_EQ(Run(dir.File("missing.wav") + " " + dir.File("out.wav") + " delete=0,1"), 2);
+}
+
+TEST_F(Edit, SweepsTheSegmentsOfEarlierRunsThatNoLongerExist)
+{
+    char szHost[256] = {};
+    ::gethostname(szHost, sizeof(szHost) - 1);
+    const std::string szBase = dir.File("cache") + "/sonitra/";
+    const std::string szDead = szBase + "segments-" + szHost + "-999999999";
+    const std::string szOtherHost = szBase + "segments-elsewhere.example-999999999";
+    for (const std::string& sz : {szDead, szOtherHost}) {
+        std::filesystem::create_directories(sz);
+        testsupport::WriteFileBytes(sz + "/3.aud", {1, 2, 3, 4});
+    }
+    ASSERT_EQ(Run(Files() + "delete=0,1"), 0);
+    EXPECT_FALSE(LFile::Exists(szDead));
+    EXPECT_TRUE(LFile::Exists(szOtherHost + "/3.aud")) << "another machine's run may still be going";
+    std::filesystem::remove_all(szOtherHost);
 }
 
 TEST_F(Edit, TraceCutsPrintsTheListAfterEachOperation)
