@@ -50,9 +50,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize)
     // The whole source in pump-sized blocks, then odd sizes at the edges.
     const int32_t nWhole = std::min(nLength, kMaxFramesRead) / nBlock + 1;
     ReadSome(*pSrc, vBuffer, nBlock, nWhole);
-    const int32_t vSeeks[] = {-5000, -1, 0, 1, nLength / 2, nLength - 3, nLength, nLength + 7, INT32_MAX - 10};
-    for (int32_t sTo : vSeeks) {
-        pSrc->SetPosition(sTo);
+    const int64_t vSeeks[] = {-5000, -1, 0, 1, nLength / 2, nLength - 3, nLength, int64_t{nLength} + 7, INT32_MAX - 10};
+    for (int64_t sTo : vSeeks) {
+        pSrc->SetPosition(static_cast<int32_t>(std::min<int64_t>(sTo, INT32_MAX)));
         ReadSome(*pSrc, vBuffer, 4097, 2);
         ReadSome(*pSrc, vBuffer, 1, 3);
     }
