@@ -130,8 +130,10 @@ LSoundSinkPtr LAudioFile::OpenSink(const std::string& szPath, int32_t nSampleRat
 {
     const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
     if (!pFormat) {
-        SetReason(pszError, "unknown file type '" + LFile::ExtensionOf(szPath) + "' (known: " + KnownFormats() +
-                                ")");
+        const std::string szExt = LFile::ExtensionOf(szPath);
+        SetReason(pszError, (szExt.empty() ? std::string("no file extension to choose the format by")
+                                           : "unknown file type '" + szExt + "'") +
+                                " (known: " + KnownFormats() + ")");
         return LSoundSinkPtr();
     }
     if (!CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
