@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize)
         ReadSome(*pSrc, vBuffer, 4097, 2);
         ReadSome(*pSrc, vBuffer, 1, 3);
     }
-    volatile int32_t nSink = pSrc->GetPosition() + pSrc->GetSampleRate() + vBuffer[0];
+    volatile int64_t nSink = static_cast<int64_t>(pSrc->GetPosition()) + pSrc->GetSampleRate() + vBuffer[0];
     (void)nSink;
     return 0;
 }
