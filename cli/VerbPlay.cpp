@@ -8,6 +8,7 @@
 #include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 #include "devices/LSoundPlayer.h"
+#include "devices/LWaveDevice.h"
 #include "formats/LAudioFile.h"
 #include "platform/engine/LTerminalProgressHost.h"
 
@@ -140,6 +141,13 @@ private:
     LSoundLevels levels;
 };
 
+// Says so when no sound card or server was found and the virtual device stands in.
+void NoteVirtualDevice()
+{
+    if (std::string(LWaveDevices::Get().GetName()) == "virtual" && !std::getenv("SONITRA_AUDIO_DEVICE"))
+        LCliError("no sound card or sound server found; the virtual device stands in (nothing is heard)");
+}
+
 int RunPlay(const std::vector<std::string>& vArgs)
 {
     Options opt;
@@ -165,6 +173,7 @@ int RunPlay(const std::vector<std::string>& vArgs)
     LSoundPlayer player;
     player.SetNotify(&view, 0);
     player.SetDevice(opt.nDevice);
+    NoteVirtualDevice();
     if (!player.Start(pSource.Get())) {
         LCliError(kDeviceMessage);
         return CliError;

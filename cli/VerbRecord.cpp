@@ -8,6 +8,7 @@
 #include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 #include "devices/LSoundRecorder.h"
+#include "devices/LWaveDevice.h"
 #include "formats/LAudioFile.h"
 #include "platform/engine/LTerminalProgressHost.h"
 
@@ -155,6 +156,13 @@ private:
     int32_t nTimeMs = 0;
 };
 
+// Says so when no sound card or server was found and the virtual device stands in.
+void NoteVirtualDevice()
+{
+    if (std::string(LWaveDevices::Get().GetName()) == "virtual" && !std::getenv("SONITRA_AUDIO_DEVICE"))
+        LCliError("no sound card or sound server found; the virtual device stands in (it records silence)");
+}
+
 int RunRecord(const std::vector<std::string>& vArgs)
 {
     Options opt;
@@ -166,6 +174,7 @@ int RunRecord(const std::vector<std::string>& vArgs)
         LCliError(opt.szFile + ": " + (szError.empty() ? std::string("cannot be written") : szError));
         return CliError;
     }
+    NoteVirtualDevice();
     RecordView view;
     LSoundRecorder recorder;
     recorder.SetNotify(&view, 0);
