@@ -1,17 +1,169 @@
-// The Effects menu and the commands that work like effects (mixing, conversions, tools).
-// An effect reads its stored parameters, shows its dialog, and then:
-//   StartModifyCurrentFile(label); run its process over GetSelection(); EndModifyCurrentFile(...)
-// on GetCurrentFile()->GetDocument().
-#include "ui/MainDialog.h"
+// The Effects menu and the commands that work like effects (paste mix, mix file, auto trim, the
+// conversions). An effect reads its stored parameters, shows its dialog, and then runs its
+// process on the selection (the whole file when nothing is selected) between
+// StartModifyCurrentFile and EndModifyCurrentFile.
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QMimeData>
 
-bool MainDialog::CmEffect(int nCommandId)
+#include "core/LEdFile.h"
+#include "core/LSettings.h"
+#include "core/LTrace.h"
+#include "dsp/effects/LEffectRunner.h"
+#include "formats/LAudioFile.h"
+#include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/LTransport.h"
+#include "ui/LUiPrompts.h"
+#include "ui/MainDialog.h"
+#include "ui/effects/LCurveDlg.h"
+#include "ui/effects/LEffectSettingsDlg.h"
+
+namespace {
+// Commands of other menus that run through the effects.
+bool IsEffectMenuCommand(int nId)
 {
-    (void)nCommandId;
-    return false;
+    switch (nId) {
+    case CmPasteMixId:
+    case CmPasteMixFromClipboardId:
+    case CmMixFileId:
+    case CmAutoTrimId:
+    case CmConvertRateId:
+    case CmMonoId:
+    case CmStereoId:
+        return true;
+    default:
+        return nId >= CmAmplifyId && nId <= CmReverseId;
+    }
 }
+
+// Pasting a mix from the system's clipboard is a paste mix with another clip.
+const LEffectInfo* EffectOf(int nId)
+{
+    return LEffectCatalog::ByCommand(nId == CmPasteMixFromClipboardId ? CmPasteMixId : nId);
+}
+
+bool SystemClipboardHasWave()
+{
+    const QMimeData* pMime = QApplication::clipboard()->mimeData();
+    return pMime && (pMime->hasFormat("audio/wav") || pMime->hasFormat("audio/x-wav"));
+}
+
+bool AskMixClip(QWidget* pParent, LEffectArgs& args)
+{
+    const QString szFolder =
+        QString::fromStdString(LSettings::GetString("Folders", "OpenFileDir", QDir::homePath().toStdString()));
+    const QStringList files = LUiPrompts::Get().GetOpenFileNames(pParent, "Mix File", szFolder,
+                                                                 "Audio Files (*.wav *.WAV);;All Files (*)");
+    if (files.isEmpty())
+        return false;
+    std::string szError;
+    args.pClip = LAudioFile::OpenSource(files.front().toStdString(), &szError);
+    if (args.pClip->IsError()) {
+        LUiPrompts::Get().Inform(pParent, "File Error",
+                                 QString("Unable to open \"%1\":\n%2").arg(files.front(), QString::fromStdString(szError)),
+                                 LUiPrompts::IconError);
+        return false;
+    }
+    return true;
+}
+
+// The effect's dialog (a clip to mix is chosen first); false when the user cancels.
+bool AskEffectSettings(QWidget* pParent, const LEffectInfo& info, LEffectArgs& args)
+{
+    switch (info.kind) {
+    case LEffectKind::Equalizer:
+    case LEffectKind::Envelope: {
+        LPointList list;
+        const auto curve = info.kind == LEffectKind::Equalizer ? LCurveDlg::Equalizer : LCurveDlg::Envelope;
+        if (!LCurveDlg::Edit(pParent, curve, &list))
+            return false;
+        args.curve = list;
+        return true;
+    }
+    case LEffectKind::MixFile:
+        return AskMixClip(pParent, args) && LEffectSettingsDlg::Edit(pParent, info);
+    default:
+        return !info.bAsksSettings || info.vKeys.empty() || LEffectSettingsDlg::Edit(pParent, info);
+    }
+}
+} // namespace
 
 bool MainDialog::IsEffectCommandEnabled(int nCommandId) const
 {
-    (void)nCommandId;
-    return false;
+    const LEffectInfo* pInfo = EffectOf(nCommandId);
+    LEdFile* pFile = GetCurrentFile();
+    if (!IsEffectMenuCommand(nCommandId) || !pInfo || !pFile || pTransport->IsRecording() ||
+        !LEffectRunner::IsAvailable(pInfo->kind))
+        return false;
+    const LCutListAudio& doc = pFile->GetDocument();
+    switch (nCommandId) {
+    case CmPasteMixId:
+        return pClipboard && pClipboard->GetLength() > 0;
+    case CmPasteMixFromClipboardId:
+        return SystemClipboardHasWave();
+    case CmMonoId:
+        return doc.GetChannels() == 2;
+    case CmStereoId:
+        return doc.GetChannels() == 1;
+    case CmMixFileId:
+    case CmConvertRateId:
+        return true;
+    default:
+        return doc.GetLength() > 0;
+    }
 }
+
+bool MainDialog::CmEffect(int nCommandId)
+{
+    if (!IsEffectMenuCommand(nCommandId))
+        return false;
+    const LEffectInfo* pInfo = EffectOf(nCommandId);
+    LEdFileWindow* pWindow = GetCurrentFileWindow();
+    if (!pInfo || !pWindow)
+        return pInfo != nullptr;
+    LEdFile& file = pWindow->GetFile();
+    LCutListAudio& doc = file.GetDocument();
+
+    // The range: the selection, else the whole file; paste mix works from the cursor.
+    int32_t sStart = 0, sEnd = doc.GetLength();
+    const bool bSelection = GetSelection(sStart, sEnd);
+    const bool bMix = pInfo->kind == LEffectKind::PasteMix || pInfo->kind == LEffectKind::MixFile;
+    if (pInfo->bWholeFile) {
+        sStart = 0;
+        sEnd = doc.GetLength();
+    } else if (bMix && !bSelection) {
+        sStart = sEnd = file.GetCursor();
+    }
+
+    // The clip of a paste mix: this program's clipboard, or the system's.
+    LEffectArgs args;
+    if (nCommandId == CmPasteMixId) {
+        args.pClip = pClipboard->OpenSource();
+    } else if (nCommandId == CmPasteMixFromClipboardId) {
+        std::string szPath;
+        if (!RenderFromWindowClipboard(szPath))
+            return true;
+        args.pClip = LAudioFile::OpenSource(szPath);
+    }
+    if (!AskEffectSettings(this, *pInfo, args))
+        return true;
+
+    StartModifyCurrentFile(pInfo->szUndoLabel);
+    LEffectProcess process(*pInfo, &doc, sStart, sEnd, args);
+    const int32_t nResult = process.Run();
+    LTRACE("MainDialog::CmEffect %s result %d", pInfo->szUndoLabel, nResult);
+    if (nResult == LProgressDialog::ResultError)
+        LUiPrompts::Get().Inform(this, "Sonitra", QString("%1 could not be applied.").arg(pInfo->szUndoLabel),
+                                 LUiPrompts::IconError);
+    const int32_t nLength = doc.GetLength();
+    file.SetSelection(std::min(file.GetSelStart(), nLength), std::min(file.GetSelEnd(), nLength));
+    // Whole-file effects play from the start; the others from a second before the edit.
+    if (pInfo->bWholeFile)
+        EndModifyCurrentFile(0, 0);
+    else
+        EndModifyCurrentFile(std::min(sStart, nLength), doc.GetSampleRate());
+    return true;
+}
+

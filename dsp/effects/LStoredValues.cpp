@@ -59,8 +59,14 @@ bool LStoredValues::Accept(const std::string& szKey, int32_t nValue, std::string
     if (pRule && nValue >= pRule->nLowest && nValue <= pRule->nHighest)
         return true;
     if (pszMessage)
-        *pszMessage = pRule ? pRule->szMessage : "Unknown setting " + szKey + ".";
+        *pszMessage = MessageOf(szKey);
     return false;
+}
+
+std::string LStoredValues::MessageOf(const std::string& szKey)
+{
+    const LStoredValueRule* pRule = Find(szKey);
+    return pRule ? pRule->szMessage : "Unknown setting " + szKey + ".";
 }
 
 bool LStoredValues::AcceptAndStore(const std::string& szKey, int32_t nValue, std::string* pszMessage)

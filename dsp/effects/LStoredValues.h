@@ -29,6 +29,8 @@ public:
     static void Set(const std::string& szKey, int32_t nValue);
     // True when the value meets the key's rule; otherwise the rule's message goes to *pszMessage.
     static bool Accept(const std::string& szKey, int32_t nValue, std::string* pszMessage);
+    // The message a refused value of the key gets (also for text that is not a number).
+    static std::string MessageOf(const std::string& szKey);
     // Accept, then Set when accepted.
     static bool AcceptAndStore(const std::string& szKey, int32_t nValue, std::string* pszMessage);
 

@@ -1,0 +1,160 @@
+// The effect dialogs on their own: stored values and defaults, the acceptance rules with their
+// messages, and the curve editor with its file.
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QtTest>
+
+#include <memory>
+
+#include "core/LSettings.h"
+#include "dsp/effects/LCurveFile.h"
+#include "dsp/effects/LEffectCatalog.h"
+#include "dsp/effects/LStoredValues.h"
+#include "ui/LCommandIds.h"
+#include "ui/effects/LBrainWaveWindow.h"
+#include "ui/effects/LCurveDlg.h"
+#include "ui/effects/LEffectSettingsDlg.h"
+#include "UiTestSupport.h"
+
+using namespace uitest;
+
+namespace {
+QString Text(LEffectSettingsDlg& dlg, const char* szKey)
+{
+    return qobject_cast<QLineEdit*>(dlg.FieldOf(szKey))->text();
+}
+
+void Type(LEffectSettingsDlg& dlg, const char* szKey, const QString& sz)
+{
+    qobject_cast<QLineEdit*>(dlg.FieldOf(szKey))->setText(sz);
+}
+
+const LEffectInfo& Info(int nId)
+{
+    return *LEffectCatalog::ByCommand(nId);
+}
+} // namespace
+
+class EffectDialogsTest : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<Harness> h;
+
+    // Types a value and presses OK: true when the dialog took it.
+    bool Offer(int nId, const char* szKey, const QString& szValue)
+    {
+        LEffectSettingsDlg dlg(nullptr, Info(nId));
+        Type(dlg, szKey, szValue);
+        dlg.show();
+        dlg.accept();
+        return dlg.result() == QDialog::Accepted;
+    }
+
+private slots:
+    void init() { h = std::make_unique<Harness>(); }
+    void cleanup() { h.reset(); }
+
+    void emptyStoreOpensWithTheDefaults()
+    {
+        LEffectSettingsDlg echo(nullptr, Info(CmEchoId));
+        QCOMPARE(echo.windowTitle(), QString("Echo"));
+        QCOMPARE(Text(echo, "EchoTime"), QString("800"));
+        QCOMPARE(Text(echo, "EchoGain"), QString("50"));
+        LEffectSettingsDlg comp(nullptr, Info(CmCompressorId));
+        QCOMPARE(Text(comp, "CompressorThreshold"), QString("-20"));
+        QCOMPARE(qobject_cast<QComboBox*>(comp.FieldOf("CompressorRatio"))->currentText(), QString("1:1"));
+        QCOMPARE(Text(comp, "CompressorLimit"), QString("3"));
+        LEffectSettingsDlg mix(nullptr, Info(CmMixFileId));
+        QCOMPARE(Text(mix, "PasteMixVolume"), QString("100"));
+        QVERIFY(qobject_cast<QRadioButton*>(mix.FieldOf("LongerSelection"))->isChecked());
+        QCOMPARE(Text(mix, "FadeOutTime"), QString("250"));
+        LEffectSettingsDlg hp(nullptr, Info(CmHighPassId));
+        QCOMPARE(Text(hp, "LowCutFreq"), QString("250"));
+    }
+
+    void refusedValuesGetTheirMessageAndStoreNothing()
+    {
+        QVERIFY(!Offer(CmEchoId, "EchoTime", "3000"));
+        QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Echo time must be between 10 and 3000ms. Please try again."));
+        QVERIFY(!Offer(CmEchoId, "EchoGain", "100"));
+        QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Echo Gain must be less than 100%. Please try again."));
+        QVERIFY(!Offer(CmEchoId, "EchoTime", "soon"));
+        QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Echo time must be between 10 and 3000ms. Please try again."));
+        QVERIFY(!Offer(CmNormalizeId, "NormalizePeakLevel", "101"));
+        QCOMPARE(h->prompts.informs.last(),
+                 QString("Sonitra: Normailze Peak Level must be less than 100%. Please try again."));
+        QVERIFY(!Offer(CmAmplifyId, "AmplifyGain", "401"));
+        QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Amplify Gain must be less than 400%. Please try again."));
+        QVERIFY(!Offer(CmConvertRateId, "ConvertSampleRate", "96001"));
+        QCOMPARE(h->prompts.informs.last(),
+                 QString("Sonitra: Sample rates must be between 6000 and 96000 samples per second."));
+        QVERIFY(!Offer(CmReverbId, "ReverbTime", "49"));
+        QCOMPARE(LSettings::GetString("StoredValues", "EchoTime"), std::string());
+        QCOMPARE(LSettings::GetString("StoredValues", "ReverbTime"), std::string());
+    }
+
+    void acceptedValuesAreStoredAndShownNextTime()
+    {
+        QVERIFY(Offer(CmEchoId, "EchoTime", "2999"));
+        QVERIFY(Offer(CmReverbId, "ReverbTime", "1000"));
+        QVERIFY(Offer(CmReverbId, "ReverbLevel", "100"));
+        QCOMPARE(LStoredValues::Get("EchoTime"), 2999);
+        QCOMPARE(LStoredValues::Get("ReverbLevel"), 100);
+        LEffectSettingsDlg echo(nullptr, Info(CmEchoId));
+        QCOMPARE(Text(echo, "EchoTime"), QString("2999"));
+
+        LEffectSettingsDlg comp(nullptr, Info(CmCompressorId));
+        qobject_cast<QComboBox*>(comp.FieldOf("CompressorRatio"))->setCurrentIndex(6);
+        comp.accept();
+        QCOMPARE(LStoredValues::Get("CompressorRatio"), 6);
+        QCOMPARE(LEffectCatalog::Describe(LEffectKind::Compressor),
+                 std::string("Threshold (db) = -20, Ratio = Limit, Limit (db) = 3"));
+    }
+
+    void curveEditorAddsMovesRemovesAndKeepsTheFile()
+    {
+        LSettings::SetString("Folders", "DataFolder", h->File("data").toStdString());
+        LCurveDlg dlg(nullptr, LCurveDlg::Envelope);
+        dlg.resize(600, 400);
+        dlg.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dlg));
+        LBrainWaveWindow* pEd = dlg.GetEditor();
+        QCOMPARE(pEd->GetPoints().nPoints, 2);
+        // A point in the middle at 50 %.
+        const QPoint ptMid = pEd->ToWidget({500, 50}).toPoint();
+        QTest::mouseClick(pEd, Qt::LeftButton, {}, ptMid);
+        QCOMPARE(pEd->GetPoints().nPoints, 3);
+        QCOMPARE(pEd->GetPoints().aPoints[1].x / 50, 10);
+        // A right click on it takes it away again.
+        QTest::mouseClick(pEd, Qt::RightButton, {}, pEd->ToWidget(pEd->GetPoints().aPoints[1]).toPoint());
+        QCOMPARE(pEd->GetPoints().nPoints, 2);
+        QTest::mouseClick(pEd, Qt::LeftButton, {}, ptMid);
+        dlg.accept();
+        QCOMPARE(dlg.result(), int(QDialog::Accepted));
+        LPointList stored = LCurveFile::LoadEnvelope();
+        QCOMPARE(stored.nPoints, 3);
+        LCurveDlg again(nullptr, LCurveDlg::Envelope);
+        QCOMPARE(again.GetPoints().nPoints, 3);
+    }
+
+    void curveEditorStopsShortOfAFullList()
+    {
+        LCurveDlg dlg(nullptr, LCurveDlg::Equalizer);
+        dlg.resize(900, 400);
+        dlg.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dlg));
+        LBrainWaveWindow* pEd = dlg.GetEditor();
+        LPointList many;
+        for (int i = 0; i < POINTLISTMAX - 1; ++i)
+            many.Add(20 + 300 * i, 0);
+        pEd->SetPoints(many);
+        QTest::mouseClick(pEd, Qt::LeftButton, {}, QPoint(pEd->width() / 2 + 3, 20));
+        QCOMPARE(pEd->GetPoints().nPoints, POINTLISTMAX - 1);
+    }
+};
+
+QTEST_MAIN(EffectDialogsTest)
+#include "EffectDialogsTest.moc"

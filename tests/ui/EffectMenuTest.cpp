@@ -1,0 +1,140 @@
+// The Effects menu through the real frame: dialog, process, undo label, and a refused value
+// that leaves the file alone.
+#include <QAction>
+#include <QLineEdit>
+#include <QTimer>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+#include "core/LEdFile.h"
+#include "dsp/effects/LStoredValues.h"
+#include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/MainDialog.h"
+#include "ui/effects/LEffectSettingsDlg.h"
+#include "UiTestSupport.h"
+
+using namespace uitest;
+
+namespace {
+// Acts on the settings dialog once it is up.
+void WhenDialogShows(std::function<void(LEffectSettingsDlg&)> fn)
+{
+    QTimer::singleShot(0, [fn] {
+        QTRY_VERIFY(qobject_cast<LEffectSettingsDlg*>(QApplication::activeModalWidget()));
+        fn(*qobject_cast<LEffectSettingsDlg*>(QApplication::activeModalWidget()));
+    });
+}
+
+void Type(LEffectSettingsDlg& dlg, const char* szKey, const QString& sz)
+{
+    qobject_cast<QLineEdit*>(dlg.FieldOf(szKey))->setText(sz);
+}
+} // namespace
+
+class EffectMenuTest : public QObject
+{
+    Q_OBJECT
+private:
+    std::unique_ptr<Harness> h;
+    std::unique_ptr<MainDialog> frame;
+    std::vector<int16_t> vOrig;
+
+    LEdFileWindow* OpenRamp(int nFrames)
+    {
+        vOrig = Ramp(nFrames);
+        const QString szPath = h->File("ramp.wav");
+        WriteWav16(szPath, 8000, 1, vOrig);
+        h->prompts.openNames.push_back({szPath});
+        return frame->Command(CmOpenId) ? frame->GetCurrentFileWindow() : nullptr;
+    }
+    QString UndoText() const { return frame->GetAction(CmUndoId)->text(); }
+
+private slots:
+    void init()
+    {
+        h = std::make_unique<Harness>();
+        frame = std::make_unique<MainDialog>();
+        frame->resize(1000, 700);
+        frame->show();
+        QVERIFY(QTest::qWaitForWindowExposed(frame.get()));
+    }
+
+    void cleanup()
+    {
+        frame.reset();
+        h.reset();
+    }
+
+    void echoRunsOnTheSelectionWithItsUndoLabel()
+    {
+        LEdFileWindow* pWindow = OpenRamp(8000);
+        QVERIFY(pWindow);
+        pWindow->SetSelection(1000, 5000);
+        QVERIFY(frame->GetAction(CmEchoId)->isEnabled());
+        WhenDialogShows([](LEffectSettingsDlg& dlg) {
+            Type(dlg, "EchoTime", "100");
+            Type(dlg, "EchoGain", "50");
+            dlg.accept();
+        });
+        QVERIFY(frame->Command(CmEchoId));
+        QCOMPARE(UndoText(), QString("Undo Echo\tCtrl+Z"));
+        QCOMPARE(LStoredValues::Get("EchoTime"), 100);
+        const auto v = Samples(pWindow->GetFile().GetDocument());
+        QCOMPARE(v.size(), vOrig.size());
+        QCOMPARE(v[999], vOrig[999]);
+        QCOMPARE(v[1000], vOrig[1000]);
+        QVERIFY(v[1900] != vOrig[1900]); // 800 frames into the echo
+        QCOMPARE(v[5000], vOrig[5000]);
+        QVERIFY(frame->Command(CmUndoId));
+        QCOMPARE(Samples(pWindow->GetFile().GetDocument()), vOrig);
+    }
+
+    void refusedValueChangesNothing()
+    {
+        LEdFileWindow* pWindow = OpenRamp(4000);
+        QVERIFY(pWindow);
+        WhenDialogShows([this](LEffectSettingsDlg& dlg) {
+            Type(dlg, "ReverbTime", "1001");
+            dlg.accept();
+            QVERIFY(dlg.isVisible());
+            QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Reverb time must be between 50 and 1000. Please try again."));
+            dlg.reject();
+        });
+        QVERIFY(frame->Command(CmReverbId));
+        QCOMPARE(UndoText(), QString("Undo \tCtrl+Z"));
+        QVERIFY(!pWindow->GetFile().IsModified());
+        QCOMPARE(Samples(pWindow->GetFile().GetDocument()), vOrig);
+        QCOMPARE(LSettings::GetString("StoredValues", "ReverbTime"), std::string());
+    }
+
+    void commandsWithoutDialogsAndWholeFileConversions()
+    {
+        LEdFileWindow* pWindow = OpenRamp(4000);
+        QVERIFY(pWindow);
+        pWindow->SetSelection(100, 300);
+        QVERIFY(frame->Command(CmReverseId));
+        QCOMPARE(UndoText(), QString("Undo Reverse\tCtrl+Z"));
+        const auto v = Samples(pWindow->GetFile().GetDocument());
+        QCOMPARE(v[100], vOrig[299]);
+        QCOMPARE(v[299], vOrig[100]);
+        QCOMPARE(v[300], vOrig[300]);
+
+        QVERIFY(!frame->GetAction(CmMonoId)->isEnabled());
+        QVERIFY(frame->Command(CmStereoId));
+        QCOMPARE(pWindow->GetFile().GetDocument().GetChannels(), uint8_t(2));
+        QCOMPARE(UndoText(), QString("Undo Convert Channels\tCtrl+Z"));
+        QVERIFY(frame->GetAction(CmMonoId)->isEnabled());
+
+        QVERIFY(!frame->GetAction(CmSimpleSpeedId)->isEnabled());
+        QVERIFY(frame->GetAction(CmFadeOutTrimId)->isEnabled());
+        QVERIFY(frame->Command(CmFadeOutTrimId));
+        QCOMPARE(UndoText(), QString("Undo Fade Out and Trim\tCtrl+Z"));
+        QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 300);
+    }
+};
+
+QTEST_MAIN(EffectMenuTest)
+#include "EffectMenuTest.moc"

@@ -1,0 +1,60 @@
+#include "ui/effects/LCurveDlg.h"
+
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "dsp/effects/LCurveFile.h"
+#include "ui/LUiPrompts.h"
+#include "ui/effects/LBrainWaveWindow.h"
+
+LCurveDlg::LCurveDlg(QWidget* pParent, Curve c) : QDialog(pParent), curve(c)
+{
+    const bool bEq = curve == Equalizer;
+    setWindowTitle(bEq ? "Equalizer" : "Envelope");
+    setObjectName("LCurveDlg");
+    pEditor = new LBrainWaveWindow(this, bEq ? LBrainWaveWindow::kEqualizerAxes : LBrainWaveWindow::kEnvelopeAxes,
+                                   bEq ? LCurveFile::LoadEqualizer() : LCurveFile::LoadEnvelope());
+    auto* pHint = new QLabel(bEq ? "Gain (dB) by frequency. Click to add or drag a point, right-click to remove it."
+                                 : "Level (%) across the selection. Click to add or drag a point, right-click to remove it.",
+                             this);
+    pHint->setWordWrap(true);
+    auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    QPushButton* pFlat = pButtons->addButton("Flat", QDialogButtonBox::ResetRole);
+    pFlat->setObjectName("flat");
+    connect(pFlat, &QPushButton::clicked, this, [this] {
+        pEditor->SetPoints(curve == Equalizer ? LCurveFile::DefaultEqualizer() : LCurveFile::DefaultEnvelope());
+    });
+    connect(pButtons, &QDialogButtonBox::accepted, this, &LCurveDlg::accept);
+    connect(pButtons, &QDialogButtonBox::rejected, this, &LCurveDlg::reject);
+    auto* pLayout = new QVBoxLayout(this);
+    pLayout->addWidget(pHint);
+    pLayout->addWidget(pEditor, 1);
+    pLayout->addWidget(pButtons);
+}
+
+const LPointList& LCurveDlg::GetPoints() const
+{
+    return pEditor->GetPoints();
+}
+
+void LCurveDlg::accept()
+{
+    if (GetPoints().nPoints < 1 || !GetPoints().Validate()) {
+        LUiPrompts::Get().Inform(this, "Sonitra", "Please give the curve at least one point.", LUiPrompts::IconWarning);
+        return;
+    }
+    const char* szFile = curve == Equalizer ? LCurveFile::kEqualizerFile : LCurveFile::kEnvelopeFile;
+    LCurveFile::Save(LCurveFile::PathOf(szFile), GetPoints());
+    QDialog::accept();
+}
+
+bool LCurveDlg::Edit(QWidget* pParent, Curve curve, LPointList* pList)
+{
+    LCurveDlg dlg(pParent, curve);
+    if (dlg.exec() != QDialog::Accepted)
+        return false;
+    *pList = dlg.GetPoints();
+    return true;
+}

@@ -1,0 +1,168 @@
+#include "ui/effects/LEffectSettingsDlg.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include <cstring>
+
+#include "dsp/CompressorRatioList.h"
+#include "dsp/effects/LStoredValues.h"
+#include "ui/LUiPrompts.h"
+
+namespace {
+struct KeyLabel
+{
+    const char* szKey;
+    const char* szLabel;
+};
+
+const KeyLabel kLabels[] = {
+    {"SilenceTimes", "Silence Time (ms):"},
+    {"AmplifyGain", "Amplify Gain (%):"},
+    {"NormalizePeakLevel", "Normalize Peak Level (%):"},
+    {"LowCutFreq", "Frequency (Hz):"},
+    {"EchoTime", "Echo Time (ms):"},
+    {"EchoGain", "Echo Gain (%):"},
+    {"ReverbTime", "Reverb Time (ms):"},
+    {"ReverbLevel", "Reverb Level (%):"},
+    {"NoiseGateLevel", "Noise Gate Level (dB):"},
+    {"SpSpeedPitch", "Speed/Pitch Adjust (%):"},
+    {"ConstPitchSpeed", "Speed Adjust (%):"},
+    {"ConstSpeedPitch", "Pitch Adjust (%):"},
+    {"CompressorThreshold", "Threshold (dB):"},
+    {"CompressorRatio", "Ratio:"},
+    {"CompressorLimit", "Limit (dB):"},
+    {"RepeatNumTimes", "Number of Repeats:"},
+    {"PasteMixVolume", "Mix Volume (%):"},
+    {"LongerSelection", "When the clip is longer than the selection:"},
+    {"FadeOutTime", "Fade Out Time (ms):"},
+    {"ConvertSampleRate", "Sample Rate (Hz):"},
+    {"ConvertChannel", "Channels:"},
+};
+
+const char* LabelOf(const char* szKey)
+{
+    for (const KeyLabel& k : kLabels)
+        if (!std::strcmp(k.szKey, szKey))
+            return k.szLabel;
+    return szKey;
+}
+
+const char* const kLongerChoices[] = {"Insert silence", "Extend the selection", "Fade the mix out"};
+} // namespace
+
+LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i) : QDialog(pParent), info(i)
+{
+    QString szTitle = QString::fromLatin1(info.szMenuText);
+    szTitle.remove("...");
+    setWindowTitle(szTitle);
+    setObjectName("LEffectSettingsDlg");
+    auto* pForm = new QFormLayout(this);
+    for (const char* szKey : info.vKeys)
+        AddField(pForm, szKey);
+    auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    connect(pButtons, &QDialogButtonBox::accepted, this, &LEffectSettingsDlg::accept);
+    connect(pButtons, &QDialogButtonBox::rejected, this, &LEffectSettingsDlg::reject);
+    pForm->addRow(pButtons);
+}
+
+void LEffectSettingsDlg::AddField(QFormLayout* pForm, const char* szKey)
+{
+    Field f{szKey};
+    const int32_t nValue = LStoredValues::Get(szKey);
+    if (!std::strcmp(szKey, "CompressorRatio")) {
+        f.pCombo = new QComboBox(this);
+        for (int32_t i = 0; i < kCompressorRatioCount; ++i)
+            f.pCombo->addItem(QString::fromLatin1(CompressorRatioList[i].szLabel));
+        f.pCombo->setCurrentIndex(nValue >= 0 && nValue < kCompressorRatioCount ? nValue : 0);
+        f.pCombo->setObjectName(szKey);
+        pForm->addRow(LabelOf(szKey), f.pCombo);
+    } else if (!std::strcmp(szKey, "LongerSelection")) {
+        f.pChoice = new QButtonGroup(this);
+        auto* pBox = new QVBoxLayout;
+        for (int i = 0; i < 3; ++i) {
+            auto* pRadio = new QRadioButton(kLongerChoices[i], this);
+            pRadio->setObjectName(QString("%1%2").arg(szKey).arg(i));
+            pRadio->setChecked(i == nValue || (i == 0 && (nValue < 0 || nValue > 2)));
+            f.pChoice->addButton(pRadio, i);
+            pBox->addWidget(pRadio);
+        }
+        pForm->addRow(LabelOf(szKey), pBox);
+    } else {
+        f.pEdit = new QLineEdit(QString::number(nValue), this);
+        f.pEdit->setObjectName(szKey);
+        pForm->addRow(LabelOf(szKey), f.pEdit);
+    }
+    vFields.push_back(f);
+}
+
+QWidget* LEffectSettingsDlg::FieldOf(const char* szKey) const
+{
+    for (const Field& f : vFields) {
+        if (!std::strcmp(f.szKey, szKey)) {
+            if (f.pEdit)
+                return f.pEdit;
+            if (f.pCombo)
+                return f.pCombo;
+            return f.pChoice->button(0);
+        }
+    }
+    return nullptr;
+}
+
+bool LEffectSettingsDlg::ValueOf(const Field& f, int32_t& nValue) const
+{
+    if (f.pCombo) {
+        nValue = f.pCombo->currentIndex();
+        return true;
+    }
+    if (f.pChoice) {
+        nValue = f.pChoice->checkedId();
+        return true;
+    }
+    bool bOk = false;
+    nValue = f.pEdit->text().trimmed().toInt(&bOk);
+    return bOk;
+}
+
+void LEffectSettingsDlg::Refuse(const Field& f, const std::string& szMessage)
+{
+    LUiPrompts::Get().Inform(this, "Sonitra", QString::fromStdString(szMessage), LUiPrompts::IconWarning);
+    if (f.pEdit) {
+        f.pEdit->setFocus();
+        f.pEdit->selectAll();
+    }
+}
+
+void LEffectSettingsDlg::accept()
+{
+    std::vector<int32_t> vValues;
+    for (const Field& f : vFields) {
+        int32_t nValue = 0;
+        std::string szMessage;
+        // Text that is not a number is refused with the value's own message, like a number out of range.
+        if (!ValueOf(f, nValue)) {
+            Refuse(f, LStoredValues::MessageOf(f.szKey));
+            return;
+        }
+        if (!LStoredValues::Accept(f.szKey, nValue, &szMessage)) {
+            Refuse(f, szMessage);
+            return;
+        }
+        vValues.push_back(nValue);
+    }
+    for (size_t i = 0; i < vFields.size(); ++i)
+        LStoredValues::Set(vFields[i].szKey, vValues[i]);
+    QDialog::accept();
+}
+
+bool LEffectSettingsDlg::Edit(QWidget* pParent, const LEffectInfo& info)
+{
+    LEffectSettingsDlg dlg(pParent, info);
+    return dlg.exec() == QDialog::Accepted;
+}

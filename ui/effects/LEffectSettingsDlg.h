@@ -1,0 +1,48 @@
+// The settings dialog of an effect: one field per stored value, filled with the last accepted
+// values (or the defaults). OK checks every value against its rule; a refused value is named in a
+// message box with the rule's message, and the dialog stays open with nothing stored.
+#pragma once
+
+#include <QDialog>
+
+#include <vector>
+
+#include "dsp/effects/LEffectCatalog.h"
+
+class QButtonGroup;
+class QComboBox;
+class QLineEdit;
+
+class LEffectSettingsDlg : public QDialog
+{
+    Q_OBJECT
+public:
+    LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& info);
+
+    // Shows the dialog; true when the user accepted (the values are then stored).
+    static bool Edit(QWidget* pParent, const LEffectInfo& info);
+
+    // The field of a stored value (a line edit, or for the compressor ratio a combo box); for tests.
+    QWidget* FieldOf(const char* szKey) const;
+
+public slots:
+    // OK: checks the values and keeps them; a refused value keeps the dialog open.
+    void accept() override;
+
+private:
+    struct Field
+    {
+        const char* szKey;
+        QLineEdit* pEdit = nullptr;
+        QComboBox* pCombo = nullptr;
+        QButtonGroup* pChoice = nullptr;
+    };
+
+    void AddField(class QFormLayout* pForm, const char* szKey);
+    // The typed value; false when it is not a whole number.
+    bool ValueOf(const Field& f, int32_t& nValue) const;
+    void Refuse(const Field& f, const std::string& szMessage);
+
+    const LEffectInfo& info;
+    std::vector<Field> vFields;
+};
