@@ -1,7 +1,5 @@
 #include "DocumentTestSupport.h"
 
-#include "core/LCutListAudioSource.h"
-
 using namespace doctest;
 
 namespace {
@@ -54,27 +52,6 @@ TEST_F(CutList, DeleteInsideOneCutSplitsItAndTakesAReference)
     EXPECT_EQ(pDoc->GetCutCount(), 0u);
     EXPECT_EQ(LAudioCutTank::Instance().GetRefCount(nRef), 0);
     EXPECT_EQ(CountSegmentFiles(), 0) << "the last release deletes both files";
-}
-
-TEST_F(CutList, SourceReadsZerosBeforeZeroAndPastTheEnd)
-{
-    auto vIn = Ramp(100, 5);
-    LCutListAudioPtr pDoc = MakeDoc(vIn, 1);
-    LSoundSourcePtr pSrc = pDoc->OpenSource();
-    EXPECT_EQ(pSrc->GetMaxAmplitude(), 0x200000);
-    pSrc->SetPosition(-10);
-    std::vector<int32_t> v(130, -1);
-    pSrc->Read(v.data(), 130);
-    std::vector<int32_t> vWant(10, 0);
-    vWant.insert(vWant.end(), vIn.begin(), vIn.end());
-    vWant.resize(130, 0);
-    EXPECT_EQ(v, vWant);
-    EXPECT_EQ(pSrc->GetPosition(), 120);
-
-    pSrc->SetPosition(5000);
-    std::fill(v.begin(), v.end(), -1);
-    pSrc->Read(v.data(), 3);
-    EXPECT_EQ(Slice(v, 0, 3), std::vector<int32_t>(3, 0));
 }
 
 TEST_F(CutList, AmplifyDividesBeforeMultiplyingAndKeepsSaturatedGains)
@@ -133,6 +110,7 @@ TEST_F(CutList, SilencePadsGapsAndNegativePositions)
     EXPECT_EQ(pSmall->GetLength(), 28) << "a document inserted into itself";
 
     LSoundSourcePtr pRange = pClip->OpenSource(-2, 4);
+    EXPECT_EQ(pRange->GetMaxAmplitude(), 0x200000) << "gains may lift a document past 16-bit full scale";
     std::vector<int32_t> v(6, -1);
     pRange->Read(v.data(), 6);
     EXPECT_EQ(v, (std::vector<int32_t>{0, 0, 7, 8, 0, 0}));
