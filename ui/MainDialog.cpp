@@ -64,12 +64,17 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
 MainDialog::~MainDialog()
 {
     qApp->removeEventFilter(this);
-    pTransport.reset();
-    // The file windows go before the factory and the clipboard they may use.
+    pTransport->Stop();
+    // The file windows go before the transport, the factory and the clipboard they may use;
+    // nothing is told about them any more.
+    disconnect(pMdi, nullptr, this, nullptr);
     for (QMdiSubWindow* pSub : pMdi->subWindowList()) {
-        pSub->removeEventFilter(this);
+        disconnect(pSub, nullptr, this, nullptr);
+        if (pSub->widget())
+            disconnect(pSub->widget(), nullptr, this, nullptr);
         delete pSub;
     }
+    pTransport.reset();
     if (&LProgressHostFactory::Default() == pProgressFactory.get())
         LProgressHostFactory::SetDefault(nullptr);
 }

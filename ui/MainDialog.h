@@ -72,6 +72,8 @@ public:
     // Runs a file name handed over by a second start of the program.
     void EvLoad(const QString& szPath);
 
+    // "Untitled %d" with the next number.
+    std::string NextUntitledName() { return "Untitled " + std::to_string(++nUntitled); }
     const LRecentFiles& GetRecentFiles() const { return recent; }
     LCutListAudio* GetClipboard() const { return pClipboard.Get(); }
     void SetWindowCaption();

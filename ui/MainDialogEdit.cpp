@@ -284,7 +284,7 @@ void MainDialog::CmCopyToNew()
     GetCurrentFile()->GetDocument().EfCopy(sStart, sEnd, pNew->GetDocument());
     pNew->SetModified(true);
     pNew->SetView(0, pNew->GetDocument().GetLength());
-    AddFileToList(std::move(pNew), std::string(), "Untitled " + std::to_string(++nUntitled));
+    AddFileToList(std::move(pNew), std::string(), NextUntitledName());
 }
 
 LCutListAudioPtr MainDialog::ReadFileConformed(const std::string& szPath, int32_t nRate, uint8_t nChans)

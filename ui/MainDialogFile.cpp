@@ -112,7 +112,7 @@ void MainDialog::CmNew()
         return;
     auto pFile = std::make_unique<LEdFile>();
     pFile->GetDocument().SetFormat(nRate, static_cast<uint8_t>(nChans));
-    AddFileToList(std::move(pFile), std::string(), "Untitled " + std::to_string(++nUntitled));
+    AddFileToList(std::move(pFile), std::string(), NextUntitledName());
 }
 
 void MainDialog::CmOpen()
