@@ -1,5 +1,6 @@
 #include "formats/LAudioFile.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
@@ -49,10 +50,23 @@ bool ReadHead(const std::string& szPath, uint8_t* pHead, size_t& nBytes, std::st
 // A name beside the target, in the same folder so that the final rename never crosses devices.
 bool PartPathFor(const std::string& szPath, std::string& szPart)
 {
-    static int nCounter = 0;
+    static std::atomic<int> nCounter{0};
     const std::string szName = "." + LFile::FileNameOf(szPath) + "." + std::to_string(::getpid()) + "-" +
                                std::to_string(++nCounter) + ".part";
     return LFile::FilePathCat(szPart, LFile::FolderOf(szPath), szName);
+}
+
+// Writers are chosen by the extension alone: the file does not exist yet.
+const LAudioFormat* FormatToWrite(const std::string& szPath, std::string* pszError)
+{
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
+    if (!pFormat) {
+        const std::string szExt = LFile::ExtensionOf(szPath);
+        SetReason(pszError, (szExt.empty() ? std::string("no file extension to choose the format by")
+                                           : "unknown file type '" + szExt + "'") +
+                                " (known: " + KnownFormats() + ")");
+    }
+    return pFormat;
 }
 
 bool CheckSinkShape(const LAudioFormat& format, int32_t nSampleRate, uint8_t nChans, int nBits,
@@ -128,15 +142,8 @@ LSoundSourcePtr LAudioFile::OpenSource(const std::string& szPath, std::string* p
 LSoundSinkPtr LAudioFile::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
                                    std::string* pszError)
 {
-    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
-    if (!pFormat) {
-        const std::string szExt = LFile::ExtensionOf(szPath);
-        SetReason(pszError, (szExt.empty() ? std::string("no file extension to choose the format by")
-                                           : "unknown file type '" + szExt + "'") +
-                                " (known: " + KnownFormats() + ")");
-        return LSoundSinkPtr();
-    }
-    if (!CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
+    const LAudioFormat* pFormat = FormatToWrite(szPath, pszError);
+    if (!pFormat || !CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
         return LSoundSinkPtr();
     return pFormat->OpenSink(szPath, nSampleRate, nChans, nBits, pszError);
 }
@@ -155,18 +162,14 @@ int32_t LAudioFile::Save(LProgressDialog& dlg, const std::string& szTitle, LSoun
                                 std::to_string(nChans));
         return LProgressDialog::ResultError;
     }
-    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
+    const LAudioFormat* pFormat = FormatToWrite(szPath, pszError);
+    if (!pFormat || !CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
+        return LProgressDialog::ResultError;
     std::string szPart;
-    if (!pFormat || !PartPathFor(szPath, szPart)) {
-        // Let OpenSink word the reason for an unknown extension.
-        if (pFormat)
-            SetReason(pszError, "the path is too long");
-        else
-            OpenSink(szPath, nSampleRate, nChans, nBits, pszError);
+    if (!PartPathFor(szPath, szPart)) {
+        SetReason(pszError, "the path is too long");
         return LProgressDialog::ResultError;
     }
-    if (!CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
-        return LProgressDialog::ResultError;
     LSoundSinkPtr pSink = pFormat->OpenSink(szPart, nSampleRate, nChans, nBits, pszError);
     if (!pSink) {
         LFile::Delete(szPart);
