@@ -215,6 +215,7 @@ void LEdFileWindow::SetSelection(int32_t sStart, int32_t sEnd)
 {
     pFile->SetSelection(sStart, sEnd);
     PushSelectionAndCursor();
+    emit SelectionChanged();
 }
 
 void LEdFileWindow::ScrollViewTo(int32_t sStart)

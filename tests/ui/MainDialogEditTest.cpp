@@ -4,6 +4,9 @@
 #include <QMimeData>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QScrollBar>
 #include <QtTest>
 
 #include <memory>
@@ -135,6 +138,47 @@ private slots:
         // The selection came back with the state before the cut.
         QCOMPARE(file.GetSelStart(), s);
         QCOMPARE(file.GetSelEnd(), e);
+    }
+
+    void zoomAndScrollThroughTheFileWindow()
+    {
+        LEdFileWindow* pWindow = OpenRamp(80000);
+        QVERIFY(pWindow);
+        LEdFile& file = pWindow->GetFile();
+        // A mono file keeps the "L / R" button and command disabled.
+        QVERIFY(!pWindow->findChild<QRadioButton*>("radio89")->isEnabled());
+        QVERIFY(!frame->GetAction(CmDisplayLeftRightId)->isEnabled());
+        pWindow->SetCursorPosition(40000);
+        QVERIFY(frame->Command(CmZoomInId));
+        QCOMPARE(file.GetViewStart(), 20000);
+        QCOMPARE(file.GetViewEnd(), 60000);
+        QVERIFY(frame->Command(CmZoomInId));
+        QCOMPARE(file.GetViewEnd() - file.GetViewStart(), 20000);
+        QVERIFY(frame->Command(CmZoomOutId));
+        QCOMPARE(file.GetViewStart(), 20000);
+        QCOMPARE(file.GetViewEnd(), 60000);
+        WaitDrawn(pWindow);
+        QCOMPARE(pWindow->GetDetail()->GetGeometry().GetViewStart(), 20000);
+        // The scroll bar moves the cursor two seconds; the view follows it.
+        pWindow->GetScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        QCOMPARE(file.GetCursor(), 56000);
+        pWindow->GetScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+        QCOMPARE(file.GetCursor(), 72000);
+        QVERIFY(file.GetViewStart() <= 72000 && 72000 < file.GetViewEnd());
+        QCOMPARE(file.GetViewEnd() - file.GetViewStart(), 40000);
+        QTRY_COMPARE(pWindow->GetScrollBar()->value(), 180);
+        QVERIFY(frame->Command(CmGoToStartId));
+        QCOMPARE(file.GetCursor(), 0);
+        QCOMPARE(file.GetViewStart(), 0);
+        pWindow->SetSelection(100, 900);
+        QVERIFY(frame->Command(CmZoomSelectionId));
+        QCOMPARE(file.GetViewEnd(), 900);
+        QVERIFY(frame->Command(CmZoomFullId));
+        QCOMPARE(file.GetViewEnd(), 80000);
+        QCOMPARE(frame->findChild<QLineEdit*>("time2")->text(), QString("0:00:00.100"));
+        QVERIFY(frame->Command(CmVerticalZoomId));
+        QVERIFY(pWindow->IsVerticalZoom());
+        QVERIFY(frame->GetAction(CmVerticalZoomId)->isChecked());
     }
 
     void trimsSilenceAndInsertions()
