@@ -41,10 +41,10 @@ LCutListAudioPtr LEfSoundProcess::RenderAs(LProgressDialog& dlg, const std::stri
 }
 
 int32_t LEfSoundProcess::Run(LProgressDialog& dlg, const std::string& szStage, const LEffectData& data,
-                             LEffectFactory& factory)
+                             LEffectFactory& factory, const char* szBody)
 {
     if (data.sEnd < data.sStart) {
-        LTRACE("Process(%s) Data.sEnd < Data.sStart", szStage.c_str());
+        LTRACE("Process(%s) Data.sEnd < Data.sStart", szBody);
         return ResultDone;
     }
     if (!data.pCutList)

@@ -18,7 +18,9 @@ public:
     int32_t Process() override;
 
     // The body on a given dialog. 0 done (or a refused range), 1 cancelled, 2 error.
-    static int32_t Run(LProgressDialog& dlg, const std::string& szStage, const LEffectData& data, LEffectFactory& factory);
+    // szBody names the process in the trace ("EfEcho").
+    static int32_t Run(LProgressDialog& dlg, const std::string& szStage, const LEffectData& data, LEffectFactory& factory,
+                       const char* szBody = "EfSoundProcess");
 
     // Pumps a source into a new segment and returns it as a scratch document, or null with the
     // result in *pnResult when the pump did not finish or the segment could not be written.

@@ -45,6 +45,7 @@ struct LEffectInfo
     std::vector<const char*> vKeys; // stored values it takes, in dialog order
     bool bAsksSettings;      // shows a settings dialog before it runs
     bool bWholeFile;         // works on the whole document, whatever is selected
+    const char* szBody = ""; // the process body, as the trace names it
 };
 
 class LEffectCatalog

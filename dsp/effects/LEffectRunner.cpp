@@ -18,11 +18,10 @@ namespace {
 using K = LEffectKind;
 using R = LProgressDialog::Result;
 
-int32_t RunStreaming(LProgressDialog& dlg, const LEffectInfo& info, const LEffectData& data, LEffectFactory* pFactory,
-                     const char* szStage = nullptr)
+int32_t RunStreaming(LProgressDialog& dlg, const LEffectInfo& info, const LEffectData& data, LEffectFactory* pFactory)
 {
     LEffectFactoryPtr pHold(pFactory);
-    return LEfSoundProcess::Run(dlg, szStage ? szStage : info.szCaption, data, *pFactory);
+    return LEfSoundProcess::Run(dlg, info.szCaption, data, *pFactory, info.szBody);
 }
 
 // Edits that only rearrange cuts: they finish at once, whatever the length.

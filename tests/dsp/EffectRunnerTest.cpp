@@ -3,6 +3,7 @@
 #include "core/LMemorySound.h"
 #include "dsp/EffectDocSupport.h"
 #include "dsp/EffectTestUtil.h"
+#include "dsp/effects/LEfInsert.h"
 #include "dsp/effects/LEffectRunner.h"
 #include "dsp/effects/LSRCEcho.h"
 #include "dsp/effects/LSRCReverb.h"
@@ -99,20 +100,6 @@ TEST_F(EffectRunner, FadeOutAndTrimEndsTheDocumentAtTheSelection)
     EXPECT_LT(v[5999], 200);
 }
 
-TEST_F(EffectRunner, CutListEditsAmplifyRepeatAndInsertSilence)
-{
-    auto vIn = Noise(1000, 1000);
-    LCutListAudioPtr pDoc = MakeDoc(vIn, 1, 1000);
-    LEffectArgs args;
-    args.mapValues = {{"AmplifyGain", 200}, {"RepeatNumTimes", 2}, {"SilenceTimes", 250}};
-    ASSERT_EQ(Apply(LEffectKind::Amplify, pDoc.Get(), 0, 1000, args), 0);
-    EXPECT_EQ(DescribeCuts(*pDoc).substr(DescribeCuts(*pDoc).rfind('/') + 1), std::to_string(0x1FFFFE0));
-    ASSERT_EQ(Apply(LEffectKind::RepeatLoop, pDoc.Get(), 0, 100, args), 0);
-    EXPECT_EQ(pDoc->GetLength(), 1200);
-    ASSERT_EQ(Apply(LEffectKind::InsertSilence, pDoc.Get(), 10, 10, args), 0);
-    EXPECT_EQ(pDoc->GetLength(), 1450);
-}
-
 TEST_F(EffectRunner, ConversionChangesFormatAndKeepsDuration)
 {
     auto vIn = testsupport::Sine16(8000, 2, 8000, 440.0);
@@ -131,4 +118,18 @@ TEST_F(EffectRunner, ConversionChangesFormatAndKeepsDuration)
     ASSERT_EQ(Apply(LEffectKind::ConvertSampleRate, pDoc.Get(), 0, 0, args), 0);
     EXPECT_EQ(pDoc->GetSampleRate(), 16000);
     EXPECT_NEAR(pDoc->GetLength(), 16000, 64);
+}
+
+TEST_F(EffectRunner, InsertConformsTheSourceToTheDocument)
+{
+    LCutListAudioPtr pDoc = MakeDoc(std::vector<int32_t>(2 * 1000, 7), 2, 8000);
+    LSoundSourcePtr pMono(new LSRCMemory(std::vector<int32_t>(500, 1000), 8000, 1));
+    BodyDialog dlg;
+    ASSERT_EQ(LEfInsert::Run(dlg, "Inserting", *pDoc, 400, pMono.Get()), 0);
+    auto v = ReadDoc(*pDoc);
+    ASSERT_EQ(v.size(), 2u * 1500);
+    EXPECT_EQ(v[2 * 399], 7);
+    EXPECT_EQ(v[2 * 400], 1000);
+    EXPECT_EQ(v[2 * 400 + 1], 1000);
+    EXPECT_EQ(v[2 * 900], 7);
 }
