@@ -23,7 +23,7 @@ const std::vector<LEffectInfo> kEffects = {
     {K::Envelope, 4008, "Envelope...", "Envelope", "Envelope", {}, true, false, "LEfEnvelope"},
     {K::AutoGainControl, 4009, "Automatic Gain Control", "Automatic Gain Control", "Automatic Gain Control", {}, false, true},
     {K::NoiseReduction, 4010, "Noise Reduction", "Noise Reduction", "Noise Reduction", {"NoiseGateLevel"}, false, false, "EfNoiseReduction"},
-    {K::SimpleSpeedPitch, 4014, "Simple Speed and Pitch Change", "Simple Speed and Pitch Change", "Process Audio", {"SpSpeedPitch"}, true, false},
+    {K::SimpleSpeedPitch, 4014, "Simple Speed and Pitch Change", "Simple Speed and Pitch Change", "Process Audio", {"SpSpeedPitch"}, true, false, "LEfChangeSpeedPitch"},
     {K::ConstPitchSpeed, 4015, "Constant Pitch and Speed Change", "Constant Pitch and Speed Change", "Process Audio", {"ConstPitchSpeed"}, true, false},
     {K::ConstSpeedPitch, 4016, "Constant Speed and Pitch Change", "Constant Speed and Pitch Change", "Process Audio", {"ConstSpeedPitch"}, true, false},
     {K::Compressor, 4012, "Dynamic Range Compressor", "Dynamic Range Compressor", "Dynamic Range Compressor",

@@ -1,6 +1,7 @@
 #include "dsp/effects/LEffectFactories.h"
 
 #include <algorithm>
+#include <climits>
 
 #include "core/LTrace.h"
 #include "dsp/CompressorRatioList.h"
@@ -8,7 +9,9 @@
 #include "dsp/LSRCEq.h"
 #include "dsp/LSRCNoiseGates.h"
 #include "dsp/effects/LSRCEcho.h"
+#include "core/LSRCConvertRate.h"
 #include "dsp/effects/LSRCEnvelope.h"
+#include "dsp/effects/LSRCRelabelRate.h"
 #include "dsp/effects/LSRCLowCut.h"
 #include "dsp/effects/LSRCReverb.h"
 
@@ -54,4 +57,12 @@ LSoundSourcePtr LCurveFactory::Create(LSoundSourceBase* pInput)
     if (curve == Equalizer)
         return LSoundSourcePtr(new LSRCEq(pInput, points));
     return LSoundSourcePtr(new LSRCEnvelope(pInput, points));
+}
+
+LSoundSourcePtr LSpeedPitchFactory::Create(LSoundSourceBase* pInput)
+{
+    const int32_t nRate = pInput->GetSampleRate();
+    const int64_t nFaster = static_cast<int64_t>(nRate) * std::max(nParam1, 1) / 100;
+    LSoundSourcePtr pRelabelled(new LSRCRelabelRate(pInput, static_cast<int32_t>(std::clamp<int64_t>(nFaster, 1, INT32_MAX))));
+    return LSoundSourcePtr(new LSRCConvertRate(pRelabelled.Get(), nRate));
 }

@@ -83,3 +83,12 @@ private:
     Curve curve;
     LPointList points;
 };
+
+// Speed in percent of the original: the audio plays that much faster (or slower) and its pitch
+// moves with it; the length changes accordingly.
+class LSpeedPitchFactory : public LEffectFactory
+{
+public:
+    using LEffectFactory::LEffectFactory;
+    LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
+};

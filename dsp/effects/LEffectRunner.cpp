@@ -60,7 +60,6 @@ int32_t ApplyMix(LProgressDialog& dlg, const LEffectData& data, const LEffectArg
 bool LEffectRunner::IsAvailable(LEffectKind kind)
 {
     switch (kind) {
-    case K::SimpleSpeedPitch:
     case K::ConstPitchSpeed:
     case K::ConstSpeedPitch:
         return false;
@@ -119,6 +118,8 @@ int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCut
         return RunStreaming(dlg, info, data,
                             new LCompressorFactory(args.Value("CompressorThreshold"), args.Value("CompressorRatio"),
                                                    args.Value("CompressorLimit")));
+    case K::SimpleSpeedPitch:
+        return RunStreaming(dlg, info, data, new LSpeedPitchFactory(args.Value("SpSpeedPitch")));
     case K::AutoGainControl:
         return LEfAutoGainControl::Run(dlg, info.szCaption, data);
     case K::AutoTrim:

@@ -51,3 +51,22 @@ TEST_F(EffectDynamics, NoiseReductionHandsALatchedInputBack)
     LEffectFactoryPtr pFactory(new LNoiseReductionFactory(-30));
     EXPECT_EQ(pFactory->Create(pSilent.Get()).Get(), pSilent.Get());
 }
+
+TEST_F(EffectDynamics, SimpleSpeedChangeShortensAndRaisesPitch)
+{
+    std::vector<int32_t> vIn;
+    for (int i = 0; i < 8000; ++i)
+        vIn.push_back(i % 16 < 8 ? 100000 : -100000); // 500 Hz square at 8000 Hz
+    LCutListAudioPtr pDoc = MakeDoc(vIn, 1, 8000);
+    LEffectArgs a;
+    a.mapValues = {{"SpSpeedPitch", 200}};
+    CancellingFactory fact(0);
+    LEffectProcess proc(*LEffectCatalog::ByKind(LEffectKind::SimpleSpeedPitch), pDoc.Get(), 0, 8000, a);
+    ASSERT_EQ(proc.Run(&fact), 0);
+    auto v = ReadDoc(*pDoc);
+    EXPECT_NEAR(static_cast<int>(v.size()), 4000, 2);
+    int nCrossings = 0;
+    for (size_t i = 1001; i < 3000; ++i)
+        nCrossings += (v[i - 1] < 0) != (v[i] < 0);
+    EXPECT_NEAR(nCrossings, 500, 10); // 1000 Hz over a quarter second
+}

@@ -128,7 +128,8 @@ private slots:
         QCOMPARE(UndoText(), QString("Undo Convert Channels\tCtrl+Z"));
         QVERIFY(frame->GetAction(CmMonoId)->isEnabled());
 
-        QVERIFY(!frame->GetAction(CmSimpleSpeedId)->isEnabled());
+        QVERIFY(frame->GetAction(CmSimpleSpeedId)->isEnabled());
+        QVERIFY(!frame->GetAction(CmConstantPitchId)->isEnabled());
         QVERIFY(frame->GetAction(CmFadeOutTrimId)->isEnabled());
         QVERIFY(frame->Command(CmFadeOutTrimId));
         QCOMPARE(UndoText(), QString("Undo Fade Out and Trim\tCtrl+Z"));
