@@ -65,37 +65,39 @@ inline std::string DescribeCuts(const LCutListAudio& doc)
     return sz;
 }
 
+// What the dialogs of a factory were shown; it outlives the dialogs.
+struct ShownText
+{
+    std::string aszLines[2];
+    std::string szError;
+};
+
 // Cancels at the nth look at the queue (0: never).
 class CancellingHost : public LProgressHost
 {
 public:
-    explicit CancellingHost(int nCancelAt) : nCancelAt(nCancelAt) {}
+    CancellingHost(int nCancelAt, ShownText& shown) : nCancelAt(nCancelAt), shown(shown) {}
     bool Open(const std::string&) override { return true; }
     void Close() override {}
-    void SetText(int nLine, const std::string& sz) override { aszLines[nLine & 1] = sz; }
+    void SetText(int nLine, const std::string& sz) override { shown.aszLines[nLine & 1] = sz; }
     void SetProgress(int) override {}
     bool Pump() override { return nCancelAt == 0 || ++nPumps < nCancelAt; }
     bool WaitForInput(int) override { return Pump(); }
-    void ShowError(const std::string& sz) override { szError = sz; }
+    void ShowError(const std::string& sz) override { shown.szError = sz; }
 
+private:
     int nCancelAt;
     int nPumps = 0;
-    std::string aszLines[2];
-    std::string szError;
+    ShownText& shown;
 };
 
 class CancellingFactory : public LProgressHostFactory
 {
 public:
     explicit CancellingFactory(int nCancelAt) : nCancelAt(nCancelAt) {}
-    std::unique_ptr<LProgressHost> Create() override
-    {
-        auto p = std::make_unique<CancellingHost>(nCancelAt);
-        pLast = p.get();
-        return p;
-    }
+    std::unique_ptr<LProgressHost> Create() override { return std::make_unique<CancellingHost>(nCancelAt, shown); }
     int nCancelAt;
-    CancellingHost* pLast = nullptr;
+    ShownText shown;
 };
 
 // A dialog for running bodies directly.

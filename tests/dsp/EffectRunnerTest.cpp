@@ -83,8 +83,8 @@ TEST_F(EffectRunner, ProgressShowsTheCaptionAndPleaseWait)
     LEffectProcess proc(Info(LEffectKind::Reverse), pDoc.Get(), 0, 1000, {});
     EXPECT_EQ(proc.GetTitle(), "Reverse");
     ASSERT_EQ(proc.Run(&fact), 0);
-    EXPECT_EQ(fact.pLast->aszLines[0], "Reversing Sound");
-    EXPECT_EQ(fact.pLast->aszLines[1], "Please wait...");
+    EXPECT_EQ(fact.shown.aszLines[0], "Reversing Sound");
+    EXPECT_EQ(fact.shown.aszLines[1], "Please wait...");
 }
 
 TEST_F(EffectRunner, FadeOutAndTrimEndsTheDocumentAtTheSelection)
