@@ -1,6 +1,7 @@
 // The transport through the real frame on the virtual sound device: play to the end, play after
 // an edit, record into a new file, rewind while held.
 #include <QAction>
+#include <QSignalSpy>
 #include <QtTest>
 
 #include <cstdlib>
@@ -89,11 +90,12 @@ private slots:
         LSettings::SetInt("Settings", "DefaultSampleRate", 8000);
         LSettings::SetInt("Settings", "DefaultChannels", 1);
         QVERIFY(frame->GetCurrentFileWindow() == nullptr);
+        QSignalSpy spy(&frame->GetTransport(), &LTransport::PositionChanged);
         QVERIFY(frame->Command(CmRecordId));
         LEdFileWindow* pWindow = frame->GetCurrentFileWindow();
         QVERIFY(pWindow);
         QVERIFY(frame->GetTransport().IsRecording());
-        QTest::qWait(150);
+        QTRY_VERIFY(spy.count() >= 2); // a few blocks have arrived
         QVERIFY(frame->Command(CmStopId));
         QVERIFY(!frame->GetTransport().IsRecording());
         QVERIFY(pWindow->GetFile().GetDocument().GetLength() > 0);
