@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -11,17 +12,22 @@
 
 namespace {
 
-// A file in memory-backed storage when there is one, so each run costs no disk writes.
-const std::string& FuzzPath()
+char g_szPath[64];
+
+// A file in memory-backed storage when there is one, so each run costs no disk writes; removed at exit.
+const char* FuzzPath()
 {
-    static const std::string szPath = std::string(::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") +
-                                      "/sonitra-fuzz-wav-" + std::to_string(::getpid()) + ".wav";
-    return szPath;
+    if (!g_szPath[0]) {
+        std::snprintf(g_szPath, sizeof(g_szPath), "%s/sonitra-fuzz-wav-%d.wav",
+                      ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp", static_cast<int>(::getpid()));
+        std::atexit([] { std::remove(g_szPath); });
+    }
+    return g_szPath;
 }
 
 bool WriteInput(const uint8_t* pData, size_t nSize)
 {
-    FILE* f = std::fopen(FuzzPath().c_str(), "wb");
+    FILE* f = std::fopen(FuzzPath(), "wb");
     if (!f)
         return false;
     const bool bOk = std::fwrite(pData, 1, nSize, f) == nSize;
