@@ -5,6 +5,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "cli/LCliArgs.h"
 #include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 #include "devices/LSoundPlayer.h"
@@ -43,22 +44,6 @@ bool UsageError(const std::string& szText)
     return false;
 }
 
-// A plain number is seconds here; LSoundTime reads the other forms.
-bool ParseTime(const std::string& szText, int32_t& nMs)
-{
-    char* pEnd = nullptr;
-    const double f = std::strtod(szText.c_str(), &pEnd);
-    if (!szText.empty() && *pEnd == '\0' && f >= 0 && f < 2e6) {
-        nMs = static_cast<int32_t>(f * 1000 + 0.5);
-        return true;
-    }
-    LSoundTime time;
-    if (!LSoundTime::Parse(szText, time) || time.GetMilliseconds() < 0)
-        return false;
-    nMs = time.GetMilliseconds();
-    return true;
-}
-
 bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
 {
     std::vector<std::string> vFiles;
@@ -78,7 +63,7 @@ bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
                 return UsageError("--device takes a device number (0 the default)");
             opt.nDevice = static_cast<int32_t>(n);
         } else if (s == "--from") {
-            if (!ParseTime(szValue, opt.nFromMs))
+            if (!LCliParseTime(szValue, opt.nFromMs))
                 return UsageError("--from takes a time such as 90, 1.5s or 1:30");
         } else {
             return UsageError("unknown option '" + s + "'");

@@ -5,6 +5,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "cli/LCliArgs.h"
 #include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 #include "devices/LSoundRecorder.h"
@@ -60,22 +61,6 @@ bool ParseInt(const std::string& szText, long nMin, long nMax, int32_t& nValue)
     return true;
 }
 
-// A plain number is seconds here; LSoundTime reads the other forms.
-bool ParseTime(const std::string& szText, int32_t& nMs)
-{
-    char* pEnd = nullptr;
-    const double f = std::strtod(szText.c_str(), &pEnd);
-    if (!szText.empty() && *pEnd == '\0' && f >= 0 && f < 2e6) {
-        nMs = static_cast<int32_t>(f * 1000 + 0.5);
-        return true;
-    }
-    LSoundTime time;
-    if (!LSoundTime::Parse(szText, time) || time.GetMilliseconds() < 0)
-        return false;
-    nMs = time.GetMilliseconds();
-    return true;
-}
-
 bool TakeOption(const std::string& szName, const std::string& szValue, Options& opt)
 {
     if (szName == "--device")
@@ -85,7 +70,7 @@ bool TakeOption(const std::string& szName, const std::string& szValue, Options& 
     if (szName == "--channels")
         return ParseInt(szValue, 1, 2, opt.nChans) || UsageError("--channels takes 1 or 2");
     if (szName == "--max")
-        return (ParseTime(szValue, opt.nMaxMs) && opt.nMaxMs > 0) ||
+        return (LCliParseTime(szValue, opt.nMaxMs) && opt.nMaxMs > 0) ||
                UsageError("--max takes a time such as 90, 1.5s or 1:30");
     if (szName == "--voice") {
         opt.bVoice = true;

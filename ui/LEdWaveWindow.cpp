@@ -151,13 +151,13 @@ LWaveGeometry LEdWaveWindow::GetGeometry() const
 
 bool LEdWaveWindow::IsDrawn() const
 {
-    bool bForce;
+    bool bPending;
     {
         std::lock_guard<std::mutex> lock(mtxDraw);
-        bForce = bForceAll;
+        bPending = bForceAll || bComputing;
     }
     std::lock_guard<std::mutex> lock(mtxRequest);
-    return !bForce && sReqStart == sDrawnStart && sReqLength == sDrawnLength;
+    return !bPending && sReqStart == sDrawnStart && sReqLength == sDrawnLength;
 }
 
 void LEdWaveWindow::CopyColumns(std::vector<uint8_t>& vOutTop, std::vector<uint8_t>& vOutBottom) const
@@ -208,6 +208,7 @@ void LEdWaveWindow::Body()
         Range r;
         {
             std::lock_guard<std::mutex> lock(mtxDraw);
+            bComputing = true;
             r = ApplyView(sStart, sLength);
         }
         ComputeColumns(r);
@@ -217,6 +218,7 @@ void LEdWaveWindow::Body()
             std::lock_guard<std::mutex> lock(mtxRequest);
             sDrawnStart = sStart;
             sDrawnLength = sLength;
+            bComputing = false;
         }
         drew.Notify();
     }

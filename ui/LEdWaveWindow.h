@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <array>
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -106,6 +107,9 @@ private:
     // Columns, view fields and painting.
     mutable std::mutex mtxDraw;
     bool bForceAll = true;
+    // Set from the moment the worker takes a request until its columns are in place, so that
+    // IsDrawn never reports a picture that is still being computed.
+    std::atomic<bool> bComputing{false};
     LWaveColumnMaker maker;
     std::vector<uint8_t> vScratchTop;
     std::vector<uint8_t> vScratchBottom;

@@ -224,10 +224,10 @@ void MainDialog::CmInsertSilence(int nWhere)
     LEdFile* pFile = GetCurrentFile();
     if (!pFile)
         return;
-    double fSeconds = LSettings::GetInt("StoredValues", "InsertSilenceMs", 1000) / 1000.0;
+    double fSeconds = LSettings::GetInt("StoredValues", "SilenceTimes", 0) / 1000.0;
     if (!LUiPrompts::Get().AskNumber(this, "Insert Silence", "Seconds of silence:", fSeconds, 0.001, 3600.0, 3))
         return;
-    LSettings::SetInt("StoredValues", "InsertSilenceMs", static_cast<int32_t>(std::lround(fSeconds * 1000.0)));
+    LSettings::SetInt("StoredValues", "SilenceTimes", static_cast<int32_t>(std::lround(fSeconds * 1000.0)));
     const int32_t nRate = pFile->GetDocument().GetSampleRate();
     const int32_t nFrames = static_cast<int32_t>(std::lround(fSeconds * nRate));
     const char* const kLabels[] = {"Insert Silence At The Start", "Insert Silence At Current Position",
@@ -266,9 +266,10 @@ void MainDialog::CmRepeatLoop()
     int32_t sStart, sEnd;
     if (!GetSelection(sStart, sEnd))
         return;
-    double fTimes = 1;
+    double fTimes = LSettings::GetInt("StoredValues", "RepeatNumTimes", 1);
     if (!LUiPrompts::Get().AskNumber(this, "Repeat Loop", "Number of repeats:", fTimes, 1, 1000, 0))
         return;
+    LSettings::SetInt("StoredValues", "RepeatNumTimes", static_cast<int32_t>(fTimes));
     LEdFile& file = *GetCurrentFile();
     StartModifyCurrentFile("Repeat Loop");
     file.GetDocument().Repeat(sStart, sEnd, static_cast<int32_t>(fTimes));

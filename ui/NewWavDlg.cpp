@@ -49,7 +49,7 @@ void NewWavDlg::accept()
 {
     if (!ParseSampleRate(pRate->currentText(), nRate)) {
         LUiPrompts::Get().Inform(this, "Sonitra",
-                                 tr("Please enter a sample rate from %1 to %2 Hz.").arg(kMinSampleRate).arg(kMaxSampleRate),
+                                 "Sample rates must be between 6000 and 96000 samples per second.",
                                  LUiPrompts::IconWarning);
         return;
     }

@@ -12,8 +12,8 @@ class NewWavDlg : public QDialog
 {
     Q_OBJECT
 public:
-    static constexpr int32_t kMinSampleRate = 2000;
-    static constexpr int32_t kMaxSampleRate = 196000;
+    static constexpr int32_t kMinSampleRate = 6000;
+    static constexpr int32_t kMaxSampleRate = 96000;
 
     NewWavDlg(QWidget* pParent, int32_t nSampleRate, int nChans);
     int32_t GetSampleRate() const { return nRate; }

@@ -218,9 +218,10 @@ private slots:
         int32_t n = 0;
         QVERIFY(NewWavDlg::ParseSampleRate("44100", n));
         QCOMPARE(n, 44100);
-        QVERIFY(NewWavDlg::ParseSampleRate(" 2000 ", n));
-        QVERIFY(!NewWavDlg::ParseSampleRate("1999", n));
-        QVERIFY(!NewWavDlg::ParseSampleRate("196001", n));
+        QVERIFY(NewWavDlg::ParseSampleRate(" 6000 ", n));
+        QVERIFY(NewWavDlg::ParseSampleRate("96000", n));
+        QVERIFY(!NewWavDlg::ParseSampleRate("5999", n));
+        QVERIFY(!NewWavDlg::ParseSampleRate("96001", n));
         QVERIFY(!NewWavDlg::ParseSampleRate("44.1k", n));
         LSettings::SetInt("Settings", "DefaultSampleRate", 22050);
         LSettings::SetInt("Settings", "DefaultChannels", 1);
