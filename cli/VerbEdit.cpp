@@ -42,7 +42,7 @@ const char kUsage[] =
 
 enum class OpKind { Delete, Crop, CropStart, CropEnd, Copy, Cut, Paste, InsertSilence, Repeat, Amplify, Undo };
 
-struct OpSpec
+struct OpShape
 {
     const char* szName;
     OpKind kind;
@@ -51,7 +51,7 @@ struct OpSpec
     const char* szLabel;
 };
 
-const OpSpec kOps[] = {
+const OpShape kOps[] = {
     {"delete", OpKind::Delete, 2, false, "Delete"},
     {"crop", OpKind::Crop, 2, false, "Trim"},
     {"crop-start", OpKind::CropStart, 1, false, "Trim Start"},
@@ -89,7 +89,7 @@ struct Position
 struct Op
 {
     std::string szText;
-    const OpSpec* pSpec = nullptr;
+    const OpShape* pShape = nullptr;
     Position vPos[2];
     int32_t nCount = 0;
     int32_t s[2] = {0, 0}; // the positions in frames
@@ -140,7 +140,7 @@ bool Refuse(const std::string& szOp, const std::string& szWhy)
 
 bool ParseCount(const Op& op, const std::string& szText, int32_t& nOut)
 {
-    const bool bRepeat = op.pSpec->kind == OpKind::Repeat;
+    const bool bRepeat = op.pShape->kind == OpKind::Repeat;
     int64_t n = 0;
     if (!ParseInteger(szText, 0, bRepeat ? kMaxRepeat : INT32_MAX, n))
         return Refuse(op.szText, bRepeat ? "TIMES must be a whole number from 0 to 10000"
@@ -154,22 +154,22 @@ bool ParseOp(const std::string& szText, Op& op)
     op.szText = szText;
     const size_t nEq = szText.find('=');
     const std::string szName = szText.substr(0, nEq);
-    for (const OpSpec& spec : kOps)
-        if (szName == spec.szName)
-            op.pSpec = &spec;
-    if (!op.pSpec)
+    for (const OpShape& shape : kOps)
+        if (szName == shape.szName)
+            op.pShape = &shape;
+    if (!op.pShape)
         return Refuse(szText, "unknown operation");
-    const int nArgs = op.pSpec->nPositions + (op.pSpec->bCount ? 1 : 0);
+    const int nArgs = op.pShape->nPositions + (op.pShape->bCount ? 1 : 0);
     if (nArgs == 0)
         return nEq == std::string::npos || Refuse(szText, "takes no arguments");
     const std::vector<std::string> vArgs =
         nEq == std::string::npos ? std::vector<std::string>() : SplitCommas(szText.substr(nEq + 1));
     if (static_cast<int>(vArgs.size()) != nArgs)
         return Refuse(szText, "expects " + std::to_string(nArgs) + " comma-separated values");
-    for (int i = 0; i < op.pSpec->nPositions; ++i)
+    for (int i = 0; i < op.pShape->nPositions; ++i)
         if (!ParsePosition(vArgs[i], op.vPos[i]))
             return Refuse(szText, "'" + vArgs[i] + "' is neither a frame number nor a time");
-    return !op.pSpec->bCount || ParseCount(op, vArgs.back(), op.nCount);
+    return !op.pShape->bCount || ParseCount(op, vArgs.back(), op.nCount);
 }
 
 struct Options
@@ -217,13 +217,13 @@ void TraceCuts(const std::string& szAfter, const LCutListAudio& doc)
 void Apply(const Op& op, LEdFile& file, LCutListAudio& clip)
 {
     LCutListAudio& doc = file.GetDocument();
-    const OpKind kind = op.pSpec->kind;
+    const OpKind kind = op.pShape->kind;
     if (kind == OpKind::Undo) {
         file.Undo();
         return;
     }
     if (kind != OpKind::Copy)
-        file.StartModify(op.pSpec->szLabel); // taken before the change, even one that changes nothing
+        file.StartModify(op.pShape->szLabel); // taken before the change, even one that changes nothing
     const int32_t a = op.s[0], b = op.s[1];
     switch (kind) {
     case OpKind::Delete: doc.EfDelete(a, b); break;
@@ -292,7 +292,7 @@ int Load(const Options& opt, LEdFile& file, int& nBits)
 bool ResolvePositions(std::vector<Op>& vOps, int32_t nRate)
 {
     for (Op& op : vOps)
-        for (int i = 0; i < op.pSpec->nPositions; ++i)
+        for (int i = 0; i < op.pShape->nPositions; ++i)
             if (!op.vPos[i].Resolve(nRate, op.s[i]))
                 return Refuse(op.szText, "a position lies beyond 2^31 frames");
     return true;

@@ -73,7 +73,7 @@ TEST(AudioFile, OpenSourceNamesTheFormatOrTheReason)
     EXPECT_EQ(details.szEncoding, "PCM 8-bit");
     EXPECT_EQ(details.nBits, 8);
 
-    const Bytes vWav = Build(Spec());
+    const Bytes vWav = Build(WavShape());
     const std::tuple<std::string, Bytes, std::string> cases[] = {
         {"empty.wav", {}, "the file is empty"},
         {"text.txt", Bytes(50, 'x'), "not a known audio file format (known: WAV)"},

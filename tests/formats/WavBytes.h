@@ -30,7 +30,7 @@ inline Bytes Chunk(const std::string& szId, const Bytes& vBody)
     return v;
 }
 
-struct Spec
+struct WavShape
 {
     uint16_t nTag = 1, nChans = 1;
     uint32_t nRate = 8000;
@@ -41,7 +41,7 @@ struct Spec
     Bytes vBeforeRiff, vBeforeFmt, vBetween; // whole chunks placed there
 };
 
-inline Bytes Build(const Spec& s)
+inline Bytes Build(const WavShape& s)
 {
     Bytes vFmt;
     const uint32_t nBlock = s.nChans * ((s.nBits + 7) / 8);

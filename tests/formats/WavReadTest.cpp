@@ -17,23 +17,23 @@ protected:
         testsupport::WriteFileBytes(szPath, v);
         return LWaveFile::OpenSource(szPath, pszReason);
     }
-    LSoundSourcePtr Open(const Spec& s, std::string* pszReason = nullptr) { return Open(Build(s), pszReason); }
-    bool Opens(const Spec& s) { return !Open(s)->IsError(); }
+    LSoundSourcePtr Open(const WavShape& s, std::string* pszReason = nullptr) { return Open(Build(s), pszReason); }
+    bool Opens(const WavShape& s) { return !Open(s)->IsError(); }
 
     testsupport::TempDir dir;
     int nFiles = 0;
 };
 
-Spec Mono16(std::vector<int16_t> vSamples)
+WavShape Mono16(std::vector<int16_t> vSamples)
 {
-    Spec s;
+    WavShape s;
     s.vData = Samples16(vSamples);
     return s;
 }
 
 Bytes WithChunkBeforeFmt(Bytes vChunk)
 {
-    Spec s;
+    WavShape s;
     s.vBeforeFmt = vChunk;
     return Build(s);
 }
@@ -42,7 +42,7 @@ Bytes WithChunkBeforeFmt(Bytes vChunk)
 
 TEST_F(WavRead, ChunkWalkToleratesForeignAndOddChunks)
 {
-    Spec s = Mono16({1, 2, 3});
+    WavShape s = Mono16({1, 2, 3});
     s.vBeforeRiff = Chunk("JUNK", Bytes(7, 'x'));
     s.vBeforeFmt = Chunk("bext", Bytes(3, 'y'));
     s.vBetween = Chunk("LIST", Bytes(9, 'z'));
@@ -55,7 +55,7 @@ TEST_F(WavRead, ChunkWalkToleratesForeignAndOddChunks)
 
 TEST_F(WavRead, FormatChunkSizeAndRecordLimits)
 {
-    Spec s = Mono16({0});
+    WavShape s = Mono16({0});
     for (uint32_t nSize : {16u, 18u, 8192u}) {
         s.nFmtSize = nSize;
         EXPECT_TRUE(Opens(s)) << nSize;
@@ -81,7 +81,7 @@ TEST_F(WavRead, FormatChunkSizeAndRecordLimits)
 
 TEST_F(WavRead, LengthFromDataSizeOrFileSize)
 {
-    Spec s = Mono16({1, 2, 3, 4, 5});
+    WavShape s = Mono16({1, 2, 3, 4, 5});
     s.nChans = 2;
     EXPECT_EQ(Open(s)->GetLength(), 2); // the part frame is dropped
     s.nDataSize = 0xFFFFFFFF;           // still being written: as much as the file holds
@@ -101,7 +101,7 @@ TEST_F(WavRead, ConvertsBothSampleWidths)
     LSoundSourcePtr p16 = Open(Mono16({0x7FFF, -0x8000, -1}));
     EXPECT_EQ(p16->GetMaxAmplitude(), 0x7FFF0);
     EXPECT_EQ(ReadFrames(*p16, 3), (std::vector<int32_t>{0x7FFF0, -0x80000, -16}));
-    Spec s;
+    WavShape s;
     s.nBits = 8;
     s.vData = {0, 128, 255};
     EXPECT_EQ(ReadFrames(*Open(s), 3), (std::vector<int32_t>{-128 * 4096, 0, 127 * 4096}));
@@ -129,7 +129,7 @@ TEST_F(WavRead, LargeReadsMatchBlockwiseReads)
     std::vector<int16_t> vSamples(2 * 20000);
     for (size_t i = 0; i < vSamples.size(); ++i)
         vSamples[i] = static_cast<int16_t>(i * 7);
-    Spec s = Mono16(vSamples);
+    WavShape s = Mono16(vSamples);
     s.nChans = 2;
     LSoundSourcePtr pWhole = Open(s), pPieces = Open(s);
     std::vector<int32_t> vWhole = ReadFrames(*pWhole, 20010), vPieces;
@@ -144,7 +144,7 @@ TEST_F(WavRead, LargeReadsMatchBlockwiseReads)
 TEST_F(WavRead, RecordsWithoutAReaderOpenLatched)
 {
     std::string szReason;
-    Spec s = Mono16({1, 2, 3});
+    WavShape s = Mono16({1, 2, 3});
     s.nBits = 24;
     EXPECT_TRUE(Open(s, &szReason)->IsError());
     EXPECT_EQ(szReason, "PCM 24-bit WAV files are not supported");
