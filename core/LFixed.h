@@ -40,3 +40,28 @@ inline constexpr int32_t LFrom16(int16_t v) { return static_cast<int32_t>(v) * 1
 inline constexpr int32_t LFrom8(uint8_t u) { return (static_cast<int32_t>(u) - 128) * 4096; }
 inline constexpr int16_t LTo16(int32_t s) { return static_cast<int16_t>(static_cast<uint16_t>(LWrapAdd(s, 8) >> 4)); }
 inline constexpr uint8_t LTo8(int32_t s) { return static_cast<uint8_t>((LWrapAdd(s, 2048) >> 12) + 128); }
+
+// Multiplies nFrames interleaved frames by a gain that grows by d after each frame; returns the
+// gain for the frame after the last. Mono and stereo have their own loops for speed.
+inline int32_t LApplyGainRamp(const int32_t* pIn, int32_t* pOut, int32_t nFrames, uint8_t nChans, int32_t g, int32_t d)
+{
+    if (nChans == 1) {
+        for (int32_t i = 0; i < nFrames; ++i) {
+            pOut[i] = LMulGain824(pIn[i], g);
+            g = LWrapAdd(g, d);
+        }
+    } else if (nChans == 2) {
+        for (int32_t i = 0; i < 2 * nFrames; i += 2) {
+            pOut[i] = LMulGain824(pIn[i], g);
+            pOut[i + 1] = LMulGain824(pIn[i + 1], g);
+            g = LWrapAdd(g, d);
+        }
+    } else {
+        for (int32_t i = 0; i < nFrames; ++i) {
+            for (uint8_t c = 0; c < nChans; ++c, ++pIn, ++pOut)
+                *pOut = LMulGain824(*pIn, g);
+            g = LWrapAdd(g, d);
+        }
+    }
+    return g;
+}

@@ -130,27 +130,7 @@ void LSRCCompressor::NextBlock()
 
 void LSRCCompressor::CopyWithGain(const int32_t* pIn, int32_t* pOut, int32_t nFrames)
 {
-    int32_t g = nGain;
-    const int32_t d = nSlope;
-    if (nChans == 1) {
-        for (int32_t i = 0; i < nFrames; ++i) {
-            pOut[i] = LMulGain824(pIn[i], g);
-            g = LWrapAdd(g, d);
-        }
-    } else if (nChans == 2) {
-        for (int32_t i = 0; i < 2 * nFrames; i += 2) {
-            pOut[i] = LMulGain824(pIn[i], g);
-            pOut[i + 1] = LMulGain824(pIn[i + 1], g);
-            g = LWrapAdd(g, d);
-        }
-    } else {
-        for (int32_t i = 0; i < nFrames; ++i) {
-            for (uint8_t c = 0; c < nChans; ++c, ++pIn, ++pOut)
-                *pOut = LMulGain824(*pIn, g);
-            g = LWrapAdd(g, d);
-        }
-    }
-    nGain = g;
+    nGain = LApplyGainRamp(pIn, pOut, nFrames, nChans, nGain, nSlope);
 }
 
 void LSRCCompressor::Read(int32_t* pBuffer, int32_t nFrames)

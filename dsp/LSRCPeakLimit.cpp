@@ -89,13 +89,7 @@ void LSRCPeakLimit::CopyWithGain(const int32_t* pIn, int32_t* pOut, int32_t nFra
         std::memcpy(pOut, pIn, nSamples * sizeof(int32_t));
         return;
     }
-    int32_t g = nGain;
-    for (int32_t i = 0; i < nFrames; ++i) {
-        for (uint8_t c = 0; c < nChans; ++c, ++pIn, ++pOut)
-            *pOut = LMulGain824(*pIn, g);
-        g = LWrapAdd(g, nDelta);
-    }
-    nGain = g;
+    nGain = LApplyGainRamp(pIn, pOut, nFrames, nChans, nGain, nDelta);
 }
 
 void LSRCPeakLimit::Read(int32_t* pBuffer, int32_t nFrames)
