@@ -87,11 +87,13 @@ TEST(RecordVerb, VoiceActivatedKeepsOnlyWhatIsLoud)
     TempDir dir;
     std::string szOut;
     // Silence never reaches -20 dB: the recorder waits until Ctrl+C, and nothing is kept.
-    ASSERT_EQ(RunCommand(kVirtual + "timeout --preserve-status -s INT 0.5 " + SONITRA_CLI_PATH + " record " + dir.File("q.wav") +
-                             " --max 1 --rate 8000 --channels 2 --voice -20 2>&1",
-                         &szOut),
-              0)
-        << szOut;
+    // The interrupt handler is in place before the output file is created, so the Ctrl+C waits for the file.
+    const std::string szRecord = kVirtual + SONITRA_CLI_PATH + " record " + dir.File("q.wav") +
+                                 " --max 1 --rate 8000 --channels 2 --voice -20";
+    const std::string szScript = szRecord + " > " + dir.File("q.log") + " 2>&1 & pid=$!; " +
+                                 "for i in $(seq 300); do [ -e " + dir.File("q.wav") +
+                                 " ] && break; sleep 0.05; done; sleep 0.3; kill -INT $pid; wait $pid";
+    ASSERT_EQ(RunCommand("bash -c '" + szScript + "'", &szOut), 0) << szOut;
     LSoundSourcePtr pRec = LAudioFile::OpenSource(dir.File("q.wav"));
     EXPECT_FALSE(pRec->IsError());
     EXPECT_EQ(pRec->GetLength(), 0);
