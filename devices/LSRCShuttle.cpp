@@ -121,6 +121,13 @@ void LSRCShuttle::NextHop()
     }
     fReadPos += SpeedAt(sHopStart) * nHop;
     nHopRead = 0;
+    Publish();
+}
+
+void LSRCShuttle::Publish()
+{
+    const double fClamped = std::clamp<double>(std::round(fReadPos), 0, sInputLength);
+    sPublishedInput.store(static_cast<int32_t>(fClamped), std::memory_order_relaxed);
 }
 
 void LSRCShuttle::SetPosition(int32_t sPosition)
@@ -163,5 +170,5 @@ void LSRCShuttle::Read(int32_t* pBuffer, int32_t nFrames)
 
 int32_t LSRCShuttle::GetInputPosition() const
 {
-    return static_cast<int32_t>(std::clamp<double>(std::lround(fReadPos), 0, sInputLength));
+    return sPublishedInput.load(std::memory_order_relaxed);
 }

@@ -9,6 +9,7 @@
 // length ends where the read point leaves the input (its end forwards, its start backwards).
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include "core/LSoundSourceBase.h"
@@ -23,7 +24,8 @@ public:
     int32_t GetLength() override { return sOutLength; }
     void SetPosition(int32_t sPosition) override;
 
-    // Where the read point is in the input (for a cursor that follows the shuttle).
+    // Where the read point is in the input (for a cursor that follows the shuttle); safe to ask
+    // from another thread than the one reading.
     int32_t GetInputPosition() const;
     int32_t GetGrainFrames() const { return nGrain; }
     static int32_t GrainFramesFor(int32_t nRate);
@@ -34,6 +36,7 @@ private:
     void Prime(double fPos);
     void ReadGrain(double fPos);
     void NextHop();
+    void Publish();
 
     LSoundSourcePtr pInput;
     double fSpeed0;
@@ -49,6 +52,8 @@ private:
     int32_t nHopRead = 0;  // frames of the current hop already delivered
     int32_t sOutPosition = 0;
     int32_t sOutLength = 0;
+
+    std::atomic<int32_t> sPublishedInput{0}; // fReadPos, rounded, for other threads
 
     std::vector<int32_t> vWindow; // rising half of the window, 8.24
     std::vector<int32_t> vGrain;
