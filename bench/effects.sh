@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Echo, reverb, high-pass, compressor, normalize and reverse on a 10-minute stereo file beside
+# Echo, reverb, high-pass, compressor, normalize, reverse and the equalizer on a 10-minute stereo file beside
 # the nearest sox effect (ratio of wall times; the goal is <= 1.0), then every streaming effect
 # and reverse on a 2-hour stereo document (peak resident memory; the goal is under 100 MB).
 # Usage: bench/effects.sh BUILD_DIR

@@ -13,13 +13,23 @@ public:
 
     int32_t GetSize() const { return nSize; }
     // Forward transform (e^-i); the inverse is unscaled: divide by the size yourself.
-    void Forward(std::complex<double>* pData) const { Transform(pData, false); }
-    void Inverse(std::complex<double>* pData) const { Transform(pData, true); }
+    void Forward(std::complex<double>* pData) const;
+    void Inverse(std::complex<double>* pData) const;
+
+    // The same pair with the bins left in bit-reversed order: a convolution that only multiplies
+    // bin by bin (with a filter transformed the same way) never needs them sorted.
+    void ForwardScrambled(std::complex<double>* pData) const;
+    void InverseScrambled(std::complex<double>* pData) const;
 
 private:
-    void Transform(std::complex<double>* pData, bool bInverse) const;
+    void Permute(std::complex<double>* pData) const;
+    void TimeStages(std::complex<double>* pData, const double* pTwiddles) const;
+    void FrequencyStages(std::complex<double>* pData, const double* pTwiddles) const;
 
     int32_t nSize;
-    std::vector<std::complex<double>> vTwiddle; // e^(-2 pi i k / n), k < n / 2
+    // The butterflies of half-width h read entries h..2h-1: e^(-+i pi k / h), k < h, as re/im
+    // pairs, so every stage walks its twiddles contiguously.
+    std::vector<double> vForward;
+    std::vector<double> vInverse;
     std::vector<int32_t> vReverse;
 };

@@ -13,13 +13,14 @@ namespace {
 
 using Complex = std::complex<double>;
 
-// Transform size: long enough for about 10 Hz of resolution at the file's rate.
+// Transform size: four times a filter long enough for about 10 Hz of resolution at the file's
+// rate, so that each transform yields three quarters of its length in new frames.
 int32_t TransformSize(int32_t nRate)
 {
     int32_t n = 8192;
     while (n < (1 << 16) && n * 5 < nRate)
         n *= 2;
-    return n;
+    return 2 * n;
 }
 
 int32_t ToSample(double f)
@@ -54,7 +55,7 @@ struct LSRCEq::Impl
 void LSRCEq::Impl::Design(const LPointList& points, int32_t nRate)
 {
     nSize = TransformSize(nRate);
-    nDelay = nSize / 4;
+    nDelay = nSize / 8;
     nHop = nSize - 2 * nDelay;
     fft = LFFT(nSize);
     // The curve sampled on every bin is the spectrum of a zero-phase filter ...
@@ -66,14 +67,14 @@ void LSRCEq::Impl::Design(const LPointList& points, int32_t nRate)
             vSpectrum[nSize - k] = fGain;
     }
     fft.Inverse(vSpectrum.data());
-    // ... whose impulse, cut to nSize / 2 + 1 taps with a Hann window and delayed to be causal,
+    // ... whose impulse, cut to nSize / 4 + 1 taps with a Hann window and delayed to be causal,
     // is what the blocks are convolved with.
     vFilter.assign(nSize, Complex());
     for (int32_t n = -nDelay; n <= nDelay; ++n) {
         const double fWindow = 0.5 + 0.5 * std::cos(M_PI * n / (nDelay + 1));
         vFilter[n + nDelay] = vSpectrum[(n + nSize) % nSize].real() / nSize * fWindow;
     }
-    fft.Forward(vFilter.data());
+    fft.ForwardScrambled(vFilter.data());
     for (Complex& c : vFilter)
         c /= nSize;
 }
@@ -106,12 +107,15 @@ void LSRCEq::Impl::Append(LSoundSourceBase* pIn, uint8_t nChans, int32_t nAt, in
 void LSRCEq::Impl::Filter()
 {
     vWork = vInput;
-    fft.Forward(vWork.data());
-    for (int32_t k = 0; k < nSize; ++k) {
-        const Complex a = vWork[k], b = vFilter[k];
-        vWork[k] = Complex(a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real());
+    fft.ForwardScrambled(vWork.data());
+    double* pWork = reinterpret_cast<double*>(vWork.data());
+    const double* pFilter = reinterpret_cast<const double*>(vFilter.data());
+    for (size_t k = 0; k < 2 * static_cast<size_t>(nSize); k += 2) {
+        const double ar = pWork[k], ai = pWork[k + 1], br = pFilter[k], bi = pFilter[k + 1];
+        pWork[k] = ar * br - ai * bi;
+        pWork[k + 1] = ar * bi + ai * br;
     }
-    fft.Inverse(vWork.data());
+    fft.InverseScrambled(vWork.data());
     nOutPos = 0;
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/LMemorySound.h"
+#include "dsp/LFFT.h"
 #include "dsp/LSRCEq.h"
 #include "dsp/LSRCHighPassIIR2.h"
 
@@ -127,4 +128,35 @@ TEST(Equalizer, RefusesMoreThanTwoChannels)
     std::vector<int32_t> vOut(300, 5);
     pEq->Read(vOut.data(), 100);
     EXPECT_EQ(vOut, std::vector<int32_t>(300, 0));
+}
+
+TEST(FFT, MatchesTheDirectTransformAndInvertsAtEverySize)
+{
+    for (int32_t n : {2, 4, 8, 64, 1024}) {
+        std::vector<std::complex<double>> v(n), vDirect(n);
+        for (int32_t i = 0; i < n; ++i)
+            v[i] = {std::sin(0.37 * i) + 0.25 * (i % 3), std::cos(1.3 * i * i)};
+        for (int32_t k = 0; k < n; ++k)
+            for (int32_t i = 0; i < n; ++i)
+                vDirect[k] += v[i] * std::polar(1.0, -2.0 * M_PI * k * i / n);
+        const std::vector<std::complex<double>> vIn = v;
+        LFFT fft(n);
+        fft.Forward(v.data());
+        for (int32_t k = 0; k < n; ++k)
+            ASSERT_LT(std::abs(v[k] - vDirect[k]), 1e-9 * n) << n << " bin " << k;
+        fft.Inverse(v.data());
+        for (int32_t i = 0; i < n; ++i)
+            ASSERT_LT(std::abs(v[i] / static_cast<double>(n) - vIn[i]), 1e-12 * n) << n << " at " << i;
+        // The scrambled pair holds the same bins in bit-reversed order, and undoes itself.
+        fft.ForwardScrambled(v.data());
+        for (int32_t k = 0; k < n; ++k) {
+            int32_t r = 0;
+            for (int32_t nBit = 1, nMirror = n / 2; nBit < n; nBit *= 2, nMirror /= 2)
+                r |= (k & nBit) ? nMirror : 0;
+            ASSERT_LT(std::abs(v[r] / static_cast<double>(n) - vDirect[k]), 1e-9 * n) << n << " bin " << k;
+        }
+        fft.InverseScrambled(v.data());
+        for (int32_t i = 0; i < n; ++i)
+            ASSERT_LT(std::abs(v[i] / static_cast<double>(n * n) - vIn[i]), 1e-12 * n) << n << " at " << i;
+    }
 }

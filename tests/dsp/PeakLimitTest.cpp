@@ -81,8 +81,9 @@ TEST(PeakLimit, NeverExceedsTheLimitOnLoudInputAndStaysAligned)
         ASSERT_LE(std::abs(vOut[i]), 0x7FFF0 + 4) << i;
         // Same sign and never louder than the input: the gain is applied to the same frame.
         ASSERT_LE(std::abs(vOut[i]), std::abs(v[i]) + 4) << i;
-        if (std::abs(v[i]) > 0x1000 && std::abs(vOut[i]) > 8)
+        if (std::abs(v[i]) > 0x1000 && std::abs(vOut[i]) > 8) {
             ASSERT_EQ(vOut[i] > 0, v[i] > 0) << i;
+        }
     }
     // The quiet channel of a loud stretch is turned down with it; outside the stretches the
     // gain comes back up to unity.
