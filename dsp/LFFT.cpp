@@ -53,53 +53,50 @@ void LFFT::Permute(std::complex<double>* pData) const
             std::swap(pData[i], pData[vReverse[i]]);
 }
 
+namespace {
+
 // Complex numbers are laid out as re/im pairs; plain doubles let the compiler keep the
 // butterflies in registers instead of going through the library's checked product.
+// Runs one stage: every pair (a, b) half a width apart, with the width's twiddle w.
+template <class Butterfly>
+void Stage(double* p, size_t n2, size_t h2, const double* w, Butterfly butterfly)
+{
+    for (size_t nStart = 0; nStart < n2; nStart += 2 * h2) {
+        double* a = p + nStart;
+        double* b = a + h2;
+        for (size_t k = 0; k < h2; k += 2)
+            butterfly(a + k, b + k, w + k);
+    }
+}
+
+} // namespace
+
 // Decimation in time: bit-reversed input, natural output, twiddle applied before the butterfly.
 void LFFT::TimeStages(std::complex<double>* pData, const double* pTwiddles) const
 {
-    double* p = reinterpret_cast<double*>(pData);
     const size_t n2 = 2 * static_cast<size_t>(nSize);
-    for (size_t h2 = 2; h2 < n2; h2 *= 2) { // h2: the half-width in doubles
-        const double* w = pTwiddles + h2;
-        for (size_t nStart = 0; nStart < n2; nStart += 2 * h2) {
-            double* a = p + nStart;
-            double* b = a + h2;
-            for (size_t k = 0; k < h2; k += 2) {
-                const double wr = w[k], wi = w[k + 1];
-                const double xr = b[k], xi = b[k + 1];
-                const double tr = wr * xr - wi * xi;
-                const double ti = wr * xi + wi * xr;
-                const double ur = a[k], ui = a[k + 1];
-                a[k] = ur + tr;
-                a[k + 1] = ui + ti;
-                b[k] = ur - tr;
-                b[k + 1] = ui - ti;
-            }
-        }
-    }
+    for (size_t h2 = 2; h2 < n2; h2 *= 2) // h2: the half-width in doubles
+        Stage(reinterpret_cast<double*>(pData), n2, h2, pTwiddles + h2, [](double* a, double* b, const double* w) {
+            const double tr = w[0] * b[0] - w[1] * b[1];
+            const double ti = w[0] * b[1] + w[1] * b[0];
+            const double ur = a[0], ui = a[1];
+            a[0] = ur + tr;
+            a[1] = ui + ti;
+            b[0] = ur - tr;
+            b[1] = ui - ti;
+        });
 }
 
 // Decimation in frequency: natural input, bit-reversed output, twiddle applied after.
 void LFFT::FrequencyStages(std::complex<double>* pData, const double* pTwiddles) const
 {
-    double* p = reinterpret_cast<double*>(pData);
     const size_t n2 = 2 * static_cast<size_t>(nSize);
-    for (size_t h2 = n2 / 2; h2 >= 2; h2 /= 2) {
-        const double* w = pTwiddles + h2;
-        for (size_t nStart = 0; nStart < n2; nStart += 2 * h2) {
-            double* a = p + nStart;
-            double* b = a + h2;
-            for (size_t k = 0; k < h2; k += 2) {
-                const double ur = a[k], ui = a[k + 1];
-                const double vr = b[k], vi = b[k + 1];
-                const double dr = ur - vr, di = ui - vi;
-                const double wr = w[k], wi = w[k + 1];
-                a[k] = ur + vr;
-                a[k + 1] = ui + vi;
-                b[k] = wr * dr - wi * di;
-                b[k + 1] = wr * di + wi * dr;
-            }
-        }
-    }
+    for (size_t h2 = n2 / 2; h2 >= 2; h2 /= 2)
+        Stage(reinterpret_cast<double*>(pData), n2, h2, pTwiddles + h2, [](double* a, double* b, const double* w) {
+            const double dr = a[0] - b[0], di = a[1] - b[1];
+            a[0] += b[0];
+            a[1] += b[1];
+            b[0] = w[0] * dr - w[1] * di;
+            b[1] = w[0] * di + w[1] * dr;
+        });
 }
