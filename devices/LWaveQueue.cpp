@@ -32,6 +32,7 @@ void LWaveQueue::ReturnFront()
     LWaveHeader* p = queue.front();
     queue.pop_front();
     nOffset = 0;
+    nCurrent = 0;
     bLoopStarted = false;
     p->ClearFlags(kWaveHdrInQueue);
     p->SetFlags(kWaveHdrDone);
@@ -50,6 +51,7 @@ void LWaveQueue::Reset()
         p->SetFlags(kWaveHdrDone);
     }
     nOffset = 0;
+    nCurrent = 0;
     bLoopStarted = false;
     bBreakLoop = false;
     if (bAny && pDone)
@@ -63,36 +65,60 @@ void LWaveQueue::Drop()
         p->ClearFlags(kWaveHdrInQueue);
     queue.clear();
     nOffset = 0;
+    nCurrent = 0;
+    bLoopStarted = false;
 }
 
 uint32_t LWaveQueue::Take(uint8_t* pOut, uint32_t nBytes)
 {
     std::lock_guard<std::mutex> lock(mtx);
     uint32_t nTaken = 0;
-    while (nTaken < nBytes && !queue.empty()) {
-        LWaveHeader* p = queue.front();
-        const uint32_t dwFlags = p->dwFlags.load();
-        const bool bLoop = (dwFlags & kWaveHdrBeginLoop) && (dwFlags & kWaveHdrEndLoop);
-        if (bLoop && !bLoopStarted) {
+    while (nTaken < nBytes && nCurrent < queue.size()) {
+        LWaveHeader* p = queue[nCurrent];
+        if (!bLoopStarted && nCurrent == 0 && (p->dwFlags.load() & kWaveHdrBeginLoop)) {
             bLoopStarted = true;
             nLoopsLeft = p->dwLoops;
+            nPassBytes = 0;
         }
         const uint32_t nChunk = std::min(nBytes - nTaken, p->nBufferLength - std::min(nOffset, p->nBufferLength));
         if (pOut && nChunk)
             std::memcpy(pOut + nTaken, p->pData + nOffset, nChunk);
         nTaken += nChunk;
         nOffset += nChunk;
+        nPassBytes += nChunk;
         if (nOffset < p->nBufferLength)
             break;
-        if (bLoop && nLoopsLeft > 1 && !bBreakLoop && p->nBufferLength > 0) {
-            --nLoopsLeft;
-            nOffset = 0;
-            continue;
-        }
-        bBreakLoop = false;
-        ReturnFront();
+        if (!EndOfBuffer(p))
+            break;
     }
     return nTaken;
+}
+
+// Called with the lock held when the current buffer has run out. False when playing must wait
+// for the rest of an unfinished loop to be queued.
+bool LWaveQueue::EndOfBuffer(LWaveHeader* p)
+{
+    nOffset = 0;
+    if (!bLoopStarted) {
+        ReturnFront();
+        return true;
+    }
+    if (!(p->dwFlags.load() & kWaveHdrEndLoop)) {
+        ++nCurrent;
+        return nCurrent < queue.size();
+    }
+    // A pass without a byte in it would spin forever.
+    if (nLoopsLeft > 1 && !bBreakLoop && nPassBytes > 0) {
+        --nLoopsLeft;
+        nPassBytes = 0;
+        nCurrent = 0;
+        return true;
+    }
+    const size_t nLoopBuffers = nCurrent + 1;
+    for (size_t i = 0; i < nLoopBuffers; ++i)
+        ReturnFront();
+    bBreakLoop = false;
+    return true;
 }
 
 void LWaveQueue::BreakLoop()
@@ -105,9 +131,9 @@ void LWaveQueue::BreakLoop()
 uint32_t LWaveQueue::BytesToNextReturn()
 {
     std::lock_guard<std::mutex> lock(mtx);
-    if (queue.empty())
+    if (nCurrent >= queue.size())
         return 0;
-    const uint32_t nLength = queue.front()->nBufferLength;
+    const uint32_t nLength = queue[nCurrent]->nBufferLength;
     return nLength > nOffset ? nLength - nOffset : 0;
 }
 

@@ -26,10 +26,12 @@ public:
     void Drop();
 
     // Playing: copies up to nBytes of queued audio into pOut (null: nowhere) and hands back
-    // each buffer that runs out, looping where the flags say. Returns the bytes taken.
+    // each buffer that runs out, looping where the flags say. A loop runs from the buffer
+    // flagged begin-loop (whose loop count it takes) to the one flagged end-loop, possibly the
+    // same; its buffers come back together once its last pass ends. Returns the bytes taken.
     uint32_t Take(uint8_t* pOut, uint32_t nBytes);
     void BreakLoop();
-    // Bytes left before the front buffer (or its current loop pass) runs out; 0 when empty.
+    // Bytes left before the buffer playing now (or its current loop pass) runs out; 0 when empty.
     uint32_t BytesToNextReturn();
 
     // Recording: stores nBytes (pIn null: silence) into queued buffers, handing back each that
@@ -40,11 +42,14 @@ public:
 
 private:
     void ReturnFront();
+    bool EndOfBuffer(LWaveHeader* p);
 
     std::mutex mtx;
     std::deque<LWaveHeader*> queue;
-    uint32_t nOffset = 0; // bytes of the front buffer already played or filled
+    uint32_t nOffset = 0; // bytes of the current buffer already played or filled
+    size_t nCurrent = 0;  // the buffer playing: beyond the front only inside a loop
     uint32_t nLoopsLeft = 0;
+    uint64_t nPassBytes = 0; // bytes played in the loop's current pass
     bool bLoopStarted = false;
     bool bBreakLoop = false;
     LSignalObject* pDone;
