@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "core/LFile.h"
+
 bool LMemorySettings::GetValue(const std::string& szSection, const std::string& szName, std::string& szValue)
 {
     std::lock_guard<std::mutex> lock(mtx);
@@ -77,4 +79,23 @@ void LSettings::SetInt(const std::string& szSection, const std::string& szName, 
 void LSettings::SetBool(const std::string& szSection, const std::string& szName, bool bValue)
 {
     Store().SetValue(szSection, szName, bValue ? "1" : "0");
+}
+
+std::string LSettings::DataFolder()
+{
+    std::string szFolder = GetString("Folders", "Current");
+    if (!szFolder.empty())
+        return szFolder;
+    const char* szConfig = std::getenv("XDG_CONFIG_HOME");
+    const char* szHome = std::getenv("HOME");
+    const std::string szBase = szConfig && *szConfig ? szConfig : std::string(szHome ? szHome : ".") + "/.config";
+    return szBase + "/Korvane/Sonitra/Current";
+}
+
+std::string LSettings::DataFilePath(const std::string& szName)
+{
+    std::string szPath;
+    if (!LFile::FilePathCat(szPath, DataFolder(), szName))
+        return std::string();
+    return szPath;
 }

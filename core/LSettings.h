@@ -44,4 +44,10 @@ public:
     static void SetString(const std::string& szSection, const std::string& szName, const std::string& szValue);
     static void SetInt(const std::string& szSection, const std::string& szName, int32_t nValue);
     static void SetBool(const std::string& szSection, const std::string& szName, bool bValue);
+
+    // The folder of the program's own data files (curves, key macros, remembered formats):
+    // "Folders"/"Current" when set, else "Current" under the user's configuration folder.
+    static std::string DataFolder();
+    // A file in it; empty when the path would be too long.
+    static std::string DataFilePath(const std::string& szName);
 };

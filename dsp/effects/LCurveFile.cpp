@@ -43,17 +43,7 @@ LPointList LCurveFile::DefaultEnvelope()
 
 std::string LCurveFile::PathOf(const std::string& szName)
 {
-    std::string szFolder = LSettings::GetString("Folders", "DataFolder");
-    if (szFolder.empty()) {
-        const char* szConfig = std::getenv("XDG_CONFIG_HOME");
-        const char* szHome = std::getenv("HOME");
-        const std::string szBase = szConfig && *szConfig ? szConfig : std::string(szHome ? szHome : ".") + "/.config";
-        szFolder = szBase + "/Korvane/Sonitra";
-    }
-    std::string szPath;
-    if (!LFile::FilePathCat(szPath, szFolder, szName))
-        return std::string();
-    return szPath;
+    return LSettings::DataFilePath(szName);
 }
 
 bool LCurveFile::Parse(const unsigned char* p, size_t nBytes, LPointList& list)

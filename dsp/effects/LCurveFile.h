@@ -19,7 +19,7 @@ public:
     // Level 100 % from start to end.
     static LPointList DefaultEnvelope();
 
-    // The data folder: "Folders"/"DataFolder" when set, else the user's configuration folder.
+    // In the program's data folder (LSettings::DataFolder).
     static std::string PathOf(const std::string& szName);
 
     // False, with the list untouched, when the file is missing, short or does not validate.

@@ -273,10 +273,12 @@ TEST_F(CutListProperty, RandomEditsAndUndoReadLikeThePlainArrayModel)
                 szWhat = "seed " + std::to_string(nSeed) + " ch " + std::to_string(nChans) + " step " +
                          std::to_string(i) + " " + szWhat;
                 ASSERT_NO_FATAL_FAILURE(run.Check(szWhat));
-                if (i % 8 == 0)
+                if (i % 8 == 0) {
                     ASSERT_NO_FATAL_FAILURE(run.CheckSeekingRead(szWhat));
-                if (i % 8 == 4)
+                }
+                if (i % 8 == 4) {
                     ASSERT_NO_FATAL_FAILURE(run.CheckRangeSource(szWhat));
+                }
             }
         }
     }

@@ -75,8 +75,8 @@ TEST(EffectCurveFile, SavesLoadsAndFallsBackOnDamage)
 
 TEST(EffectCurveFile, DataFolderSettingChoosesWhereCurvesLive)
 {
-    LSettings::SetString("Folders", "DataFolder", "/some/where");
+    LSettings::SetString("Folders", "Current", "/some/where");
     EXPECT_EQ(LCurveFile::PathOf("envelope.dat"), "/some/where/envelope.dat");
-    LSettings::Store().DeleteValue("Folders", "DataFolder");
-    EXPECT_NE(LCurveFile::PathOf("envelope.dat").find("Korvane/Sonitra/envelope.dat"), std::string::npos);
+    LSettings::Store().DeleteValue("Folders", "Current");
+    EXPECT_NE(LCurveFile::PathOf("envelope.dat").find("Korvane/Sonitra/Current/envelope.dat"), std::string::npos);
 }

@@ -109,7 +109,7 @@ private slots:
 
     void curveEditorAddsMovesRemovesAndKeepsTheFile()
     {
-        LSettings::SetString("Folders", "DataFolder", h->File("data").toStdString());
+        LSettings::SetString("Folders", "Current", h->File("data").toStdString());
         LCurveDlg dlg(nullptr, LCurveDlg::Envelope);
         dlg.resize(600, 400);
         dlg.show();
