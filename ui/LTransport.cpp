@@ -19,7 +19,10 @@
 
 namespace {
 const char* const kSettings = "Settings";
+const char* const kRecorder = "Recorder";
 constexpr int32_t kRampMs = 8000;
+constexpr int32_t kRecordSilenceMs = 2000;
+constexpr int8_t kNeverQuiet = -128; // a stop threshold no block falls below
 constexpr int kRewindVolume = -8;
 const char* const kPlayerDeviceText =
     "Please check that you have selected the correct sound player device using Settings. Open Settings using "
@@ -92,6 +95,20 @@ struct LTransport::Impl : public LSoundPlayerNotify, public LSoundRecorderNotify
     {
         if (nMode == ModeRecording)
             FinishRecording();
+    }
+
+    // Voice activation waits for the threshold before recording; auto-trim cuts silences
+    // longer than two seconds back and keeps at most 50 ms after the last sound on stop.
+    bool StartRecorder()
+    {
+        const int32_t nDevice = LSettings::GetInt(kRecorder, "Device", 0);
+        const int8_t nThreshold = static_cast<int8_t>(std::clamp(LSettings::GetInt(kRecorder, "Threshold", -24), -127, 0));
+        const bool bAutotrim = LSettings::GetBool(kRecorder, "Autotrim", false);
+        const int8_t nStop = bAutotrim ? nThreshold : kNeverQuiet;
+        const int32_t nSilenceMs = bAutotrim ? kRecordSilenceMs : 0;
+        if (LSettings::GetBool(kRecorder, "Vor", false))
+            return recorder.Restart(pWriter.Get(), nDevice, nThreshold, nStop, nSilenceMs, 0);
+        return recorder.Start(pWriter.Get(), nDevice, -127, nStop, nSilenceMs, 0);
     }
 
     int32_t Device() const { return LSettings::GetInt(kSettings, "SoundOutDevice", 0); }
@@ -336,8 +353,7 @@ void LTransport::Record()
     p->pWriter = new LSNKSegmentWriter(p->pRecordDoc.Get(), doc.GetSampleRate(), doc.GetChannels());
     p->pWindow = pWindow;
     p->nMode = ModeRecording;
-    const int32_t nDevice = LSettings::GetInt("Recorder", "Device", 0);
-    if (!p->recorder.Start(p->pWriter.Get(), nDevice, -127, -128, 0, 0)) {
+    if (!p->StartRecorder()) {
         p->nMode = ModeIdle;
         p->pWriter.Reset();
         p->pRecordDoc.Reset();

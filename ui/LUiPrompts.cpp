@@ -36,12 +36,15 @@ LUiPrompts::Answer LQtUiPrompts::Ask(QWidget* pParent, const QString& szCaption,
 
 void LQtUiPrompts::Inform(QWidget* pParent, const QString& szCaption, const QString& szText, Icon icon)
 {
+    // Messages break lines with carriage returns, which only some platforms' boxes honour.
+    QString szShown = szText;
+    szShown.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
     if (icon == IconInformation)
-        QMessageBox::information(pParent, szCaption, szText);
+        QMessageBox::information(pParent, szCaption, szShown);
     else if (icon == IconWarning)
-        QMessageBox::warning(pParent, szCaption, szText);
+        QMessageBox::warning(pParent, szCaption, szShown);
     else
-        QMessageBox::critical(pParent, szCaption, szText);
+        QMessageBox::critical(pParent, szCaption, szShown);
 }
 
 QStringList LQtUiPrompts::GetOpenFileNames(QWidget* pParent, const QString& szTitle, const QString& szFolder,

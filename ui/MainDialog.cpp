@@ -200,6 +200,8 @@ bool MainDialog::IsCommandEnabled(int nId) const
     case CmSaveAsId:
     case CmCloseAllId:
         return bFile && !bBusy;
+    case CmSettingsId:
+        return !bBusy && !pTransport->IsPlaying();
     case CmUndoId:
         return bFile && !bBusy && pWindow->GetFile().IsUndoAvailable();
     case CmCutId:

@@ -103,6 +103,7 @@ private:
     void CmSave();
     void CmSaveAs();
     void CmExit();
+    void CmSetting();
     void CmRecent(int nIndex);
     bool CloseAllFiles();
 

@@ -21,6 +21,7 @@
 #include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
 #include "ui/NewWavDlg.h"
+#include "ui/settings/LSettingsDlg.h"
 
 namespace {
 const char* const kFolders = "Folders";
@@ -100,6 +101,7 @@ bool MainDialog::CmFile(int nId)
     case CmSaveAsId: CmSaveAs(); return true;
     case CmExitId: CmExit(); return true;
     case CmCloseAllId: CloseAllFiles(); return true;
+    case CmSettingsId: CmSetting(); return true;
     default: return false;
     }
 }
@@ -324,6 +326,19 @@ void MainDialog::CmRecent(int nIndex)
 
 void MainDialog::CmExit()
 {
+    close();
+}
+
+void MainDialog::CmSetting()
+{
+    LSettingsDlg dlg(this);
+    if (dlg.exec() != QDialog::Accepted || !dlg.WorkingFolderChanged())
+        return;
+    // The segments of the open files live in the old folder: the change takes a fresh start.
+    LUiPrompts::Get().Inform(this, "Shut Down Required",
+                             "Sonitra will now close because you changed the audio working folder.\r\r"
+                             "Please re-run Sonitra to start with the new folders.",
+                             LUiPrompts::IconInformation);
     close();
 }
 

@@ -48,9 +48,7 @@ bool NewWavDlg::ParseSampleRate(const QString& szText, int32_t& nOut)
 void NewWavDlg::accept()
 {
     if (!ParseSampleRate(pRate->currentText(), nRate)) {
-        LUiPrompts::Get().Inform(this, "Sonitra",
-                                 "Sample rates must be between 6000 and 96000 samples per second.",
-                                 LUiPrompts::IconWarning);
+        LUiPrompts::Get().Inform(this, "Sonitra", kSampleRateMessage, LUiPrompts::IconWarning);
         return;
     }
     nChannels = pMono->isChecked() ? 1 : 2;

@@ -14,6 +14,7 @@ class NewWavDlg : public QDialog
 public:
     static constexpr int32_t kMinSampleRate = 6000;
     static constexpr int32_t kMaxSampleRate = 96000;
+    static constexpr const char* kSampleRateMessage = "Sample rates must be between 6000 and 96000 samples per second.";
 
     NewWavDlg(QWidget* pParent, int32_t nSampleRate, int nChans);
     int32_t GetSampleRate() const { return nRate; }

@@ -104,6 +104,19 @@ private slots:
         QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 0);
     }
 
+    void voiceActivatedRecordingKeepsNothingOfSilence()
+    {
+        LSettings::SetInt("Settings", "DefaultSampleRate", 8000);
+        LSettings::SetBool("Recorder", "Vor", true);
+        LSettings::SetInt("Recorder", "Threshold", -30);
+        QSignalSpy spy(&frame->GetTransport(), &LTransport::PositionChanged);
+        QVERIFY(frame->Command(CmRecordId));
+        QVERIFY(frame->GetTransport().IsRecording());
+        QTRY_VERIFY(spy.count() >= 2); // the virtual device records silence
+        QVERIFY(frame->Command(CmStopId));
+        QCOMPARE(frame->GetCurrentFileWindow()->GetFile().GetDocument().GetLength(), 0);
+    }
+
     void rewindsWhileHeld()
     {
         LEdFileWindow* pWindow = OpenRamp(80000);

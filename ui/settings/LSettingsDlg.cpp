@@ -1,0 +1,40 @@
+#include "ui/settings/LSettingsDlg.h"
+
+#include <QDialogButtonBox>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "ui/settings/LDevicesPage.h"
+#include "ui/settings/LFoldersPage.h"
+#include "ui/settings/LGeneralPage.h"
+#include "ui/settings/LRecorderPage.h"
+
+LSettingsDlg::LSettingsDlg(QWidget* pParent) : QDialog(pParent)
+{
+    setWindowTitle(tr("Settings"));
+    setObjectName("SettingsDlg");
+    pTabs = new QTabWidget(this);
+    pFolders = new LFoldersPage(pTabs);
+    vPages = {new LGeneralPage(pTabs), new LDevicesPage(pTabs), new LRecorderPage(pTabs), pFolders};
+    for (LSettingsPage* p : vPages)
+        pTabs->addTab(p, p->Title());
+    auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    connect(pButtons, &QDialogButtonBox::accepted, this, &LSettingsDlg::accept);
+    connect(pButtons, &QDialogButtonBox::rejected, this, &LSettingsDlg::reject);
+    auto* pLayout = new QVBoxLayout(this);
+    pLayout->addWidget(pTabs);
+    pLayout->addWidget(pButtons);
+}
+
+void LSettingsDlg::accept()
+{
+    for (LSettingsPage* p : vPages)
+        if (!p->Validate()) {
+            pTabs->setCurrentWidget(p);
+            return;
+        }
+    bFolderChanged = pFolders->WorkingFolderChanged();
+    for (LSettingsPage* p : vPages)
+        p->Save();
+    QDialog::accept();
+}
