@@ -189,6 +189,7 @@ bool MainDialog::IsCommandEnabled(int nId) const
     case CmNewId:
     case CmOpenId:
     case CmExitId:
+    case CmHelpId:
     case CmAboutId:
     case CmCascadeId:
     case CmTileHorizontalId:

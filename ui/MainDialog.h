@@ -14,6 +14,7 @@
 #include "ui/LRecentFiles.h"
 
 class LEdFile;
+class QDialog;
 class LEdFileWindow;
 class LQtProgressHostFactory;
 class LTimeFields;
@@ -165,6 +166,7 @@ private:
     QLabel* pStatusFormat = nullptr;
     std::unique_ptr<LTransport> pTransport;
     std::unique_ptr<LQtProgressHostFactory> pProgressFactory;
+    QDialog* pHelp = nullptr; // a child of the frame, made when first asked for
     LRecentFiles recent;
     LCutListAudioPtr pClipboard;
     int nUntitled = 0;

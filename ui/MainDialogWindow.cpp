@@ -8,6 +8,7 @@
 #include "core/LEdFile.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
+#include "ui/LHelpDlg.h"
 #include "ui/LTimeFields.h"
 #include "ui/LTransport.h"
 #include "ui/MainDialog.h"
@@ -35,7 +36,14 @@ bool MainDialog::CmWindow(int nId)
         return true;
     }
     case CmArrangeIconsId: pMdi->tileSubWindows(); return true;
-    case CmHelpId: return true;
+    case CmHelpId: {
+        // Modeless, and one at a time: it can stay open beside the files.
+        if (!pHelp)
+            pHelp = new LHelpDlg(this, menuBar());
+        pHelp->show();
+        pHelp->raise();
+        return true;
+    }
     case CmAboutId:
         QMessageBox::about(this, "About Sonitra", "Sonitra v 1.10\n\nA sound editor.");
         return true;

@@ -2,6 +2,7 @@
 // the recent list, the new-file rule and the second-start channel.
 #include <QAction>
 #include <QFile>
+#include <QMenuBar>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -13,6 +14,7 @@
 #include "formats/LAudioFile.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
+#include "ui/LHelpDlg.h"
 #include "ui/LInstanceChannel.h"
 #include "ui/MainDialog.h"
 #include "ui/NewWavDlg.h"
@@ -246,6 +248,21 @@ private slots:
         QVERIFY(bSent);
         QCOMPARE(spy.front().front().toStringList(), QStringList({"/x/a.wav", "/y/b c.wav"}));
         QVERIFY(!LInstanceChannel::SendToRunning(h->File("nobody"), {}, 200));
+    }
+
+    void helpListsEveryCommandWithItsKeysAndHint()
+    {
+        QVERIFY(frame->GetAction(CmHelpId)->isEnabled());
+        QVERIFY(frame->Command(CmHelpId));
+        auto* pHelp = frame->findChild<LHelpDlg*>();
+        QVERIFY(pHelp && pHelp->isVisible());
+        const QString szHtml = LHelpDlg::Html(frame->menuBar());
+        QVERIFY(szHtml.contains("<tr><td>Trim</td><td>Ctrl+T</td><td>The selected region becomes the entire file.</td></tr>"));
+        QVERIFY(szHtml.contains("<h3>Effects</h3>"));
+        QVERIFY(szHtml.contains("<tr><td>Mono</td>")); // inside a submenu
+        // Asking again brings the same window forward.
+        QVERIFY(frame->Command(CmHelpId));
+        QCOMPARE(frame->findChildren<LHelpDlg*>().size(), 1);
     }
 };
 
