@@ -44,42 +44,22 @@ bool UsageError(const std::string& szText)
     return false;
 }
 
-bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
+bool TakeOption(const std::string& szName, const std::string& szValue, Options& opt)
 {
-    std::vector<std::string> vFiles;
-    for (size_t i = 0; i < vArgs.size(); ++i) {
-        const std::string& s = vArgs[i];
-        if (s.size() < 2 || s[0] != '-') {
-            vFiles.push_back(s);
-            continue;
-        }
-        if (i + 1 >= vArgs.size())
-            return UsageError(s + " needs a value");
-        const std::string& szValue = vArgs[++i];
-        if (s == "--device") {
-            char* pEnd = nullptr;
-            const long n = std::strtol(szValue.c_str(), &pEnd, 10);
-            if (szValue.empty() || *pEnd != '\0' || n < 0 || n > 999)
-                return UsageError("--device takes a device number (0 the default)");
-            opt.nDevice = static_cast<int32_t>(n);
-        } else if (s == "--from") {
-            if (!LCliParseTime(szValue, opt.nFromMs))
-                return UsageError("--from takes a time such as 90, 1.5s or 1:30");
-        } else {
-            return UsageError("unknown option '" + s + "'");
-        }
-    }
-    if (vFiles.size() != 1)
-        return UsageError("needs exactly one file to play");
-    opt.szFile = vFiles[0];
-    return true;
+    if (szName == "--device")
+        return LCliParseInt(szValue, 0, 999, opt.nDevice) ||
+               UsageError("--device takes a device number (0 the default)");
+    if (szName == "--from")
+        return LCliParseTime(szValue, opt.nFromMs) || UsageError("--from takes a time such as 90, 1.5s or 1:30");
+    return UsageError("unknown option '" + szName + "'");
 }
 
-// A meter of 20 cells over -60..0 dB.
-std::string Bar(int nDb)
+bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
 {
-    const int nCells = std::max(0, std::min(20, (nDb + 60) / 3));
-    return std::string(nCells, '#') + std::string(20 - nCells, '.');
+    const auto take = [&opt](const std::string& szName, const std::string& szValue) {
+        return TakeOption(szName, szValue, opt);
+    };
+    return LCliReadOptions(vArgs, opt.szFile, take, UsageError, "needs exactly one file to play");
 }
 
 class PlayView : public LSoundPlayerNotify
@@ -115,7 +95,7 @@ private:
         std::string szMeters;
         for (uint8_t c = 0; c < levels.nChans && c < 2; ++c)
             szMeters += std::string("  ") + (levels.nChans == 1 ? "M" : c == 0 ? "L" : "R") + " [" +
-                        Bar(levels.nLevel[c]) + "]";
+                        LCliMeter(levels.nLevel[c], -60) + "]";
         std::fprintf(stderr, "\r\033[K%s / %s%s", LSoundTime(nPositionMs).FormatTenths().c_str(), szLength.c_str(),
                      szMeters.c_str());
         std::fflush(stderr);

@@ -51,59 +51,30 @@ bool UsageError(const std::string& szText)
     return false;
 }
 
-bool ParseInt(const std::string& szText, long nMin, long nMax, int32_t& nValue)
-{
-    char* pEnd = nullptr;
-    const long n = std::strtol(szText.c_str(), &pEnd, 10);
-    if (szText.empty() || *pEnd != '\0' || n < nMin || n > nMax)
-        return false;
-    nValue = static_cast<int32_t>(n);
-    return true;
-}
-
 bool TakeOption(const std::string& szName, const std::string& szValue, Options& opt)
 {
     if (szName == "--device")
-        return ParseInt(szValue, 0, 999, opt.nDevice) || UsageError("--device takes a device number (0 the default)");
+        return LCliParseInt(szValue, 0, 999, opt.nDevice) || UsageError("--device takes a device number (0 the default)");
     if (szName == "--rate")
-        return ParseInt(szValue, 1000, 196000, opt.nRate) || UsageError("--rate takes 1000 to 196000 Hz");
+        return LCliParseInt(szValue, 1000, 196000, opt.nRate) || UsageError("--rate takes 1000 to 196000 Hz");
     if (szName == "--channels")
-        return ParseInt(szValue, 1, 2, opt.nChans) || UsageError("--channels takes 1 or 2");
+        return LCliParseInt(szValue, 1, 2, opt.nChans) || UsageError("--channels takes 1 or 2");
     if (szName == "--max")
         return (LCliParseTime(szValue, opt.nMaxMs) && opt.nMaxMs > 0) ||
                UsageError("--max takes a time such as 90, 1.5s or 1:30");
     if (szName == "--voice") {
         opt.bVoice = true;
-        return ParseInt(szValue, -127, 12, opt.nThreshold) || UsageError("--voice takes a level from -127 to 12 dB");
+        return LCliParseInt(szValue, -127, 12, opt.nThreshold) || UsageError("--voice takes a level from -127 to 12 dB");
     }
     return UsageError("unknown option '" + szName + "'");
 }
 
 bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
 {
-    std::vector<std::string> vFiles;
-    for (size_t i = 0; i < vArgs.size(); ++i) {
-        const std::string& s = vArgs[i];
-        if (s.size() < 2 || s[0] != '-' || s[1] != '-') {
-            vFiles.push_back(s);
-            continue;
-        }
-        if (i + 1 >= vArgs.size())
-            return UsageError(s + " needs a value");
-        if (!TakeOption(s, vArgs[++i], opt))
-            return false;
-    }
-    if (vFiles.size() != 1)
-        return UsageError("needs exactly one output file");
-    opt.szFile = vFiles[0];
-    return true;
-}
-
-std::string Bar(int nDb)
-{
-    // Peak levels: -48..+12 dB over 20 cells.
-    const int nCells = std::max(0, std::min(20, (nDb + 48) / 3));
-    return std::string(nCells, '#') + std::string(20 - nCells, '.');
+    const auto take = [&opt](const std::string& szName, const std::string& szValue) {
+        return TakeOption(szName, szValue, opt);
+    };
+    return LCliReadOptions(vArgs, opt.szFile, take, UsageError, "needs exactly one output file");
 }
 
 class RecordView : public LSoundRecorderNotify
@@ -122,7 +93,7 @@ public:
         std::string szMeters;
         for (uint8_t c = 0; c < levels.nChans && c < 2; ++c)
             szMeters += std::string("  ") + (levels.nChans == 1 ? "M" : c == 0 ? "L" : "R") + " [" +
-                        Bar(levels.nLevel[c]) + "]";
+                        LCliMeter(levels.nLevel[c], -48) + "]";
         std::fprintf(stderr, "\r\033[K%s %s%s", szState, LSoundTime(nTimeMs).FormatTenths().c_str(),
                      szMeters.c_str());
         std::fflush(stderr);
