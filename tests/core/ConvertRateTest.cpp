@@ -19,7 +19,7 @@ std::vector<int32_t> Sine(int32_t nRate, int32_t nFrames, double fHz, uint8_t nC
     return v;
 }
 
-std::vector<int32_t> ReadAll(LSoundSourceBase* p)
+std::vector<int32_t> ReadDoc(LSoundSourceBase* p)
 {
     std::vector<int32_t> v(static_cast<size_t>(p->GetLength()) * p->GetChannels());
     p->Read(v.data(), p->GetLength());
@@ -39,7 +39,7 @@ Response Convert(int32_t nInRate, int32_t nOutRate, double fHz)
     LSoundSourcePtr pSrc(new LSRCMemory(Sine(nInRate, 2 * nInRate, fHz), nInRate, 1));
     LSoundSourcePtr pOut = LPRSourceToSink::Adapt(pSrc.Get(), nOutRate, 1);
     EXPECT_EQ(pOut->GetSampleRate(), nOutRate);
-    const std::vector<int32_t> v = ReadAll(pOut.Get());
+    const std::vector<int32_t> v = ReadDoc(pOut.Get());
     const size_t nFrom = v.size() / 10, nTo = v.size() - v.size() / 10;
     double fI = 0, fQ = 0, fSquares = 0;
     for (size_t i = nFrom; i < nTo; ++i) {
@@ -95,7 +95,7 @@ TEST(ConvertRate, SeekingGivesTheSameFramesAsReadingThrough)
 {
     LSoundSourcePtr pSrc(new LSRCMemory(Sine(22050, 30000, 777, 2), 22050, 2));
     LSoundSourcePtr pConv(new LSRCConvertRate(pSrc.Get(), 32000));
-    const std::vector<int32_t> vAll = ReadAll(pConv.Get());
+    const std::vector<int32_t> vAll = ReadDoc(pConv.Get());
     for (int32_t sAt : {0, 1, 5000, 12345, 40000}) {
         pConv->SetPosition(sAt);
         EXPECT_EQ(pConv->GetPosition(), sAt);

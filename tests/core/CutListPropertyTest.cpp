@@ -183,7 +183,7 @@ public:
     {
         const LCutListAudio& doc = file.GetDocument();
         ASSERT_EQ(doc.GetLength(), model.Len()) << szWhat;
-        ASSERT_EQ(ReadAll(doc), model.Output()) << szWhat;
+        ASSERT_EQ(ReadDoc(doc), model.Output()) << szWhat;
         ASSERT_EQ(file.GetUndoLevels(), static_cast<int>(undo.size())) << szWhat;
     }
 

@@ -23,12 +23,12 @@ TEST_F(CutList, CopyPadsARangeOutsideTheAudioWithSilence)
     std::vector<int32_t> vWant(100, 0);
     for (int i = 0; i < 50; ++i)
         vWant.push_back(vIn[i]);
-    EXPECT_EQ(ReadAll(clip), vWant);
+    EXPECT_EQ(ReadDoc(clip), vWant);
 
     pDoc->EfCopy(990, 1010, clip);
     vWant = Slice(vIn, 990, 1000);
     vWant.resize(20, 0);
-    EXPECT_EQ(ReadAll(clip), vWant);
+    EXPECT_EQ(ReadDoc(clip), vWant);
 }
 
 TEST_F(CutList, DeleteInsideOneCutSplitsItAndTakesAReference)
@@ -45,7 +45,7 @@ TEST_F(CutList, DeleteInsideOneCutSplitsItAndTakesAReference)
     auto vWant = Slice(vIn, 0, 400);
     auto vTail = Slice(vIn, 600, 2000);
     vWant.insert(vWant.end(), vTail.begin(), vTail.end());
-    EXPECT_EQ(ReadAll(*pDoc), vWant);
+    EXPECT_EQ(ReadDoc(*pDoc), vWant);
 
     pDoc->EfDelete(0, 5000);
     EXPECT_EQ(pDoc->GetLength(), 0);
@@ -59,7 +59,7 @@ TEST_F(CutList, AmplifyDividesBeforeMultiplyingAndKeepsSaturatedGains)
     LCutListAudioPtr pDoc = MakeDoc({0x7FFF0, -0x7FFF0, 12345, -1}, 1);
     pDoc->EfAmplifyAll(200);
     EXPECT_EQ(pDoc->GetCuts().First()->nGain, 0x1FFFFE0) << "16777216 / 100 = 167772, times 200";
-    EXPECT_EQ(ReadAll(*pDoc), (std::vector<int32_t>{LMulGain824(0x7FFF0, 0x1FFFFE0), LMulGain824(-0x7FFF0, 0x1FFFFE0),
+    EXPECT_EQ(ReadDoc(*pDoc), (std::vector<int32_t>{LMulGain824(0x7FFF0, 0x1FFFFE0), LMulGain824(-0x7FFF0, 0x1FFFFE0),
                                                     LMulGain824(12345, 0x1FFFFE0), LMulGain824(-1, 0x1FFFFE0)}));
     EXPECT_EQ(LMulGain824(0x10000, 0x1FFFFE0), 0x1FFFF) << "the low halves' product is left out";
 
@@ -74,7 +74,7 @@ TEST_F(CutList, AmplifyDividesBeforeMultiplyingAndKeepsSaturatedGains)
     LCutListAudioPtr pQuiet = MakeDoc(Ramp(10), 1);
     pQuiet->EfAmplify(2, 5, 0);
     EXPECT_EQ(pQuiet->GetLength(), 10) << "percent 0 silences without removing";
-    EXPECT_EQ(ReadAll(*pQuiet), (std::vector<int32_t>{1, 2, 0, 0, 0, 6, 7, 8, 9, 10}));
+    EXPECT_EQ(ReadDoc(*pQuiet), (std::vector<int32_t>{1, 2, 0, 0, 0, 6, 7, 8, 9, 10}));
     pQuiet->EfAmplify(5, 2, 200);
     pQuiet->EfAmplify(0, 10, 100);
     EXPECT_EQ(pQuiet->GetCutCount(), 3u) << "a reversed range or 100 percent changes nothing";
@@ -98,14 +98,14 @@ TEST_F(CutList, SilencePadsGapsAndNegativePositions)
     pSmall->InsertSilence(-5, 4);
     EXPECT_EQ(pSmall->GetLength(), 3) << "silence wholly before 0 is dropped";
     pSmall->InsertSilence(-2, 4);
-    EXPECT_EQ(ReadAll(*pSmall), (std::vector<int32_t>{0, 0, 1, 2, 3}));
+    EXPECT_EQ(ReadDoc(*pSmall), (std::vector<int32_t>{0, 0, 1, 2, 3}));
 
     LCutListAudioPtr pClip = MakeDoc({7, 8}, 1);
     pSmall->Insert(-3, *pClip);
-    EXPECT_EQ(ReadAll(*pSmall), (std::vector<int32_t>{7, 8, 0, 0, 0, 0, 0, 1, 2, 3}))
+    EXPECT_EQ(ReadDoc(*pSmall), (std::vector<int32_t>{7, 8, 0, 0, 0, 0, 0, 1, 2, 3}))
         << "at a negative position the insert comes first, then the gap";
     pSmall->Insert(12, *pClip);
-    EXPECT_EQ(ReadAll(*pSmall), (std::vector<int32_t>{7, 8, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 7, 8}));
+    EXPECT_EQ(ReadDoc(*pSmall), (std::vector<int32_t>{7, 8, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 7, 8}));
     pSmall->Insert(1, *pSmall);
     EXPECT_EQ(pSmall->GetLength(), 28) << "a document inserted into itself";
 
@@ -117,8 +117,8 @@ TEST_F(CutList, SilencePadsGapsAndNegativePositions)
     EXPECT_EQ(pClip->OpenSource(3, 2)->GetLength(), 0);
 
     pClip->Repeat(0, 2, 3);
-    EXPECT_EQ(ReadAll(*pClip), (std::vector<int32_t>{7, 8, 7, 8, 7, 8, 7, 8}));
+    EXPECT_EQ(ReadDoc(*pClip), (std::vector<int32_t>{7, 8, 7, 8, 7, 8, 7, 8}));
     pClip->CropStart(6);
     pClip->CropEnd(1);
-    EXPECT_EQ(ReadAll(*pClip), (std::vector<int32_t>{7}));
+    EXPECT_EQ(ReadDoc(*pClip), (std::vector<int32_t>{7}));
 }

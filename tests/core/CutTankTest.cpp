@@ -125,7 +125,7 @@ TEST_F(CutTank, WriterOverviewMatchesADirectComputationForAnyBlocking)
         EXPECT_EQ(pDoc->GetChannels(), nChans);
         EXPECT_EQ(pDoc->GetSampleRate(), 8000);
         ASSERT_EQ(OverviewOf(*pDoc), DirectOverview(v, nChans)) << "round " << nRound;
-        EXPECT_EQ(ReadAll(*pDoc), v);
+        EXPECT_EQ(ReadDoc(*pDoc), v);
     }
 }
 
@@ -151,7 +151,7 @@ TEST_F(CutTank, OverviewRecordsCoverTheRemainderAndNegativeOnlyAudio)
     EXPECT_EQ(OverviewOf(*pTrimmed), (std::vector<uint8_t>{1, 0}));
     std::vector<int32_t> vWant(100, 0x7FFF0);
     vWant.resize(110, 0x800);
-    EXPECT_EQ(ReadAll(*pTrimmed), vWant);
+    EXPECT_EQ(ReadDoc(*pTrimmed), vWant);
 }
 
 TEST_F(CutTank, CancelledLoadKeepsWhatWasReadAndFailedLoadTakesNothing)
@@ -165,7 +165,7 @@ TEST_F(CutTank, CancelledLoadKeepsWhatWasReadAndFailedLoadTakesNothing)
     ASSERT_EQ(pDoc->GetLength(), 2 * 8192);
     EXPECT_EQ(pDoc->GetSampleRate(), 22050);
     vIn.resize(2 * 2 * 8192);
-    EXPECT_EQ(ReadAll(*pDoc), vIn);
+    EXPECT_EQ(ReadDoc(*pDoc), vIn);
     EXPECT_EQ(LAudioCutTank::Instance().CountUsedRefs(), 1);
 
     LSoundSourcePtr pBroken(new LSRCSilence);

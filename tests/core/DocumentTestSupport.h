@@ -8,11 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "core/LAudioCutTank.h"
-#include "core/LCutListAudio.h"
-#include "core/LSNKSegmentWriter.h"
-#include "core/LSettings.h"
-#include "support/TestSupport.h"
+#include "support/DocSupport.h"
 
 namespace doctest {
 
@@ -33,13 +29,7 @@ class DocumentTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        // Chosen once, before the tank's first use; the folder lives until the program ends.
-        static testsupport::TempDir* pDir = [] {
-            auto* p = new testsupport::TempDir;
-            LSettings::SetString("Folders", "WorkingFolder", p->Path());
-            return p;
-        }();
-        (void)pDir;
+        testsupport::UsePrivateTankFolder();
         ASSERT_EQ(LAudioCutTank::Instance().CountUsedRefs(), 0);
     }
     void TearDown() override
@@ -49,34 +39,9 @@ protected:
     }
 };
 
-// A heap document holding one new segment with these samples.
-inline LCutListAudioPtr MakeDoc(const std::vector<int32_t>& vSamples, uint8_t nChans, int32_t nRate = 44100)
-{
-    LCutListAudioPtr pDoc(new LCutListAudio);
-    LSoundSinkPtr pWriter(new LSNKSegmentWriter(pDoc.Get(), nRate, nChans));
-    pWriter->Write(vSamples.data(), static_cast<int32_t>(vSamples.size() / nChans));
-    return pDoc;
-}
-
-// The whole document read through its source in one go.
-inline std::vector<int32_t> ReadAll(const LCutListAudio& doc)
-{
-    LSoundSourcePtr pSrc = doc.OpenSource();
-    std::vector<int32_t> v(static_cast<size_t>(pSrc->GetLength()) * doc.GetChannels());
-    pSrc->Read(v.data(), pSrc->GetLength());
-    return v;
-}
-
-// "ref/offset/length/gain" per cut, space separated.
-inline std::string DescribeCuts(const LCutListAudio& doc)
-{
-    std::string sz;
-    doc.GetCuts().ForEach([&](const LAudioCut& c) {
-        sz += (sz.empty() ? "" : " ") + std::to_string(c.nRef) + "/" + std::to_string(c.sOffset) + "/" +
-              std::to_string(c.sLength) + "/" + std::to_string(c.nGain);
-    });
-    return sz;
-}
+using testsupport::DescribeCuts;
+using testsupport::MakeDoc;
+using testsupport::ReadDoc;
 
 inline std::vector<int32_t> Ramp(int nSamples, int32_t nFirst = 1, int32_t nStep = 1)
 {

@@ -49,7 +49,7 @@ TEST_F(EdFile, UndoAfterSaveAndEditLeavesTheFileUnmodified)
     file.Undo();
     EXPECT_FALSE(file.IsModified()) << "as it was when opened";
     EXPECT_EQ(file.GetUndoMenuText(), "Undo \tCtrl+Z");
-    EXPECT_EQ(ReadAll(file.GetDocument()), Ramp(10));
+    EXPECT_EQ(ReadDoc(file.GetDocument()), Ramp(10));
 }
 
 TEST_F(EdFile, EndModifyMovesTheCursorAndAsksForPlaybackWhenSet)

@@ -9,11 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/LAudioCutTank.h"
-#include "core/LCutListAudio.h"
-#include "core/LSNKSegmentWriter.h"
-#include "core/LSettings.h"
-#include "support/TestSupport.h"
+#include "support/DocSupport.h"
 #include "work/LProgressDialog.h"
 
 namespace efftest {
@@ -23,13 +19,7 @@ class EffectDocTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        // Chosen once, before the tank's first use.
-        static testsupport::TempDir* pDir = [] {
-            auto* p = new testsupport::TempDir;
-            LSettings::SetString("Folders", "WorkingFolder", p->Path());
-            return p;
-        }();
-        (void)pDir;
+        testsupport::UsePrivateTankFolder();
         nRefsBefore = LAudioCutTank::Instance().CountUsedRefs();
     }
     void TearDown() override
@@ -39,31 +29,9 @@ protected:
     int32_t nRefsBefore = 0;
 };
 
-inline LCutListAudioPtr MakeDoc(const std::vector<int32_t>& vSamples, uint8_t nChans, int32_t nRate = 44100)
-{
-    LCutListAudioPtr pDoc(new LCutListAudio(nRate, nChans));
-    LSoundSinkPtr pWriter(new LSNKSegmentWriter(pDoc.Get(), nRate, nChans));
-    pWriter->Write(vSamples.data(), static_cast<int32_t>(vSamples.size() / nChans));
-    return pDoc;
-}
-
-inline std::vector<int32_t> ReadDoc(const LCutListAudio& doc)
-{
-    LSoundSourcePtr pSrc = doc.OpenSource();
-    std::vector<int32_t> v(static_cast<size_t>(pSrc->GetLength()) * doc.GetChannels());
-    pSrc->Read(v.data(), pSrc->GetLength());
-    return v;
-}
-
-inline std::string DescribeCuts(const LCutListAudio& doc)
-{
-    std::string sz;
-    doc.GetCuts().ForEach([&](const LAudioCut& c) {
-        sz += (sz.empty() ? "" : " ") + std::to_string(c.nRef) + "/" + std::to_string(c.sOffset) + "/" +
-              std::to_string(c.sLength) + "/" + std::to_string(c.nGain);
-    });
-    return sz;
-}
+using testsupport::DescribeCuts;
+using testsupport::MakeDoc;
+using testsupport::ReadDoc;
 
 // What the dialogs of a factory were shown; it outlives the dialogs.
 struct ShownText
