@@ -34,39 +34,15 @@ void Type(LEffectSettingsDlg& dlg, const char* szKey, const QString& sz)
 }
 } // namespace
 
-class EffectMenuTest : public QObject
+class EffectMenuTest : public QObject, public FrameFixture
 {
     Q_OBJECT
 private:
-    std::unique_ptr<Harness> h;
-    std::unique_ptr<MainDialog> frame;
-    std::vector<int16_t> vOrig;
-
-    LEdFileWindow* OpenRamp(int nFrames)
-    {
-        vOrig = Ramp(nFrames);
-        const QString szPath = h->File("ramp.wav");
-        WriteWav16(szPath, 8000, 1, vOrig);
-        h->prompts.openNames.push_back({szPath});
-        return frame->Command(CmOpenId) ? frame->GetCurrentFileWindow() : nullptr;
-    }
     QString UndoText() const { return frame->GetAction(CmUndoId)->text(); }
 
 private slots:
-    void init()
-    {
-        h = std::make_unique<Harness>();
-        frame = std::make_unique<MainDialog>();
-        frame->resize(1000, 700);
-        frame->show();
-        QVERIFY(QTest::qWaitForWindowExposed(frame.get()));
-    }
-
-    void cleanup()
-    {
-        frame.reset();
-        h.reset();
-    }
+    void init() { QVERIFY(Start()); }
+    void cleanup() { Stop(); }
 
     void echoRunsOnTheSelectionWithItsUndoLabel()
     {

@@ -43,23 +43,13 @@ void Drag(LEdWaveWindow* pView, int x0, int x1)
 }
 } // namespace
 
-class MainDialogEditTest : public QObject
+class MainDialogEditTest : public QObject, public FrameFixture
 {
     Q_OBJECT
 private:
-    std::unique_ptr<Harness> h;
-    std::unique_ptr<MainDialog> frame;
-    std::vector<int16_t> vOrig;
-
-    LEdFileWindow* OpenRamp(int nFrames)
+    LEdFileWindow* OpenDrawnRamp(int nFrames)
     {
-        vOrig = Ramp(nFrames);
-        const QString szPath = h->File("ramp.wav");
-        WriteWav16(szPath, 8000, 1, vOrig);
-        h->prompts.openNames.push_back({szPath});
-        if (!frame->Command(CmOpenId))
-            return nullptr;
-        LEdFileWindow* pWindow = frame->GetCurrentFileWindow();
+        LEdFileWindow* pWindow = OpenRamp(nFrames);
         if (pWindow)
             WaitDrawn(pWindow);
         return pWindow;
@@ -71,24 +61,12 @@ private:
     }
 
 private slots:
-    void init()
-    {
-        h = std::make_unique<Harness>();
-        frame = std::make_unique<MainDialog>();
-        frame->resize(1000, 700);
-        frame->show();
-        QVERIFY(QTest::qWaitForWindowExposed(frame.get()));
-    }
-
-    void cleanup()
-    {
-        frame.reset();
-        h.reset();
-    }
+    void init() { QVERIFY(Start()); }
+    void cleanup() { Stop(); }
 
     void cutPasteUndoWithTheMouse()
     {
-        LEdFileWindow* pWindow = OpenRamp(8000);
+        LEdFileWindow* pWindow = OpenDrawnRamp(8000);
         QVERIFY(pWindow);
         QCOMPARE(frame->windowTitle(), QString("Sonitra - ramp.wav"));
         QCOMPARE(frame->GetAction(CmUndoId)->text(), QString("Undo \tCtrl+Z"));
@@ -142,7 +120,7 @@ private slots:
 
     void zoomAndScrollThroughTheFileWindow()
     {
-        LEdFileWindow* pWindow = OpenRamp(80000);
+        LEdFileWindow* pWindow = OpenDrawnRamp(80000);
         QVERIFY(pWindow);
         LEdFile& file = pWindow->GetFile();
         // A mono file keeps the "L / R" button and command disabled.
@@ -183,7 +161,7 @@ private slots:
 
     void trimsSilenceAndInsertions()
     {
-        LEdFileWindow* pWindow = OpenRamp(4000);
+        LEdFileWindow* pWindow = OpenDrawnRamp(4000);
         QVERIFY(pWindow);
         LEdFile& file = pWindow->GetFile();
         pWindow->SetSelection(1000, 3000);
@@ -223,7 +201,7 @@ private slots:
 
     void clipboardRoundTrip()
     {
-        LEdFileWindow* pWindow = OpenRamp(6000);
+        LEdFileWindow* pWindow = OpenDrawnRamp(6000);
         QVERIFY(pWindow);
         pWindow->SetSelection(1000, 3500);
         QVERIFY(frame->Command(CmCopyId));

@@ -5,16 +5,21 @@
 #include <QApplication>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QtTest>
 
 #include <cstdint>
 #include <deque>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "core/LCutListAudio.h"
 #include "core/LSettings.h"
 #include "platform/qtcore/LQtNotifyPoster.h"
+#include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/MainDialog.h"
 #include "ui/LUiPrompts.h"
 
 namespace uitest {
@@ -146,5 +151,37 @@ inline std::vector<int16_t> Samples(const LCutListAudio& doc)
         out.push_back(static_cast<int16_t>(s >> 4));
     return out;
 }
+
+// The real frame over a fresh harness, shown at a size where every control has room. Test
+// classes derive from it beside QObject and call Start and Stop from init and cleanup.
+struct FrameFixture
+{
+    std::unique_ptr<Harness> h;
+    std::unique_ptr<MainDialog> frame;
+    std::vector<int16_t> vOrig; // the samples of the last ramp opened
+
+    bool Start()
+    {
+        h = std::make_unique<Harness>();
+        frame = std::make_unique<MainDialog>();
+        frame->resize(1000, 700);
+        frame->show();
+        return QTest::qWaitForWindowExposed(frame.get());
+    }
+    void Stop()
+    {
+        frame.reset();
+        h.reset();
+    }
+    // A mono 8 kHz ramp opened through File > Open; null when that failed.
+    LEdFileWindow* OpenRamp(int nFrames)
+    {
+        vOrig = Ramp(nFrames);
+        const QString szPath = h->File("ramp.wav");
+        WriteWav16(szPath, 8000, 1, vOrig);
+        h->prompts.openNames.push_back({szPath});
+        return frame->Command(CmOpenId) ? frame->GetCurrentFileWindow() : nullptr;
+    }
+};
 
 } // namespace uitest
