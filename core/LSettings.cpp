@@ -83,9 +83,12 @@ void LSettings::SetBool(const std::string& szSection, const std::string& szName,
 
 std::string LSettings::DataFolder()
 {
-    std::string szFolder = GetString("Folders", "Current");
-    if (!szFolder.empty())
-        return szFolder;
+    const std::string szFolder = GetString("Folders", "Current");
+    return szFolder.empty() ? DefaultDataFolder() : szFolder;
+}
+
+std::string LSettings::DefaultDataFolder()
+{
     const char* szConfig = std::getenv("XDG_CONFIG_HOME");
     const char* szHome = std::getenv("HOME");
     const std::string szBase = szConfig && *szConfig ? szConfig : std::string(szHome ? szHome : ".") + "/.config";

@@ -48,6 +48,8 @@ public:
     // The folder of the program's own data files (curves, key macros, remembered formats):
     // "Folders"/"Current" when set, else "Current" under the user's configuration folder.
     static std::string DataFolder();
+    // Where the data folder is when "Folders"/"Current" is not set.
+    static std::string DefaultDataFolder();
     // A file in it; empty when the path would be too long.
     static std::string DataFilePath(const std::string& szName);
 };

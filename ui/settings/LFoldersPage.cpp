@@ -34,7 +34,7 @@ LFoldersPage::LFoldersPage(QWidget* pParent) : LSettingsPage(pParent)
 {
     setObjectName("FoldersPage");
     pWorking = AddFolder("WorkingFolder", tr("a folder of its own for each run, in the cache folder"));
-    pData = AddFolder("Current", QString::fromStdString(LSettings::DataFolder()));
+    pData = AddFolder("Current", QString::fromStdString(LSettings::DefaultDataFolder()));
     auto* pForm = new QFormLayout(this);
     pForm->addRow(tr("Audio working folder:"), pWorking->parentWidget());
     pForm->addRow(tr("Data folder:"), pData->parentWidget());
