@@ -91,8 +91,8 @@ bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
 class LPRConvert : public LProgressDialog
 {
 public:
-    LPRConvert(const Options& opt, LSoundSourceBase* pSrc, int nBits)
-        : LProgressDialog("Converting " + opt.szIn), opt(opt), pSource(pSrc), nBits(nBits)
+    LPRConvert(const Options& opt, LSoundSourceBase* pSrc, const LAudioEncoding& encoding)
+        : LProgressDialog("Converting " + opt.szIn), opt(opt), pSource(pSrc), encoding(encoding)
     {
     }
 
@@ -100,7 +100,7 @@ public:
     {
         const int32_t nRate = opt.nRate ? opt.nRate : pSource->GetSampleRate();
         const uint8_t nChans = opt.nChans ? static_cast<uint8_t>(opt.nChans) : pSource->GetChannels();
-        return LAudioFile::Save(*this, GetTitle(), pSource.Get(), opt.szOut, nRate, nChans, nBits, &szError);
+        return LAudioFile::Save(*this, GetTitle(), pSource.Get(), opt.szOut, nRate, nChans, encoding, &szError);
     }
 
     std::string szError;
@@ -108,7 +108,7 @@ public:
 private:
     const Options& opt;
     LSoundSourcePtr pSource;
-    int nBits;
+    LAudioEncoding encoding;
 };
 
 int RunConvert(const std::vector<std::string>& vArgs)
@@ -123,9 +123,11 @@ int RunConvert(const std::vector<std::string>& vArgs)
         LCliError(opt.szIn + ": " + szError);
         return CliError;
     }
-    // An input that is not 8- or 16-bit PCM is written as 16-bit unless asked otherwise.
-    const int nBits = opt.nBits ? opt.nBits : (details.nBits == 8 ? 8 : 16);
-    LPRConvert convert(opt, pSource.Get(), nBits);
+    // The output keeps the input's encoding where its format has it, unless asked otherwise.
+    LAudioEncoding encoding = details.encoding;
+    if (opt.nBits)
+        encoding = LAudioEncoding::Named(opt.nBits == 8 ? "pcm8" : "pcm16");
+    LPRConvert convert(opt, pSource.Get(), encoding);
     const int32_t nResult = convert.Run();
     if (nResult == LProgressDialog::ResultCancelled) {
         LCliError("convert: cancelled; " + opt.szOut + " was not written");

@@ -244,22 +244,22 @@ void Apply(const Op& op, LEdFile& file, LCutListAudio& clip)
 class LPRSaveEdit : public LProgressDialog
 {
 public:
-    LPRSaveEdit(const std::string& szPath, const LCutListAudio& doc, int nBits)
-        : LProgressDialog("Saving " + szPath), szPath(szPath), doc(doc), nBits(nBits)
+    LPRSaveEdit(const std::string& szPath, const LCutListAudio& doc, const LAudioEncoding& encoding)
+        : LProgressDialog("Saving " + szPath), szPath(szPath), doc(doc), encoding(encoding)
     {
     }
     int32_t Process() override
     {
         LSoundSourcePtr pSource = doc.OpenSource();
         return LAudioFile::Save(*this, GetTitle(), pSource.Get(), szPath, doc.GetSampleRate(), doc.GetChannels(),
-                                nBits, &szError);
+                                encoding, &szError);
     }
     std::string szError;
 
 private:
     std::string szPath;
     const LCutListAudio& doc;
-    int nBits;
+    LAudioEncoding encoding;
 };
 
 int ReportResult(int32_t nResult, const std::string& szWhat, const std::string& szError)
@@ -275,7 +275,7 @@ int ReportResult(int32_t nResult, const std::string& szWhat, const std::string& 
     return CliDone;
 }
 
-int Load(const Options& opt, LEdFile& file, int& nBits)
+int Load(const Options& opt, LEdFile& file, LAudioEncoding& encoding)
 {
     std::string szError;
     LAudioFileDetails details;
@@ -284,7 +284,7 @@ int Load(const Options& opt, LEdFile& file, int& nBits)
         LCliError(opt.szIn + ": " + szError);
         return CliError;
     }
-    nBits = details.nBits == 8 ? 8 : 16;
+    encoding = details.encoding;
     LCutListAudioLoadSource load("Loading " + opt.szIn, file.GetDocumentPtr().Get(), pSource.Get());
     return ReportResult(load.Run(), "loading " + opt.szIn, "");
 }
@@ -304,8 +304,8 @@ int RunEdit(const std::vector<std::string>& vArgs)
     if (!ParseArgs(vArgs, opt))
         return CliUsage;
     LEdFile file;
-    int nBits = 16;
-    if (const int nLoad = Load(opt, file, nBits); nLoad != CliDone)
+    LAudioEncoding encoding;
+    if (const int nLoad = Load(opt, file, encoding); nLoad != CliDone)
         return nLoad;
     if (!ResolvePositions(opt.vOps, file.GetDocument().GetSampleRate()))
         return CliUsage;
@@ -318,7 +318,7 @@ int RunEdit(const std::vector<std::string>& vArgs)
             TraceCuts(op.szText, file.GetDocument());
     }
     std::fflush(stdout);
-    LPRSaveEdit save(opt.szOut, file.GetDocument(), nBits);
+    LPRSaveEdit save(opt.szOut, file.GetDocument(), encoding);
     return ReportResult(save.Run(), "saving " + opt.szOut, save.szError);
 }
 

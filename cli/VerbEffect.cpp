@@ -200,8 +200,8 @@ bool ParseArgs(const std::vector<std::string>& vArgs, Request& req)
 class LPREffectFile : public LProgressDialog
 {
 public:
-    LPREffectFile(Request& req, LSoundSourceBase* pSrc, int nBits)
-        : LProgressDialog(req.pInfo->szCaption), req(req), pSource(pSrc), nBits(nBits)
+    LPREffectFile(Request& req, LSoundSourceBase* pSrc, const LAudioEncoding& encoding)
+        : LProgressDialog(req.pInfo->szCaption), req(req), pSource(pSrc), encoding(encoding)
     {
     }
 
@@ -220,7 +220,7 @@ public:
             return Fail(nResult, LEffectCatalog::CliName(*req.pInfo) + " failed");
         LSoundSourcePtr pOut = pDoc->OpenSource();
         nResult = LAudioFile::Save(*this, "Saving...", pOut.Get(), req.szOut, pDoc->GetSampleRate(),
-                                   pDoc->GetChannels(), nBits, &szError);
+                                   pDoc->GetChannels(), encoding, &szError);
         return nResult;
     }
 
@@ -236,7 +236,7 @@ private:
 
     Request& req;
     LSoundSourcePtr pSource;
-    int nBits;
+    LAudioEncoding encoding;
 };
 
 int RunEffect(const std::vector<std::string>& vArgs)
@@ -263,7 +263,7 @@ int RunEffect(const std::vector<std::string>& vArgs)
             return CliError;
         }
     }
-    LPREffectFile proc(req, pSource.Get(), details.nBits == 8 ? 8 : 16);
+    LPREffectFile proc(req, pSource.Get(), details.encoding);
     const int32_t nResult = proc.Run();
     if (nResult == LProgressDialog::ResultCancelled) {
         LCliError("effect: cancelled; " + req.szOut + " was not written");

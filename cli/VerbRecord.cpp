@@ -125,7 +125,8 @@ int RunRecord(const std::vector<std::string>& vArgs)
     if (!ParseArgs(vArgs, opt))
         return CliUsage;
     std::string szError;
-    LSoundSinkPtr pSink = LAudioFile::OpenSink(opt.szFile, opt.nRate, static_cast<uint8_t>(opt.nChans), 16, &szError);
+    LSoundSinkPtr pSink = LAudioFile::OpenSink(opt.szFile, opt.nRate, static_cast<uint8_t>(opt.nChans),
+                                              LAudioEncoding::Named("pcm16"), &szError);
     if (!pSink || pSink->IsError()) {
         LCliError(opt.szFile + ": " + (szError.empty() ? std::string("cannot be written") : szError));
         return CliError;

@@ -69,8 +69,14 @@ const LAudioFormat* FormatToWrite(const std::string& szPath, std::string* pszErr
     return pFormat;
 }
 
-bool CheckSinkShape(const LAudioFormat& format, int32_t nSampleRate, uint8_t nChans, int nBits,
-                    std::string* pszError)
+// The encoding a file was read in gives way to the target format's default where that format
+// lacks it (an MP3 saved as WAV).
+LAudioEncoding EncodingFor(const LAudioFormat& format, const LAudioEncoding& encoding)
+{
+    return format.CanWrite(encoding) ? encoding : LAudioEncoding();
+}
+
+bool CheckSinkShape(const LAudioFormat& format, int32_t nSampleRate, uint8_t nChans, std::string* pszError)
 {
     if (nSampleRate < 1 || nSampleRate > kMaxSampleRate) {
         SetReason(pszError, "sample rate " + std::to_string(nSampleRate) + " Hz is out of range (1 to 196000)");
@@ -80,9 +86,8 @@ bool CheckSinkShape(const LAudioFormat& format, int32_t nSampleRate, uint8_t nCh
         SetReason(pszError, "a file needs at least one channel");
         return false;
     }
-    if (!format.CanWrite(nBits)) {
-        SetReason(pszError, std::string(format.GetName()) + " files cannot be written with " + std::to_string(nBits) +
-                                " bits per sample");
+    if (!format.CanWrite()) {
+        SetReason(pszError, std::string(format.GetName()) + " files can be read but not written");
         return false;
     }
     return true;
@@ -139,38 +144,42 @@ LSoundSourcePtr LAudioFile::OpenSource(const std::string& szPath, std::string* p
     return pSource;
 }
 
-LSoundSinkPtr LAudioFile::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
-                                   std::string* pszError)
+LSoundSinkPtr LAudioFile::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
+                                   const LAudioEncoding& encoding, std::string* pszError)
 {
     const LAudioFormat* pFormat = FormatToWrite(szPath, pszError);
-    if (!pFormat || !CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
+    if (!pFormat || !CheckSinkShape(*pFormat, nSampleRate, nChans, pszError))
         return LSoundSinkPtr();
-    return pFormat->OpenSink(szPath, nSampleRate, nChans, nBits, pszError);
+    return pFormat->OpenSink(szPath, nSampleRate, nChans, EncodingFor(*pFormat, encoding), pszError);
 }
 
 int32_t LAudioFile::Save(LProgressDialog& dlg, const std::string& szTitle, LSoundSourceBase* pSource,
-                         const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
-                         std::string* pszError)
+                         const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
+                         const LAudioEncoding& encoding, std::string* pszError)
 {
     LSoundSourcePtr pHold(pSource);
     if (!pSource || pSource->IsError()) {
         SetReason(pszError, "the sound to save cannot be read");
         return LProgressDialog::ResultError;
     }
+    const LAudioFormat* pFormat = FormatToWrite(szPath, pszError);
+    if (!pFormat)
+        return LProgressDialog::ResultError;
+    const LAudioEncoding use = EncodingFor(*pFormat, encoding);
+    pFormat->FitShape(use, nSampleRate, nChans);
+    if (!CheckSinkShape(*pFormat, nSampleRate, nChans, pszError))
+        return LProgressDialog::ResultError;
     if (pSource->GetChannels() != nChans && !LSRCConvertChannels::CanConvert(pSource->GetChannels(), nChans)) {
         SetReason(pszError, "cannot convert " + std::to_string(pSource->GetChannels()) + " channels to " +
                                 std::to_string(nChans));
         return LProgressDialog::ResultError;
     }
-    const LAudioFormat* pFormat = FormatToWrite(szPath, pszError);
-    if (!pFormat || !CheckSinkShape(*pFormat, nSampleRate, nChans, nBits, pszError))
-        return LProgressDialog::ResultError;
     std::string szPart;
     if (!PartPathFor(szPath, szPart)) {
         SetReason(pszError, "the path is too long");
         return LProgressDialog::ResultError;
     }
-    LSoundSinkPtr pSink = pFormat->OpenSink(szPart, nSampleRate, nChans, nBits, pszError);
+    LSoundSinkPtr pSink = pFormat->OpenSink(szPart, nSampleRate, nChans, use, pszError);
     if (!pSink) {
         LFile::Delete(szPart);
         return LProgressDialog::ResultError;

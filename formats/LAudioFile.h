@@ -4,18 +4,28 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "core/LSoundSinkBase.h"
 #include "core/LSoundSourceBase.h"
 
 class LProgressDialog;
 
+// How a file is to be written: one of its format's encodings, with that encoding's settings.
+struct LAudioEncoding
+{
+    std::string szName;           // a short name the format knows ("pcm16", "pcm8"); empty: the format's default
+    std::vector<uint8_t> vRecord; // settings the format keeps in a layout of its own; empty when unused
+
+    static LAudioEncoding Named(const std::string& szName) { return LAudioEncoding{szName, {}}; }
+};
+
 // What a file holds, for showing to the user and for keeping its form when saving.
 struct LAudioFileDetails
 {
-    std::string szFormat;   // "WAV"
-    std::string szEncoding; // "PCM 16-bit"
-    int nBits = 0;          // 8 or 16: the sample width PCM reads as; 0 for other encodings
+    std::string szFormat;    // "WAV"
+    std::string szEncoding;  // "PCM 16-bit", for people
+    LAudioEncoding encoding; // writes the file back in the form it was read in, where its format can
 };
 
 class LAudioFile
@@ -26,15 +36,16 @@ public:
     static LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError = nullptr);
     static LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError, LAudioFileDetails* pDetails);
 
-    // A sink writing the format the extension names (".wav": PCM of nBits 8 or 16).
-    // Null on failure, with the reason in *pszError.
-    static LSoundSinkPtr OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
-                                  std::string* pszError = nullptr);
+    // A sink writing the format the extension names in the given encoding (empty: the format's
+    // default). Null on failure, with the reason in *pszError.
+    static LSoundSinkPtr OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
+                                  const LAudioEncoding& encoding, std::string* pszError = nullptr);
 
-    // Pumps a source into a new file through the converters the format needs. The file is
-    // written beside the target and renamed over it only when complete, so a failed or
-    // cancelled save leaves any old file intact. Returns 0 done, 1 cancelled, 2 error.
+    // Pumps a source into a new file through the converters the format needs: a format that holds
+    // only some rates or channel counts gets the nearest it holds. The file is written beside the
+    // target and renamed over it only when complete, so a failed or cancelled save leaves any old
+    // file intact. Returns 0 done, 1 cancelled, 2 error.
     static int32_t Save(LProgressDialog& dlg, const std::string& szTitle, LSoundSourceBase* pSource,
-                        const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
-                        std::string* pszError = nullptr);
+                        const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
+                        const LAudioEncoding& encoding, std::string* pszError = nullptr);
 };

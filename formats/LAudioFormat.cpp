@@ -1,14 +1,62 @@
 #include "formats/LAudioFormat.h"
 
+#include <algorithm>
+
 #include "core/LFile.h"
 #include "formats/LWaveFormat.h"
 
+namespace {
+
+// "*.wav;*.wave" -> {".wav", ".wave"}
+std::vector<std::string> ExtensionsOf(const std::string& szPatterns)
+{
+    std::vector<std::string> v;
+    size_t nStart = 0;
+    while (nStart <= szPatterns.size()) {
+        size_t nEnd = szPatterns.find(';', nStart);
+        if (nEnd == std::string::npos)
+            nEnd = szPatterns.size();
+        const std::string szOne = szPatterns.substr(nStart, nEnd - nStart);
+        if (szOne.size() > 2 && szOne[0] == '*' && szOne[1] == '.')
+            v.push_back(szOne.substr(1));
+        nStart = nEnd + 1;
+    }
+    return v;
+}
+
+} // namespace
+
 const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
-    // A new format module is added here.
+    // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
     static const std::vector<const LAudioFormat*> vFormats = {&wave};
     return vFormats;
+}
+
+bool LAudioFormat::HasExtension(const std::string& szExt) const
+{
+    for (const LAudioFileType& type : GetFileTypes())
+        for (const std::string& sz : ExtensionsOf(type.szPatterns))
+            if (sz == szExt)
+                return true;
+    return false;
+}
+
+bool LAudioFormat::CanWrite(const LAudioEncoding& encoding) const
+{
+    const std::vector<std::string> v = GetEncodings();
+    if (v.empty())
+        return false;
+    return encoding.szName.empty() || std::find(v.begin(), v.end(), encoding.szName) != v.end();
+}
+
+std::string LAudioFormat::GetDefaultExtension() const
+{
+    for (const LAudioFileType& type : GetFileTypes())
+        for (const std::string& sz : ExtensionsOf(type.szPatterns))
+            return sz;
+    return std::string();
 }
 
 const LAudioFormat* LAudioFormat::ByExtension(const std::string& szPath)
@@ -26,4 +74,46 @@ const LAudioFormat* LAudioFormat::ByContent(const uint8_t* pHead, size_t nBytes)
         if (p->MatchesContent(pHead, nBytes))
             return p;
     return nullptr;
+}
+
+const LAudioFormat* LAudioFormat::ByName(const std::string& szName)
+{
+    for (const LAudioFormat* p : All())
+        if (szName == p->GetName())
+            return p;
+    return nullptr;
+}
+
+std::vector<LAudioFileType> LAudioFormat::OpenTypes()
+{
+    std::vector<LAudioFileType> v;
+    for (const LAudioFormat* p : All())
+        for (const LAudioFileType& type : p->GetFileTypes())
+            v.push_back(type);
+    return v;
+}
+
+std::vector<LAudioFileType> LAudioFormat::SaveTypes()
+{
+    std::vector<LAudioFileType> v;
+    for (const LAudioFormat* p : All())
+        if (p->CanWrite())
+            for (const LAudioFileType& type : p->GetFileTypes())
+                v.push_back(type);
+    return v;
+}
+
+std::string LAudioFormat::AllPatterns(const std::vector<LAudioFileType>& vTypes)
+{
+    std::vector<std::string> vSeen;
+    std::string sz;
+    for (const LAudioFileType& type : vTypes) {
+        for (const std::string& szExt : ExtensionsOf(type.szPatterns)) {
+            if (std::find(vSeen.begin(), vSeen.end(), szExt) != vSeen.end())
+                continue;
+            vSeen.push_back(szExt);
+            sz += (sz.empty() ? "*" : ";*") + szExt;
+        }
+    }
+    return sz;
 }

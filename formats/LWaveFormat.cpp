@@ -5,11 +5,6 @@
 
 #include "formats/LWaveFile.h"
 
-bool LWaveFormat::HasExtension(const std::string& szExt) const
-{
-    return szExt == ".wav" || szExt == ".wave";
-}
-
 bool LWaveFormat::MatchesContent(const uint8_t* pHead, size_t nBytes) const
 {
     return nBytes >= 12 && !std::memcmp(pHead, "RIFF", 4) && !std::memcmp(pHead + 8, "WAVE", 4);
@@ -23,15 +18,16 @@ LSoundSourcePtr LWaveFormat::OpenSource(const std::string& szPath, std::string* 
     if (pDetails && !pSource->IsError()) {
         pDetails->szFormat = GetName();
         pDetails->szEncoding = LWaveFile::DescribeEncoding(record);
-        // What the reader delivers: PCM of up to 8 bits reads as 8-bit, wider as 16-bit.
-        pDetails->nBits = !record.IsPCM() ? 0 : record.wBitsPerSample > 8 ? 16 : 8;
+        // PCM of up to 8 bits saves back as 8-bit; everything else as 16-bit.
+        pDetails->encoding = LAudioEncoding::Named(record.IsPCM() && record.wBitsPerSample <= 8 ? "pcm8" : "pcm16");
     }
     return pSource;
 }
 
-LSoundSinkPtr LWaveFormat::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
-                                    std::string* pszError) const
+LSoundSinkPtr LWaveFormat::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
+                                    const LAudioEncoding& encoding, std::string* pszError) const
 {
+    const int nBits = encoding.szName == "pcm8" ? 8 : 16;
     errno = 0;
     LSoundSinkPtr pSink = LWaveFile::OpenSinkPCM(szPath, nSampleRate, 0, nBits, nChans);
     if (!pSink || pSink->IsError()) {

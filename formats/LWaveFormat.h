@@ -7,12 +7,12 @@ class LWaveFormat : public LAudioFormat
 {
 public:
     const char* GetName() const override { return "WAV"; }
-    bool HasExtension(const std::string& szExt) const override;
+    std::vector<LAudioFileType> GetFileTypes() const override { return {{"Wave Files(*.wav)", "*.wav;*.wave"}}; }
     bool MatchesContent(const uint8_t* pHead, size_t nBytes) const override;
-    bool CanWrite(int nBits) const override { return nBits == 8 || nBits == 16; }
+    std::vector<std::string> GetEncodings() const override { return {"pcm16", "pcm8"}; }
 
     LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError,
                                LAudioFileDetails* pDetails) const override;
-    LSoundSinkPtr OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans, int nBits,
-                           std::string* pszError) const override;
+    LSoundSinkPtr OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
+                           const LAudioEncoding& encoding, std::string* pszError) const override;
 };

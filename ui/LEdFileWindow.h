@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "formats/LAudioFile.h"
 #include "ui/LEdViewMath.h"
 
 class LEdFile;
@@ -39,9 +40,9 @@ public:
     const std::string& GetName() const { return szName; }
     void SetPath(const std::string& szNewPath);
     void SetIdentity(const std::string& szNewPath, const std::string& szNewName);
-    // The sample width to save with (the width the file was read as; 16 for new files).
-    int GetSaveBits() const { return nSaveBits; }
-    void SetSaveBits(int nBits) { nSaveBits = nBits; }
+    // The encoding to save with (the one the file was read in; the format's default for new files).
+    const LAudioEncoding& GetSaveEncoding() const { return saveEncoding; }
+    void SetSaveEncoding(const LAudioEncoding& encoding) { saveEncoding = encoding; }
     // The caption: the name, with a star while modified.
     QString Caption() const;
 
@@ -90,7 +91,7 @@ private:
     std::unique_ptr<LEdFile> pFile;
     std::string szPath;
     std::string szName;
-    int nSaveBits = 16;
+    LAudioEncoding saveEncoding;
     bool bVZoom = false;
     uint8_t nDisplayMode = 0;
     int32_t sScrollTarget = 0;

@@ -4,12 +4,14 @@
 #include <string>
 
 #include "core/LCutListAudio.h"
+#include "formats/LAudioFile.h"
 #include "work/LProgressDialog.h"
 
 class LEdSaveProcess : public LProgressDialog
 {
 public:
-    LEdSaveProcess(const std::string& szTitle, const LCutListAudio& doc, const std::string& szPath, int nBits);
+    LEdSaveProcess(const std::string& szTitle, const LCutListAudio& doc, const std::string& szPath,
+                   const LAudioEncoding& encoding);
     int32_t Process() override;
     // Why the save failed, for the user.
     const std::string& GetError() const { return szError; }
@@ -19,6 +21,6 @@ private:
     std::string szPath;
     int32_t nRate;
     uint8_t nChans;
-    int nBits;
+    LAudioEncoding encoding;
     std::string szError;
 };

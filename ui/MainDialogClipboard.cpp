@@ -26,7 +26,7 @@ bool MainDialog::RenderToWindowClipboard()
     if (pClipboard->GetLength() <= 0)
         return false;
     const std::string szPath = ClipboardFilePath();
-    LEdSaveProcess save("Saving to clipboard", *pClipboard, szPath, 16);
+    LEdSaveProcess save("Saving to clipboard", *pClipboard, szPath, LAudioEncoding::Named("pcm16"));
     if (save.Run() != LProgressDialog::ResultDone) {
         LTRACE("MainDialog::RenderToWindowClipboard save failed: %s", save.GetError().c_str());
         return false;

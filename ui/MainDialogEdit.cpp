@@ -11,6 +11,7 @@
 #include "core/LSettings.h"
 #include "core/LTrace.h"
 #include "formats/LAudioFile.h"
+#include "ui/LAudioFilters.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LTransport.h"
@@ -247,7 +248,7 @@ void MainDialog::CmInsertFile(int nWhere)
     const QString szFolder =
         QString::fromStdString(LSettings::GetString("Folders", "OpenFileDir", QDir::homePath().toStdString()));
     const QStringList files = LUiPrompts::Get().GetOpenFileNames(this, "Insert File", szFolder,
-                                                                 "Audio Files (*.wav *.WAV);;All Files (*)");
+                                                                 LAudioFilters::Open());
     if (files.isEmpty())
         return;
     const LCutListAudio& doc = pFile->GetDocument();

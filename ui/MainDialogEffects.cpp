@@ -12,6 +12,7 @@
 #include "core/LTrace.h"
 #include "dsp/effects/LEffectRunner.h"
 #include "formats/LAudioFile.h"
+#include "ui/LAudioFilters.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LTransport.h"
@@ -55,7 +56,7 @@ bool AskMixClip(QWidget* pParent, LEffectArgs& args)
     const QString szFolder =
         QString::fromStdString(LSettings::GetString("Folders", "OpenFileDir", QDir::homePath().toStdString()));
     const QStringList files = LUiPrompts::Get().GetOpenFileNames(pParent, "Mix File", szFolder,
-                                                                 "Audio Files (*.wav *.WAV);;All Files (*)");
+                                                                 LAudioFilters::Open());
     if (files.isEmpty())
         return false;
     std::string szError;

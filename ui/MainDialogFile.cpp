@@ -14,6 +14,7 @@
 #include "core/LSettings.h"
 #include "core/LTrace.h"
 #include "formats/LAudioFile.h"
+#include "ui/LAudioFilters.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LEdSaveProcess.h"
@@ -25,59 +26,6 @@
 
 namespace {
 const char* const kFolders = "Folders";
-
-// Qt splits a filter's patterns at spaces, and matches case by case on this system.
-QString Patterns(const QString& szList)
-{
-    QStringList out;
-    for (const QString& s : szList.split(';', Qt::SkipEmptyParts)) {
-        out << s.toLower();
-        if (s.toUpper() != s.toLower())
-            out << s.toUpper();
-    }
-    out.removeDuplicates();
-    return out.join(' ');
-}
-
-QString Filter(const char* szAll, const std::vector<std::pair<const char*, const char*>>& vEach)
-{
-    QStringList filters;
-    filters << QString("Audio Files (%1)").arg(Patterns(szAll));
-    for (const auto& [szName, szList] : vEach)
-        filters << QString("%1 (%2)").arg(szName, Patterns(szList));
-    return filters.join(";;");
-}
-
-QString OpenFilter()
-{
-    return Filter("*.WAV;*.MP3;*.GSM;*.VOX;*.RM;*.RAM;*.RA;*.RAW;*.AIF;*.AU;*.DSS;*.WMA;*.DCT;*.AAC;*.FLAC;*.OGG",
-                  {{"Wave Files(*.wav)", "*.wav"},
-                   {"MPEG Layer-3 Files(*.mp3)", "*.mp3"},
-                   {"Vox Files(*.vox)", "*.vox"},
-                   {"Gsm Files(*.gsm)", "*.gsm"},
-                   {"Real Audio Files(*.rm;*.ram;*.rm)", "*.rm;*.ram;*.rm"},
-                   {"Raw Audio Files(*.raw)", "*.raw"},
-                   {"Apple AIF Files(*.aif)", "*.aif"},
-                   {"Sun AU Files(*.au)", "*.au"},
-                   {"Olympus Files(*.dss)", "*.dss"},
-                   {"Windows Media Audio Files(*.wma)", "*.wma"},
-                   {"Dictation Files(*.dct)", "*.dct"},
-                   {"AAC Files(*.aac)", "*.aac"},
-                   {"FLAC Files(*.flac)", "*.flac"},
-                   {"OGG Files(*.ogg)", "*.ogg"}});
-}
-
-QString SaveFilter()
-{
-    return Filter("*.WAV;*.MP3;*.GSM;*.VOX;*.RAW;*.AIF;*.AU",
-                  {{"Wave Files(*.wav)", "*.wav"},
-                   {"MPEG Layer-3 Files(*.mp3)", "*.mp3"},
-                   {"Vox Files(*.vox)", "*.vox"},
-                   {"Gsm Files(*.gsm)", "*.gsm"},
-                   {"Raw Audio Files(*.raw)", "*.raw"},
-                   {"Apple AIF Files(*.aif)", "*.aif"},
-                   {"Sun AU Files(*.au)", "*.au"}});
-}
 
 bool IsRealAudio(const std::string& szPath)
 {
@@ -120,7 +68,7 @@ void MainDialog::CmNew()
 void MainDialog::CmOpen()
 {
     const QString szFolder = QString::fromStdString(LSettings::GetString(kFolders, "OpenFileDir", QDir::homePath().toStdString()));
-    const QStringList files = LUiPrompts::Get().GetOpenFileNames(this, "Open Audio File", szFolder, OpenFilter());
+    const QStringList files = LUiPrompts::Get().GetOpenFileNames(this, "Open Audio File", szFolder, LAudioFilters::Open());
     if (files.isEmpty())
         return;
     LSettings::SetString(kFolders, "OpenFileDir", QFileInfo(files.front()).absolutePath().toStdString());
@@ -154,7 +102,7 @@ bool MainDialog::LoadFile(const std::string& szPath)
     }
     pFile->SetView(0, pFile->GetDocument().GetLength());
     LEdFileWindow* pWindow = AddFileToList(std::move(pFile), szPath, szName);
-    pWindow->SetSaveBits(details.nBits == 8 ? 8 : 16);
+    pWindow->SetSaveEncoding(details.encoding);
     recent.Add(szPath, static_cast<int64_t>(std::time(nullptr)));
     RebuildRecentMenu();
     UpdateMenuStates();
@@ -259,7 +207,7 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
     }
     if (pTransport->GetActiveWindow() == pWindow && pTransport->IsRecording())
         pTransport->Stop();
-    LEdSaveProcess save("Saving...", pWindow->GetFile().GetDocument(), szPath, pWindow->GetSaveBits());
+    LEdSaveProcess save("Saving...", pWindow->GetFile().GetDocument(), szPath, pWindow->GetSaveEncoding());
     const int32_t nResult = save.Run();
     if (nResult != LProgressDialog::ResultDone) {
         // The old file is untouched and the document stays modified: nothing is lost.
@@ -281,7 +229,7 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
     const QString szStart = pWindow->GetPath().empty()
                                 ? QDir(szFolder).filePath(QString::fromStdString(pWindow->GetName()) + ".wav")
                                 : QDir(szFolder).filePath(QFileInfo(QString::fromStdString(pWindow->GetPath())).completeBaseName() + ".wav");
-    QString szChosen = LUiPrompts::Get().GetSaveFileName(this, "Save Audio File As", szStart, SaveFilter());
+    QString szChosen = LUiPrompts::Get().GetSaveFileName(this, "Save Audio File As", szStart, LAudioFilters::Save());
     if (szChosen.isEmpty())
         return false;
     if (QFileInfo(szChosen).suffix().isEmpty())

@@ -6,6 +6,7 @@
 #include "core/LFile.h"
 #include "core/LMemorySound.h"
 #include "formats/LAudioFile.h"
+#include "formats/LAudioFormat.h"
 #include "support/TestSupport.h"
 #include "tests/formats/WavBytes.h"
 #include "work/LProgressDialog.h"
@@ -28,17 +29,18 @@ struct CancellingFactory : LProgressHostFactory
 
 struct SaveProcess : LProgressDialog
 {
-    SaveProcess(LSoundSourceBase* pSrc, std::string szPath, int nBits = 16, uint8_t nChans = 0)
-        : LProgressDialog("Saving"), pSource(pSrc), szPath(szPath), nBits(nBits), nChans(nChans ? nChans : pSrc->GetChannels())
+    SaveProcess(LSoundSourceBase* pSrc, std::string szPath, const std::string& szEncoding = "", uint8_t nChans = 0)
+        : LProgressDialog("Saving"), pSource(pSrc), szPath(szPath), encoding(LAudioEncoding::Named(szEncoding)),
+          nChans(nChans ? nChans : pSrc->GetChannels())
     {
     }
     int32_t Process() override
     {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, 11025, nChans, nBits, &szError);
+        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, 11025, nChans, encoding, &szError);
     }
     LSoundSourcePtr pSource;
     std::string szPath, szError;
-    int nBits;
+    LAudioEncoding encoding;
     uint8_t nChans;
 };
 
@@ -71,7 +73,7 @@ TEST(AudioFile, OpenSourceNamesTheFormatOrTheReason)
     ASSERT_FALSE(p->IsError()); // found by its contents whatever the extension
     EXPECT_EQ(details.szFormat, "WAV");
     EXPECT_EQ(details.szEncoding, "PCM 8-bit");
-    EXPECT_EQ(details.nBits, 8);
+    EXPECT_EQ(details.encoding.szName, "pcm8");
 
     const Bytes vWav = Build(WavShape());
     const std::tuple<std::string, Bytes, std::string> cases[] = {
@@ -93,7 +95,7 @@ TEST(AudioFile, SaveWritesThroughThePumpAndReplacesTheTarget)
     TempDir dir;
     const std::string szPath = dir.File("out.wav");
     testsupport::WriteFileBytes(szPath, Bytes(10, 'o'));
-    SaveProcess save(Ramp(20000, 2).Get(), szPath, 16, 1);
+    SaveProcess save(Ramp(20000, 2).Get(), szPath, "pcm16", 1);
     ASSERT_EQ(save.Run(), 0) << save.szError;
     LSoundSourcePtr p = LAudioFile::OpenSource(szPath);
     ASSERT_EQ(p->GetLength(), 20000);
@@ -118,10 +120,7 @@ TEST(AudioFile, FailedOrCancelledSaveKeepsTheOldFile)
 
     SaveProcess latched(pSilent.Get(), szPath);
     EXPECT_EQ(latched.Run(), 2);
-    SaveProcess badBits(Ramp(10, 1).Get(), szPath, 24);
-    EXPECT_EQ(badBits.Run(), 2);
-    EXPECT_EQ(badBits.szError, "WAV files cannot be written with 24 bits per sample");
-    SaveProcess sixToOne(Ramp(10, 6).Get(), szPath, 16, 1);
+    SaveProcess sixToOne(Ramp(10, 6).Get(), szPath, "pcm16", 1);
     EXPECT_EQ(sixToOne.Run(), 2);
     EXPECT_EQ(sixToOne.szError, "cannot convert 6 channels to 1");
     SaveProcess unknown(Ramp(10, 1).Get(), dir.File("x.xyz"));
@@ -133,4 +132,33 @@ TEST(AudioFile, FailedOrCancelledSaveKeepsTheOldFile)
 
     EXPECT_EQ(testsupport::ReadFileBytes(szPath), vOld);
     EXPECT_EQ(FilesIn(dir), 1u);
+}
+
+TEST(AudioFile, EncodingsNotOfTheTargetFormatGiveWayToItsDefault)
+{
+    TempDir dir;
+    const std::pair<std::string, int> cases[] = {{"pcm8", 8}, {"pcm16", 16}, {"", 16}, {"mp3-vbr", 16}};
+    for (const auto& [szEncoding, nBits] : cases) {
+        const std::string szPath = dir.File("e" + szEncoding + ".wav");
+        SaveProcess save(Ramp(100, 1).Get(), szPath, szEncoding);
+        ASSERT_EQ(save.Run(), 0) << szEncoding << ": " << save.szError;
+        EXPECT_EQ(testsupport::ReadFileBytes(szPath)[34], nBits) << szEncoding;
+    }
+}
+
+TEST(AudioFormat, DialogFiltersAndExtensionsComeFromTheFormatList)
+{
+    EXPECT_EQ(LAudioFormat::ByExtension("/a/b.WAVE"), LAudioFormat::ByName("WAV"));
+    EXPECT_EQ(LAudioFormat::ByExtension("/a/b"), nullptr);
+    EXPECT_EQ(LAudioFormat::ByName("WAV")->GetDefaultExtension(), ".wav");
+    const std::vector<LAudioFileType> vOpen = LAudioFormat::OpenTypes();
+    ASSERT_FALSE(vOpen.empty());
+    EXPECT_EQ(vOpen.front().szLabel, "Wave Files(*.wav)");
+    // Every writable format is offered for saving, and only those.
+    size_t nWritable = 0;
+    for (const LAudioFormat* p : LAudioFormat::All())
+        nWritable += p->CanWrite() ? p->GetFileTypes().size() : 0;
+    EXPECT_EQ(LAudioFormat::SaveTypes().size(), nWritable);
+    const std::string szAll = LAudioFormat::AllPatterns({{"A", "*.x;*.y"}, {"B", "*.y;*.z"}});
+    EXPECT_EQ(szAll, "*.x;*.y;*.z");
 }

@@ -1,0 +1,42 @@
+#include "ui/LAudioFilters.h"
+
+#include <QStringList>
+
+#include "formats/LAudioFormat.h"
+
+namespace {
+
+// Qt splits a filter's patterns at spaces, and matches case by case on this system.
+QString Patterns(const std::string& szList)
+{
+    QStringList out;
+    for (const QString& s : QString::fromStdString(szList).split(';', Qt::SkipEmptyParts)) {
+        out << s.toLower();
+        if (s.toUpper() != s.toLower())
+            out << s.toUpper();
+    }
+    out.removeDuplicates();
+    return out.join(' ');
+}
+
+QString Filter(const std::vector<LAudioFileType>& vTypes)
+{
+    QStringList filters;
+    filters << QString("Audio Files (%1)").arg(Patterns(LAudioFormat::AllPatterns(vTypes)));
+    for (const LAudioFileType& type : vTypes)
+        filters << QString("%1 (%2)").arg(QString::fromStdString(type.szLabel), Patterns(type.szPatterns));
+    filters << "All Files (*)";
+    return filters.join(";;");
+}
+
+} // namespace
+
+QString LAudioFilters::Open()
+{
+    return Filter(LAudioFormat::OpenTypes());
+}
+
+QString LAudioFilters::Save()
+{
+    return Filter(LAudioFormat::SaveTypes());
+}
