@@ -4,6 +4,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 
+#include "ui/LSaveFormatOptions.h"
 #include "ui/NewWavDlg.h"
 
 namespace {
@@ -79,4 +80,10 @@ bool LQtUiPrompts::AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nCh
     nSampleRate = dlg.GetSampleRate();
     nChans = dlg.GetChannels();
     return true;
+}
+
+bool LQtUiPrompts::AskSaveOptions(QWidget* pParent, const std::string& szFormatName, int32_t nSampleRate,
+                                  uint8_t nChans, LAudioEncoding& encoding)
+{
+    return LSaveFormatOptions::Ask(pParent, szFormatName, nSampleRate, nChans, encoding);
 }

@@ -6,8 +6,10 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <string>
 
 class QWidget;
+struct LAudioEncoding;
 
 class LUiPrompts
 {
@@ -42,6 +44,13 @@ public:
                            double fMin, double fMax, int nDecimals) = 0;
     // The sample rate and channel count of a new file (the new-file dialog); false when cancelled.
     virtual bool AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans) = 0;
+    // How a file of the named format is to be written (its own settings dialog, where it has
+    // one); false when cancelled. Scripted prompts keep the encoding as it is.
+    virtual bool AskSaveOptions(QWidget* pParent, const std::string& szFormatName, int32_t nSampleRate,
+                                uint8_t nChans, LAudioEncoding& encoding)
+    {
+        return true;
+    }
 
     static LUiPrompts& Get();
     // Not owned; null restores the Qt dialogs.
@@ -60,4 +69,6 @@ public:
     bool AskNumber(QWidget* pParent, const QString& szCaption, const QString& szLabel, double& fValue, double fMin,
                    double fMax, int nDecimals) override;
     bool AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans) override;
+    bool AskSaveOptions(QWidget* pParent, const std::string& szFormatName, int32_t nSampleRate, uint8_t nChans,
+                        LAudioEncoding& encoding) override;
 };

@@ -14,6 +14,7 @@
 #include "core/LSettings.h"
 #include "core/LTrace.h"
 #include "formats/LAudioFile.h"
+#include "formats/LAudioFormat.h"
 #include "ui/LAudioFilters.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
@@ -236,6 +237,18 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
         szChosen += ".wav";
     LSettings::SetString(kFolders, "SaveAsDir", QFileInfo(szChosen).absolutePath().toStdString());
     const std::string szNew = szChosen.toStdString();
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szNew);
+    if (!pFormat || !pFormat->CanWrite()) {
+        LUiPrompts::Get().Inform(this, "File Error",
+                                 QString("Sonitra cannot write \"%1\" files.").arg(QFileInfo(szChosen).suffix()),
+                                 LUiPrompts::IconError);
+        return false;
+    }
+    // The encoding the file was read in is the starting choice where the new format has it.
+    LAudioEncoding encoding = pFormat->CanWrite(pWindow->GetSaveEncoding()) ? pWindow->GetSaveEncoding() : LAudioEncoding();
+    const LCutListAudio& doc = pWindow->GetFile().GetDocument();
+    if (!LUiPrompts::Get().AskSaveOptions(this, pFormat->GetName(), doc.GetSampleRate(), doc.GetChannels(), encoding))
+        return false;
     if (szNew != pWindow->GetPath() && LFile::Exists(szNew)) {
         const auto answer = LUiPrompts::Get().Ask(
             this, "Sonitra", "Another file with the same name already exists. Do you want to replace it?", false);
@@ -244,9 +257,12 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
     }
     const std::string szOldPath = pWindow->GetPath();
     const std::string szOldName = pWindow->GetName();
+    const LAudioEncoding oldEncoding = pWindow->GetSaveEncoding();
     pWindow->SetPath(szNew);
+    pWindow->SetSaveEncoding(encoding);
     if (!SaveFile(pWindow)) {
         pWindow->SetIdentity(szOldPath, szOldName);
+        pWindow->SetSaveEncoding(oldEncoding);
         return false;
     }
     recent.Add(szNew, static_cast<int64_t>(std::time(nullptr)));

@@ -166,17 +166,21 @@ private slots:
         QVERIFY(pWindow);
         pWindow->SetSelection(0, 100);
         QVERIFY(frame->Command(CmDeleteId));
-        // A type no writer knows: the save fails, the old file of that name stays as it was.
+        // A type no writer knows is refused before anything is written; a folder that is not
+        // there fails the save itself. Either way the old file of that name stays as it was.
         const QString szOther = h->File("c.xyz");
         QFile f(szOther);
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.write("precious");
         f.close();
         h->prompts.saveNames.push_back(szOther);
-        h->prompts.answers.push_back(LUiPrompts::AnswerYes);
         QVERIFY(frame->Command(CmSaveAsId));
         QCOMPARE(h->prompts.informs.size(), 1);
-        QVERIFY(h->prompts.informs.front().startsWith("File Error: Unable to save"));
+        QVERIFY(h->prompts.informs.front().startsWith("File Error: Sonitra cannot write \"xyz\" files"));
+        h->prompts.saveNames.push_back(h->File("none/c.wav"));
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(h->prompts.informs.size(), 2);
+        QVERIFY(h->prompts.informs.back().startsWith("File Error: Unable to save"));
         QVERIFY(pWindow->GetFile().IsModified());
         QCOMPARE(Bytes(szOther), QByteArray("precious"));
         QCOMPARE(QString::fromStdString(pWindow->GetPath()), szPath);
@@ -185,7 +189,7 @@ private slots:
         h->prompts.openNames.push_back({szOther});
         QVERIFY(frame->Command(CmOpenId));
         QCOMPARE(frame->GetFileWindows().size(), size_t(1));
-        QCOMPARE(h->prompts.informs.size(), 2);
+        QCOMPARE(h->prompts.informs.size(), 3);
     }
 
     void recentListKeepsNewestFirst()
