@@ -5,8 +5,8 @@
 #include "core/LFixed.h"
 #include "core/LSRCConvertChannels.h"
 #include "core/LSRCConvertRate.h"
+#include "core/LSoundLimiter.h"
 #include "core/LTrace.h"
-#include "dsp/LSRCPeakLimit.h"
 
 LPRSourceToSink::LPRSourceToSink(const std::string& szTitle, LSoundSourceBase* pSrc, LSoundSinkBase* pSnk)
     : LProgressDialog(szTitle), szPumpTitle(szTitle), pSource(pSrc), pSink(pSnk)
@@ -31,7 +31,7 @@ LSoundSourcePtr LPRSourceToSink::Adapt(LSoundSourceBase* pSrc, int32_t nTargetRa
         p = new LSRCConvertRate(p.Get(), nTargetRate);
     }
     if (p->GetMaxAmplitude() > kFullScale16)
-        p = new LSRCPeakLimit(p.Get(), kFullScale16);
+        p = LSoundLimiter::Wrap(p.Get(), kFullScale16);
     return p;
 }
 

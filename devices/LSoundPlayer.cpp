@@ -8,7 +8,7 @@
 #include "core/LFixed.h"
 #include "core/LTrace.h"
 #include "dsp/LSRCPeakLimit.h"
-#include "platform/audio/LThreadPriority.h"
+#include "work/LThreadPriority.h"
 
 namespace {
 LSoundPlayerNotify g_nullNotify;

@@ -121,4 +121,8 @@ public:
     static LWaveDriver& Get();
     // Not owned; null restores the default choice.
     static void SetDriver(LWaveDriver* pDriver);
+    // A backend for sound cards and servers registers how to get its driver (null when it
+    // finds no device) before the first Get; without one, the virtual device serves.
+    using BackendGet = LWaveDriver* (*)();
+    static void RegisterBackend(BackendGet fnGet);
 };

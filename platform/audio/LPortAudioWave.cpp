@@ -7,6 +7,8 @@ LWaveDriver* LPortAudioDriverGet()
     return nullptr;
 }
 
+extern "C" const bool sonitra_portaudio_registered = false;
+
 #else
 
 #include <portaudio.h>
@@ -287,5 +289,9 @@ LWaveDriver* LPortAudioDriverGet()
     }();
     return pDriver;
 }
+
+// The wave-device layer learns of this backend here; the build keeps this object linked in
+// wherever the devices are (it names this symbol as undefined).
+extern "C" const bool sonitra_portaudio_registered = (LWaveDevices::RegisterBackend(&LPortAudioDriverGet), true);
 
 #endif
