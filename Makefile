@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 CMAKE_GEN = -G Ninja
 
-.PHONY: all deps build run test test-debug test-asan fuzz bench clean
+.PHONY: all deps build run test test-debug test-asan test-tsan fuzz bench clean
 
 all: build
 
@@ -16,8 +16,9 @@ build: deps
 run: build
 	tools/run-demo.sh
 
-# Every test twice: a debug build, then under AddressSanitizer and UndefinedBehaviorSanitizer.
-test: deps test-debug test-asan
+# Every test twice: a debug build, then under AddressSanitizer and UndefinedBehaviorSanitizer;
+# the threaded layers (core, work, devices) once more under ThreadSanitizer.
+test: deps test-debug test-asan test-tsan
 
 test-debug:
 	cmake -S . -B build/debug $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_BENCH=OFF
@@ -28,6 +29,12 @@ test-asan:
 	cmake -S . -B build/asan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_SANITIZE=ON -DSONITRA_BENCH=OFF
 	cmake --build build/asan -j $(JOBS)
 	cd build/asan && ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j $(JOBS)
+
+TSAN_TESTS = test_core test_work test_devices
+test-tsan:
+	cmake -S . -B build/tsan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_TSAN=ON -DSONITRA_UI=OFF -DSONITRA_BENCH=OFF
+	cmake --build build/tsan -j $(JOBS) --target $(TSAN_TESTS)
+	for t in $(TSAN_TESTS); do TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" build/tsan/tests/$$t || exit 1; done
 
 # make fuzz TARGET=wav SECONDS=600
 TARGET ?= wav

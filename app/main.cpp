@@ -34,13 +34,7 @@ int main(int argc, char** argv)
     MainDialog frame;
     frame.show();
     LInstanceChannel channel;
-    QObject::connect(&channel, &LInstanceChannel::FilesReceived, &frame, [&frame](const QStringList& paths) {
-        // A start without files just brings the editor to the front.
-        frame.raise();
-        frame.activateWindow();
-        for (const QString& s : paths)
-            frame.EvLoad(s);
-    });
+    QObject::connect(&channel, &LInstanceChannel::FilesReceived, &frame, &MainDialog::HandOver);
     channel.Listen(szChannel);
     runMutex.Unlock();
 

@@ -2,12 +2,15 @@
 // other threads load every core, and counts underruns: buffers the device finished before the
 // player had queued the next one. The goal is 0.
 //
-// usage: bench_player_underruns [MINUTES [SPEED [LOAD_THREADS]]]
+// usage: bench_player_underruns [MINUTES [SPEED [LOAD_THREADS [CALLBACK_FRAMES]]]]
+// CALLBACK_FRAMES makes the device move that many frames per tick, as a sound card's callback
+// does (0: whatever is due whenever a buffer runs out).
 #include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -75,11 +78,13 @@ int main(int argc, char** argv)
     const double fSpeed = argc > 2 ? std::atof(argv[2]) : 20.0;
     const unsigned nLoad = argc > 3 ? static_cast<unsigned>(std::atoi(argv[3]))
                                     : std::max(1u, std::thread::hardware_concurrency());
+    const int32_t nBlock = argc > 4 ? std::atoi(argv[4]) : 0;
     constexpr int32_t kRate = 44100;
     const int32_t nFrames = static_cast<int32_t>(fMinutes * 60 * kRate);
 
     LVirtualWaveDriver driver;
     driver.SetSpeed(fSpeed);
+    driver.SetBlockFrames(nBlock);
     LWaveDevices::SetDriver(&driver);
 
     std::atomic<bool> bRun{true};
@@ -108,8 +113,8 @@ int main(int argc, char** argv)
     LWaveDevices::SetDriver(nullptr);
 
     const int64_t nPlayed = driver.stats.nFramesPlayed.load();
-    std::printf("played %.1f min of 44100 Hz stereo at %.0fx in %.1f s with %u loading thread(s)\n", fMinutes, fSpeed,
-                fSeconds, nLoad);
+    std::printf("played %.1f min of 44100 Hz stereo at %.0fx in %.1f s with %u loading thread(s), device blocks of %s\n",
+                fMinutes, fSpeed, fSeconds, nLoad, nBlock > 0 ? (std::to_string(nBlock) + " frames").c_str() : "any size");
     std::printf("buffers queued: %d, frames heard: %lld of %d\n", driver.stats.nWrites.load(),
                 static_cast<long long>(nPlayed), nFrames);
     std::printf("underruns (buffers back before the next was queued): %d (goal 0)\n", driver.stats.nUnderruns.load());

@@ -8,6 +8,7 @@
 
 #include "cli/LCliVerb.h"
 #include "core/LCutListAudioLoadSource.h"
+#include "core/LEdCommands.h"
 #include "core/LEdFile.h"
 #include "core/LSoundTime.h"
 #include "formats/LAudioFile.h"
@@ -29,6 +30,7 @@ const char kUsage[] =
     "  copy=S,E              copy S to E to the clipboard\n"
     "  cut=S,E               copy S to E to the clipboard, then remove it\n"
     "  paste=P               insert the clipboard at P\n"
+    "  silence=S,E           turn S to E into silence\n"
     "  insert-silence=P,N    insert N frames (or a time) of silence at P\n"
     "  repeat=S,E,TIMES      insert S to E at S, TIMES times more\n"
     "  amplify=S,E,PERCENT   scale S to E (100 keeps it, 0 silences)\n"
@@ -40,7 +42,7 @@ const char kUsage[] =
     "Every operation but copy can be undone. OUT is written only when every operation is valid.\n"
     "Exit status: 0 done, 1 cancelled, 2 error, 64 wrong usage.";
 
-enum class OpKind { Delete, Crop, CropStart, CropEnd, Copy, Cut, Paste, InsertSilence, Repeat, Amplify, Undo };
+enum class OpKind { Delete, Crop, CropStart, CropEnd, Copy, Cut, Paste, Silence, InsertSilence, Repeat, Amplify, Undo };
 
 struct OpShape
 {
@@ -59,6 +61,7 @@ const OpShape kOps[] = {
     {"copy", OpKind::Copy, 2, false, ""},
     {"cut", OpKind::Cut, 2, false, "Cut"},
     {"paste", OpKind::Paste, 1, false, "Paste"},
+    {"silence", OpKind::Silence, 2, false, "Edit Silence"},
     {"insert-silence", OpKind::InsertSilence, 2, false, "Insert Silence At Current Position"},
     {"repeat", OpKind::Repeat, 2, true, "Repeat Loop"},
     {"amplify", OpKind::Amplify, 2, true, "Amplify"},
@@ -78,7 +81,7 @@ struct Position
     {
         int64_t n = nFrames;
         if (bTime)
-            n = static_cast<int64_t>(nMs / 1000) * nRate + (static_cast<int64_t>(nMs % 1000) * nRate) / 1000;
+            n = LEdCommands::FramesOfMs(nMs, nRate);
         if (n < INT32_MIN || n > INT32_MAX)
             return false;
         sOut = static_cast<int32_t>(n);
@@ -225,17 +228,19 @@ void Apply(const Op& op, LEdFile& file, LCutListAudio& clip)
     if (kind != OpKind::Copy)
         file.StartModify(op.pShape->szLabel); // taken before the change, even one that changes nothing
     const int32_t a = op.s[0], b = op.s[1];
+    // The same engine commands as the editor's menus, so both give the same samples.
     switch (kind) {
-    case OpKind::Delete: doc.EfDelete(a, b); break;
-    case OpKind::Crop: doc.CropEnd(b); doc.CropStart(a); break;
-    case OpKind::CropStart: doc.CropStart(a); break;
-    case OpKind::CropEnd: doc.CropEnd(a); break;
-    case OpKind::Copy: doc.EfCopy(a, b, clip); break;
-    case OpKind::Cut: doc.Cut(a, b, clip); break;
-    case OpKind::Paste: doc.Insert(a, clip); break;
-    case OpKind::InsertSilence: doc.InsertSilence(a, b); break;
-    case OpKind::Repeat: doc.Repeat(a, b, op.nCount); break;
-    case OpKind::Amplify: doc.EfAmplify(a, b, op.nCount); break;
+    case OpKind::Delete: LEdCommands::Delete(doc, a, b); break;
+    case OpKind::Crop: LEdCommands::Trim(doc, a, b); break;
+    case OpKind::CropStart: LEdCommands::TrimStart(doc, a); break;
+    case OpKind::CropEnd: LEdCommands::TrimEnd(doc, a); break;
+    case OpKind::Copy: LEdCommands::Copy(doc, a, b, clip); break;
+    case OpKind::Cut: LEdCommands::Cut(doc, a, b, clip); break;
+    case OpKind::Paste: LEdCommands::Paste(doc, a, a, clip); break;
+    case OpKind::Silence: LEdCommands::Silence(doc, a, b); break;
+    case OpKind::InsertSilence: LEdCommands::InsertSilenceFrames(doc, a, b); break;
+    case OpKind::Repeat: LEdCommands::Repeat(doc, a, b, op.nCount); break;
+    case OpKind::Amplify: LEdCommands::Amplify(doc, a, b, op.nCount); break;
     case OpKind::Undo: break;
     }
     file.EndModify(a, 0);

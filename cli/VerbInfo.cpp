@@ -11,8 +11,9 @@ const char kUsage[] =
     "usage: sonitra-cli info FILE...\n"
     "\n"
     "Prints one line per file: its format, sample rate, channels, and length in frames and\n"
-    "as h:mm:ss.mmm. A file that cannot be read is reported on stderr and the exit status is 2;\n"
-    "the other files are still reported.";
+    "as h:mm:ss.mmm. A file whose header claims more frames than it holds gets a second line\n"
+    "saying how many are really there (the rest reads as silence). A file that cannot be read\n"
+    "is reported on stderr and the exit status is 2; the other files are still reported.";
 
 bool PrintInfo(const std::string& szPath)
 {
@@ -29,6 +30,14 @@ bool PrintInfo(const std::string& szPath)
     std::printf("%s: %s %s, %d Hz, %d channel%s, %d frames, %s\n", szPath.c_str(), details.szFormat.c_str(),
                 details.szEncoding.c_str(), pSource->GetSampleRate(), nChans, nChans == 1 ? "" : "s",
                 pSource->GetLength(), length.FormatMilliseconds().c_str());
+    const int32_t sHeld = pSource->GetLengthInFile();
+    if (sHeld < pSource->GetLength()) {
+        LSoundTime held;
+        held.SetSamples(sHeld, pSource->GetSampleRate());
+        std::printf("%s: the header claims %d frames but the file holds only %d (%s); the rest reads as "
+                    "silence\n",
+                    szPath.c_str(), pSource->GetLength(), sHeld, held.FormatMilliseconds().c_str());
+    }
     return true;
 }
 

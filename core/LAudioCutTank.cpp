@@ -143,6 +143,8 @@ void LAudioCutTank::IncRef(uint16_t nRef)
     std::lock_guard<std::mutex> lock(mtxCounts);
     if (vCounts[nRef] < kMaxCount)
         ++vCounts[nRef];
+    else
+        vPinned[nRef] = true;
 }
 
 void LAudioCutTank::DecRef(uint16_t nRef)
@@ -150,6 +152,12 @@ void LAudioCutTank::DecRef(uint16_t nRef)
     if (nRef == kSilentRef)
         return;
     std::lock_guard<std::mutex> lock(mtxCounts);
+    if (vPinned[nRef]) {
+        // More references may be out than the count remembers: keep the files and the number.
+        if (vCounts[nRef] > 1)
+            --vCounts[nRef];
+        return;
+    }
     if (vCounts[nRef] < 2) {
         // Deleted under the lock, so that the number cannot be handed out again while its old
         // files still exist.
@@ -158,6 +166,12 @@ void LAudioCutTank::DecRef(uint16_t nRef)
     } else {
         --vCounts[nRef];
     }
+}
+
+bool LAudioCutTank::IsPinned(uint16_t nRef)
+{
+    std::lock_guard<std::mutex> lock(mtxCounts);
+    return vPinned[nRef];
 }
 
 uint16_t LAudioCutTank::GetRefCount(uint16_t nRef)
@@ -209,6 +223,16 @@ std::string LAudioCutTank::GetGrfFilePath(uint16_t nRef)
 
 bool LAudioCutTank::Sweep()
 {
+    {
+        // Pinned segments go with the sweep, and their numbers with them.
+        std::lock_guard<std::mutex> lock(mtxCounts);
+        for (uint32_t n = 0; n < kSilentRef; ++n) {
+            if (vPinned[n]) {
+                vPinned[n] = false;
+                vCounts[n] = 0;
+            }
+        }
+    }
     std::string szFolder;
     {
         std::lock_guard<std::mutex> lock(mtxFolder);

@@ -29,9 +29,13 @@ public:
     // Claims the lowest free number with a count of 1. When none is free, returns 0 claiming
     // nothing; *pbClaimed (when given) tells the two apart.
     uint16_t GetNewRefAndIncRef(bool* pbClaimed = nullptr);
+    // A count saturates at 65535; from then on the segment is pinned, since releases can no
+    // longer be matched with the references taken.
     void IncRef(uint16_t nRef);
-    // The last release deletes both files of the segment.
+    // The last release deletes both files of the segment. A pinned segment is never deleted
+    // (its count stops at 1 and its number stays claimed) until the tank sweeps its folder.
     void DecRef(uint16_t nRef);
+    bool IsPinned(uint16_t nRef);
     uint16_t GetRefCount(uint16_t nRef);
     // How many numbers are in use (tests and leak checks).
     int32_t CountUsedRefs();
@@ -60,4 +64,5 @@ private:
     bool bOwnsFolder = false; // a per-process folder is removed by the sweep
     std::mutex mtxCounts;
     uint16_t vCounts[65536] = {};
+    bool vPinned[65536] = {};
 };

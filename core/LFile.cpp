@@ -1,5 +1,6 @@
 #include "core/LFile.h"
 
+#include <atomic>
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
@@ -8,6 +9,69 @@
 #include <unistd.h>
 
 #include "core/LTrace.h"
+
+namespace {
+thread_local int nLastError = 0;
+
+// Disarmed unless a test arms it; one relaxed load on the write path otherwise.
+std::atomic<bool> bFaultArmed{false};
+std::atomic<int64_t> nFaultCalls{0};
+std::atomic<int64_t> nFaultAt{0};
+std::atomic<int> nFaultKind{LFile::FaultFail};
+
+enum class FaultOutcome
+{
+    None,
+    Fail,
+    Short,
+};
+
+FaultOutcome CountFaultCall()
+{
+    if (!bFaultArmed.load(std::memory_order_relaxed))
+        return FaultOutcome::None;
+    const int64_t nCall = ++nFaultCalls;
+    if (nCall != nFaultAt.load())
+        return FaultOutcome::None;
+    return nFaultKind.load() == LFile::FaultShortWrite ? FaultOutcome::Short : FaultOutcome::Fail;
+}
+
+bool Failed(int nErrno)
+{
+    nLastError = nErrno;
+    errno = nErrno;
+    return false;
+}
+} // namespace
+
+int LFile::GetLastError()
+{
+    return nLastError;
+}
+
+void LFile::ClearLastError()
+{
+    nLastError = 0;
+}
+
+void LFile::InjectFault(int64_t nCall, Fault fault)
+{
+    nFaultCalls = 0;
+    nFaultAt = nCall;
+    nFaultKind = fault;
+    bFaultArmed = true;
+}
+
+void LFile::ClearFault()
+{
+    bFaultArmed = false;
+    nFaultAt = 0;
+}
+
+int64_t LFile::GetFaultCalls()
+{
+    return nFaultCalls.load();
+}
 
 LFile& LFile::operator=(LFile&& other) noexcept
 {
@@ -75,19 +139,72 @@ int64_t LFile::Read(void* pBuffer, int64_t nBytes)
 
 int64_t LFile::Write(const void* pBuffer, int64_t nBytes)
 {
-    if (hFile < 0 || nBytes <= 0)
+    if (hFile < 0) {
+        Failed(EBADF);
         return 0;
+    }
+    if (nBytes <= 0)
+        return 0;
+    const FaultOutcome fault = CountFaultCall();
+    if (fault == FaultOutcome::Fail) {
+        Failed(ENOSPC);
+        return 0;
+    }
+    // A short write stands for a disk that fills up in the middle of the call.
+    const int64_t nAllowed = fault == FaultOutcome::Short ? nBytes / 2 : nBytes;
     int64_t nDone = 0;
+    int nErr = 0;
     auto* p = static_cast<const char*>(pBuffer);
-    while (nDone < nBytes) {
-        ssize_t n = ::write(hFile, p + nDone, static_cast<size_t>(nBytes - nDone));
+    while (nDone < nAllowed) {
+        ssize_t n = ::write(hFile, p + nDone, static_cast<size_t>(nAllowed - nDone));
         if (n < 0 && errno == EINTR)
             continue;
+        if (n < 0)
+            nErr = errno;
         if (n <= 0)
             break;
         nDone += n;
     }
+    // write() delivering less without a reason means the device is full.
+    if (nDone < nBytes)
+        Failed(nErr ? nErr : ENOSPC);
     return nDone;
+}
+
+bool LFile::Sync()
+{
+    if (hFile < 0)
+        return Failed(EBADF);
+    if (CountFaultCall() != FaultOutcome::None)
+        return Failed(EIO);
+    while (::fsync(hFile) != 0) {
+        if (errno != EINTR)
+            return Failed(errno);
+    }
+    return true;
+}
+
+bool LFile::SyncFolder(const std::string& szFolderPath)
+{
+    if (CountFaultCall() != FaultOutcome::None)
+        return Failed(EIO);
+    const std::string szFolder = szFolderPath.empty() ? std::string(".") : szFolderPath;
+    int fd = -1;
+    do {
+        fd = ::open(szFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    } while (fd < 0 && errno == EINTR);
+    if (fd < 0)
+        return Failed(errno);
+    int r = 0;
+    do {
+        r = ::fsync(fd);
+    } while (r != 0 && errno == EINTR);
+    const int nErr = errno;
+    ::close(fd);
+    // Some file systems cannot flush a folder; their renames are as durable as they get.
+    if (r != 0 && nErr != EINVAL && nErr != EROFS)
+        return Failed(nErr);
+    return true;
 }
 
 int64_t LFile::Seek(int64_t nOffset, SeekFrom from)
@@ -133,7 +250,11 @@ bool LFile::Delete(const std::string& szPath)
 
 bool LFile::Rename(const std::string& szFrom, const std::string& szTo)
 {
-    return std::rename(szFrom.c_str(), szTo.c_str()) == 0;
+    if (CountFaultCall() != FaultOutcome::None)
+        return Failed(EIO);
+    if (std::rename(szFrom.c_str(), szTo.c_str()) != 0)
+        return Failed(errno);
+    return true;
 }
 
 static size_t ExtensionDot(const std::string& szPath)

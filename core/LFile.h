@@ -44,10 +44,32 @@ public:
     int64_t Size();
     // Cuts the file at the current position.
     bool Truncate();
+    // Flushes what was written to the disk itself (not only to the system's cache).
+    bool Sync();
 
     static bool Exists(const std::string& szPath);
     static bool Delete(const std::string& szPath);
     static bool Rename(const std::string& szFrom, const std::string& szTo);
+    // Flushes a folder's entries (a rename into it) to the disk.
+    static bool SyncFolder(const std::string& szFolderPath);
+
+    // The system's reason for the last failed Write, Sync, SyncFolder or Rename of this thread
+    // (an errno value; 0 when none failed since the last ClearLastError).
+    static int GetLastError();
+    static void ClearLastError();
+
+    // Fault injection for tests: Write, Sync, SyncFolder and Rename calls of the whole process are
+    // counted from the moment of arming, and call number nCall (from 1) fails with ENOSPC, or for
+    // a short write delivers only part of the bytes. nCall 0 only counts.
+    enum Fault
+    {
+        FaultFail,
+        FaultShortWrite,
+    };
+    static void InjectFault(int64_t nCall, Fault fault = FaultFail);
+    static void ClearFault();
+    // The calls counted since arming.
+    static int64_t GetFaultCalls();
 
     // Replaces (or adds) the extension of szPath; szExt includes the dot.
     static bool ApplyNewFileExtension(std::string& szPath, const std::string& szExt);

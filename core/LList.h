@@ -84,6 +84,7 @@ public:
     T* First() { return pHead ? &pHead->data : nullptr; }
     T* Last() { return pTail ? &pTail->data : nullptr; }
     const T* First() const { return pHead ? &pHead->data : nullptr; }
+    const T* Last() const { return pTail ? &pTail->data : nullptr; }
 
     template <class F> void ForEach(F&& f) const
     {

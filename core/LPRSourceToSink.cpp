@@ -5,8 +5,8 @@
 #include "core/LFixed.h"
 #include "core/LSRCConvertChannels.h"
 #include "core/LSRCConvertRate.h"
+#include "core/LSoundLimiter.h"
 #include "core/LTrace.h"
-#include "dsp/LSRCPeakLimit.h"
 
 LPRSourceToSink::LPRSourceToSink(const std::string& szTitle, LSoundSourceBase* pSrc, LSoundSinkBase* pSnk)
     : LProgressDialog(szTitle), szPumpTitle(szTitle), pSource(pSrc), pSink(pSnk)
@@ -31,9 +31,17 @@ LSoundSourcePtr LPRSourceToSink::Adapt(LSoundSourceBase* pSrc, int32_t nTargetRa
         p = new LSRCConvertRate(p.Get(), nTargetRate);
     }
     if (p->GetMaxAmplitude() > kFullScale16)
-        p = new LSRCPeakLimit(p.Get(), kFullScale16);
+        p = LSoundLimiter::Wrap(p.Get(), kFullScale16);
     return p;
 }
+
+namespace {
+int32_t SinkFailed()
+{
+    LTRACE("LPRSourceToSink::Process Sink Write Error");
+    return LProgressDialog::ResultError;
+}
+} // namespace
 
 int32_t LPRSourceToSink::Pump(LProgressDialog& dlg, const std::string& szTitle, LSoundSourceBase* pSrc, LSoundSinkBase* pSnk)
 {
@@ -65,9 +73,12 @@ int32_t LPRSourceToSink::Pump(LProgressDialog& dlg, const std::string& szTitle, 
             const int64_t nValid = kBlockFrames - (sPos - sLen);
             if (nValid >= 1 && nValid <= kBlockFrames)
                 pSnk->Write(vBuffer.data(), static_cast<int32_t>(nValid));
-            return ResultDone;
+            return pSnk->IsError() ? SinkFailed() : ResultDone;
         }
         pSnk->Write(vBuffer.data(), kBlockFrames);
+        // Converting the rest into a sink that no longer takes it would only waste the time.
+        if (pSnk->IsError())
+            return SinkFailed();
         dlg.SetProgress(static_cast<double>(sPos) / fTotal);
     }
 }

@@ -16,6 +16,7 @@ public:
     void Read(int32_t* pBuffer, int32_t nFrames) override;
     int32_t GetPosition() override { return pInput->GetPosition(); }
     int32_t GetLength() override { return pInput->GetLength(); }
+    int32_t GetLengthInFile() override { return pInput->GetLengthInFile(); }
     void SetPosition(int32_t sPosition) override { pInput->SetPosition(sPosition); }
 
     // True for the pairs a converter exists for.

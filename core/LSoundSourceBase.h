@@ -21,6 +21,11 @@ public:
     virtual int32_t GetLength() = 0;
     // A source that cannot seek keeps this default, which does nothing.
     virtual void SetPosition(int32_t sPosition) {}
+    // How many frames the underlying file really holds, when that is fewer than GetLength()
+    // (a header that claims more than is there); the frames past it read as silence. Loading
+    // stores only these and makes the rest one silent cut. A reader whose header states a
+    // length answers this; the default, the whole length, suits every other source.
+    virtual int32_t GetLengthInFile() { return GetLength(); }
 
     int32_t GetSampleRate() const { return nSampleRate; }
     uint8_t GetChannels() const { return nChans; }

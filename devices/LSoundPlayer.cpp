@@ -8,7 +8,7 @@
 #include "core/LFixed.h"
 #include "core/LTrace.h"
 #include "dsp/LSRCPeakLimit.h"
-#include "platform/audio/LThreadPriority.h"
+#include "work/LThreadPriority.h"
 
 namespace {
 LSoundPlayerNotify g_nullNotify;
@@ -16,6 +16,8 @@ LSoundPlayerNotify g_nullNotify;
 // How long the worker waits for a buffer to come back before it looks again, and how long
 // Stop waits for the driver to let go of its buffers, both in device time.
 constexpr int32_t kLookWaitMs = 150;
+constexpr int32_t kDrainLookMs = 10;
+constexpr int kDrainMaxLooks = 300;
 constexpr int32_t kUnprepareRetryMs = 50;
 constexpr int32_t kUnprepareBudgetMs = 1000;
 constexpr int32_t kStopTimeoutMs = 5000;
@@ -374,6 +376,13 @@ bool LSoundPlayer::WorkerStep(int& nFailedLooks)
     }
     const bool bWrote = FillHeader(h);
     if (!bWrote && AllDone()) {
+        lock.unlock();
+        // The end is reported once the last sample has been heard, not when the device took
+        // it; Stop still ends the wait at once.
+        // A host clock that stalls cannot hold the end back for long.
+        for (int n = 0; n < kDrainMaxLooks && pDevice->IsDraining(); ++n)
+            if (sigStop.Wait(pDevice->RealMs(kDrainLookMs)))
+                return false;
         bNotifyStop = true;
         notifier.Notify();
         return false;

@@ -5,7 +5,7 @@
 
 #include "core/LFixed.h"
 #include "core/LTrace.h"
-#include "platform/audio/LThreadPriority.h"
+#include "work/LThreadPriority.h"
 
 namespace {
 LSoundRecorderNotify g_nullNotify;

@@ -49,6 +49,10 @@ public:
     // Device seconds per real second (1 = real time). Applies to devices opened afterwards.
     void SetSpeed(double fNew) { fSpeed = fNew > 0 ? fNew : 1.0; }
     double GetSpeed() const { return fSpeed; }
+    // Frames a device moves per tick, as a sound card's callback does (0: as many as are due,
+    // waking only when a buffer runs out). Applies to devices opened afterwards.
+    void SetBlockFrames(int32_t n) { nBlockFrames = n > 0 ? n : 0; }
+    int32_t GetBlockFrames() const { return nBlockFrames; }
     // A stuck driver: buffers are neither played nor handed back, not even by a reset.
     void SetHoldBuffers(bool b) { bHold = b; }
     bool GetHoldBuffers() const { return bHold; }
@@ -66,6 +70,7 @@ public:
 
 private:
     std::atomic<double> fSpeed{1.0};
+    std::atomic<int32_t> nBlockFrames{0};
     std::atomic<bool> bHold{false};
     std::atomic<bool> bFailOpen{false};
     std::atomic<bool> bCapture{false};

@@ -11,7 +11,8 @@ constexpr auto kIdleInputTick = std::chrono::milliseconds(10);
 
 LVirtualWaveStream::LVirtualWaveStream(LVirtualWaveDriver& drv, const LWaveDeviceFormat& format, LSignalObject* pDone,
                                        bool bOut)
-    : driver(drv), fmt(format), queue(pDone), bOutput(bOut), fSpeed(drv.GetSpeed()), bRunning(bOut)
+    : driver(drv), fmt(format), queue(pDone), bOutput(bOut), fSpeed(drv.GetSpeed()),
+      nBlockFrames(drv.GetBlockFrames()), bRunning(bOut)
 {
     vScratch.resize(static_cast<size_t>(kChunkFrames) * fmt.nBlockAlign);
     thread = std::thread(&LVirtualWaveStream::Run, this);
@@ -119,7 +120,9 @@ void LVirtualWaveStream::Run()
             nFramesSinceAnchor = 0;
         }
         const double fElapsed = std::chrono::duration<double>(tNow - tAnchor).count();
-        const int64_t nDue = static_cast<int64_t>(fElapsed * fFramesPerSec) - nFramesSinceAnchor;
+        int64_t nDue = static_cast<int64_t>(fElapsed * fFramesPerSec) - nFramesSinceAnchor;
+        if (nBlockFrames > 0)
+            nDue -= nDue % nBlockFrames; // whole callbacks only
         if (nDue > 0) {
             const int64_t nMoved = Move(nDue);
             nFramesSinceAnchor += nDue;
@@ -128,6 +131,13 @@ void LVirtualWaveStream::Run()
                 bAnchored = false;
                 continue;
             }
+        }
+        if (nBlockFrames > 0) {
+            // A callback-driven device: wake for the next block whatever the buffers hold.
+            const auto tWake = tAnchor + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(
+                                             (nFramesSinceAnchor + nBlockFrames) / fFramesPerSec));
+            cv.wait_until(lock, tWake);
+            continue;
         }
         // Sleep until the front buffer runs out (or, recording with no buffer, a short tick).
         const uint32_t nLeft = queue.BytesToNextReturn() / fmt.nBlockAlign;

@@ -40,6 +40,7 @@ private:
     LWaveQueue queue;
     const bool bOutput;
     const double fSpeed;
+    const int32_t nBlockFrames;
 
     std::mutex mtx;
     std::condition_variable cv;

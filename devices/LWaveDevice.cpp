@@ -8,7 +8,6 @@
 
 #include "core/LTrace.h"
 #include "devices/LVirtualWave.h"
-#include "platform/audio/LPortAudioWave.h"
 
 LWaveDeviceFormat LWaveDeviceFormat::Pcm16(int32_t nRate, uint16_t nChans)
 {
@@ -37,6 +36,7 @@ LWaveResult LWaveDeviceBase::Unprepare(LWaveHeader& hdr)
 
 namespace {
 std::atomic<LWaveDriver*> g_pDriver{nullptr};
+std::atomic<LWaveDevices::BackendGet> g_fnBackend{nullptr};
 
 // A sine at half of 16-bit full scale, for trying the recorder without a microphone.
 LVirtualWaveDriver::InputFn ToneInput(double fHz)
@@ -62,7 +62,8 @@ LWaveDriver& DefaultDriver()
                 virtualDriver.SetInput(ToneInput(std::atof(szTone)));
             return &virtualDriver;
         }
-        if (LWaveDriver* p = LPortAudioDriverGet())
+        const LWaveDevices::BackendGet fnBackend = g_fnBackend.load();
+        if (LWaveDriver* p = fnBackend ? fnBackend() : nullptr)
             return p;
         LTRACE("LWaveDevices::Get no sound card or server, using the virtual device");
         return &virtualDriver;
@@ -76,6 +77,11 @@ LWaveDriver& LWaveDevices::Get()
     if (LWaveDriver* p = g_pDriver.load())
         return *p;
     return DefaultDriver();
+}
+
+void LWaveDevices::RegisterBackend(BackendGet fnGet)
+{
+    g_fnBackend = fnGet;
 }
 
 void LWaveDevices::SetDriver(LWaveDriver* pDriver)

@@ -77,6 +77,10 @@ public:
     virtual void Restart() = 0;
     // The looping buffer finishes its current pass and the queue moves on.
     virtual void BreakLoop() = 0;
+    // True while audio already taken from the buffers (done as they are) is still on its way
+    // to the speaker: the host's own buffers and the sound server's. A device that hands a
+    // buffer back only once it has been heard keeps the default.
+    virtual bool IsDraining() { return false; }
 };
 
 class LWaveIn : public LWaveDeviceBase
@@ -117,4 +121,8 @@ public:
     static LWaveDriver& Get();
     // Not owned; null restores the default choice.
     static void SetDriver(LWaveDriver* pDriver);
+    // A backend for sound cards and servers registers how to get its driver (null when it
+    // finds no device) before the first Get; without one, the virtual device serves.
+    using BackendGet = LWaveDriver* (*)();
+    static void RegisterBackend(BackendGet fnGet);
 };

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/LFixed.h"
+#include "core/LSoundLimiter.h"
 #include "core/LTrace.h"
 
 LSRCPeakLimit::LSRCPeakLimit(LSoundSourceBase* pIn, int32_t nLim)
@@ -122,3 +123,14 @@ void LSRCPeakLimit::SetPosition(int32_t sNewPosition)
     sPosition = sNewPosition;
     bRestart = true;
 }
+
+namespace {
+LSoundSourceBase* MakePeakLimit(LSoundSourceBase* pInput, int32_t nCeiling)
+{
+    return new LSRCPeakLimit(pInput, nCeiling);
+}
+} // namespace
+
+// The pump finds the limiter through the stream layer; the build keeps this object linked in
+// wherever the engine is (it names this symbol as undefined).
+extern "C" const bool sonitra_peak_limit_registered = (LSoundLimiter::Register(&MakePeakLimit), true);

@@ -93,25 +93,58 @@ bool CheckSinkShape(const LAudioFormat& format, int32_t nSampleRate, uint8_t nCh
     return true;
 }
 
+std::string SystemReason(const char* szWhat)
+{
+    const int nErr = LFile::GetLastError();
+    return std::string(szWhat) + ": " + (nErr ? std::strerror(nErr) : "unknown reason");
+}
+
+// The new file reaches the disk before it takes the old one's name, and the folder after, so
+// that a crash or a full disk at any moment leaves either the old file or the new one whole.
+bool SyncPart(const std::string& szPart, std::string* pszError)
+{
+    LFile file;
+    if (!file.Open(szPart, LFile::ReadExisting)) {
+        LFile::ClearLastError();
+        SetReason(pszError, std::string("cannot flush the file: ") + std::strerror(errno));
+        return false;
+    }
+    if (!file.Sync()) {
+        SetReason(pszError, SystemReason("cannot flush the file to the disk"));
+        return false;
+    }
+    return true;
+}
+
 int32_t FinishSave(int32_t nResult, LSoundSinkPtr& pSink, const std::string& szPart, const std::string& szPath,
                    std::string* pszError)
 {
-    const bool bWriteFailed = pSink->IsError();
-    pSink.Reset(); // completes the file
-    if (nResult == LProgressDialog::ResultDone && bWriteFailed) {
-        SetReason(pszError, "writing the file failed (is the disk full?)");
-        nResult = LProgressDialog::ResultError;
-    } else if (nResult == LProgressDialog::ResultCancelled) {
+    // The closing header is written here, where its failure is seen, not in the destructor.
+    const bool bWritten = pSink->Complete() && !pSink->IsError();
+    pSink.Reset();
+    if (nResult == LProgressDialog::ResultCancelled) {
         SetReason(pszError, "cancelled");
+    } else if (!bWritten) {
+        SetReason(pszError, SystemReason("writing the file failed"));
+        nResult = LProgressDialog::ResultError;
     } else if (nResult != LProgressDialog::ResultDone) {
         SetReason(pszError, "the sound could not be read");
     }
+    if (nResult == LProgressDialog::ResultDone && !SyncPart(szPart, pszError))
+        nResult = LProgressDialog::ResultError;
     if (nResult == LProgressDialog::ResultDone && !LFile::Rename(szPart, szPath)) {
-        SetReason(pszError, std::string("cannot replace the file: ") + std::strerror(errno));
+        SetReason(pszError, SystemReason("cannot replace the file"));
         nResult = LProgressDialog::ResultError;
     }
-    if (nResult != LProgressDialog::ResultDone)
+    if (nResult != LProgressDialog::ResultDone) {
         LFile::Delete(szPart);
+        return nResult;
+    }
+    if (!LFile::SyncFolder(LFile::FolderOf(szPath))) {
+        // The new file is in place but may not survive a crash: the document stays unsaved.
+        SetReason(pszError, SystemReason("the file was written but its folder could not be flushed"));
+        return LProgressDialog::ResultError;
+    }
     return nResult;
 }
 
@@ -158,6 +191,7 @@ int32_t LAudioFile::Save(LProgressDialog& dlg, const std::string& szTitle, LSoun
                          const LAudioEncoding& encoding, std::string* pszError)
 {
     LSoundSourcePtr pHold(pSource);
+    LFile::ClearLastError();
     if (!pSource || pSource->IsError()) {
         SetReason(pszError, "the sound to save cannot be read");
         return LProgressDialog::ResultError;

@@ -45,13 +45,23 @@ LSNKPCMFileBase::LSNKPCMFileBase(const std::string& szPath, int32_t nRate, int32
 
 LSNKPCMFileBase::~LSNKPCMFileBase()
 {
-    if (!file.IsOpen())
-        return;
+    Complete();
+}
+
+bool LSNKPCMFileBase::Complete()
+{
+    if (bCompleted || !file.IsOpen())
+        return !IsError();
+    bCompleted = true;
     // Sizes that do not fit stay in the open form, which readers take as "up to the end of the file".
     const int64_t nData = static_cast<int64_t>(sPosition) * nFrameSize;
     const bool bFits = nData + 38 < kOpenSize;
-    file.Seek(0);
-    WriteHeader(bFits ? static_cast<uint32_t>(38 + nData) : kOpenSize, bFits ? static_cast<uint32_t>(nData) : kOpenSize);
+    if (file.Seek(0) != 0 ||
+        !WriteHeader(bFits ? static_cast<uint32_t>(38 + nData) : kOpenSize, bFits ? static_cast<uint32_t>(nData) : kOpenSize)) {
+        LTRACE("LSNKPCMFileBase::Complete closing header not written");
+        SetError();
+    }
+    return !IsError();
 }
 
 bool LSNKPCMFileBase::WriteHeader(uint32_t nRiffSize, uint32_t nDataSize)

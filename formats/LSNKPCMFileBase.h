@@ -23,6 +23,8 @@ public:
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
     // Backwards only: cuts the file after frame sNewPosition.
     void SetPosition(int32_t sNewPosition) override;
+    // Writes the real sizes into the header.
+    bool Complete() override;
 
 protected:
     // Converts nSamples internal samples into file samples at pBytes (rounding, wrapping).
@@ -36,4 +38,5 @@ private:
     int32_t nFrameSize;
     int nBytesPerSample;
     std::vector<uint8_t> vBuffer;
+    bool bCompleted = false;
 };

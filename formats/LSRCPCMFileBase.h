@@ -21,6 +21,7 @@ public:
     int32_t GetPosition() override { return sPosition; }
     int32_t GetLength() override { return sLength; }
     void SetPosition(int32_t sNewPosition) override;
+    int32_t GetLengthInFile() override;
 
 protected:
     // Converts nSamples file samples at pBytes into the internal layout.

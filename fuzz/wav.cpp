@@ -51,6 +51,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize)
         return 0;
     LSoundSourcePtr pSrc = LWaveFile::OpenSource(FuzzPath());
     const int32_t nLength = pSrc->GetLength();
+    // What the file really holds never exceeds the claim; loading relies on it.
+    const int32_t nHeld = pSrc->GetLengthInFile();
+    if (nHeld < 0 || nHeld > nLength)
+        std::abort();
     const int32_t nBlock = 8192;
     std::vector<int32_t> vBuffer(static_cast<size_t>(nBlock) * pSrc->GetChannels());
     // The whole source in pump-sized blocks, then odd sizes at the edges.

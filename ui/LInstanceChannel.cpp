@@ -67,9 +67,15 @@ void LInstanceChannel::OnNewConnection()
             for (const QByteArray& line : buffered.split('\n'))
                 if (!line.isEmpty())
                     paths << QString::fromUtf8(line);
+            // The message is complete: nothing more is read from this socket, which may go as
+            // soon as the sender has its answer.
+            pSocket->setProperty("buffer", QByteArray());
+            disconnect(pSocket, &QLocalSocket::readyRead, this, nullptr);
             pSocket->write("ok\n");
             pSocket->flush();
-            emit FilesReceived(paths);
+            // Handed on from the event loop: a receiver that loads files runs a nested event
+            // loop, during which this socket and the signal running now could be deleted.
+            QMetaObject::invokeMethod(this, [this, paths] { emit FilesReceived(paths); }, Qt::QueuedConnection);
         });
     }
 }

@@ -72,6 +72,12 @@ public:
 
     // Runs a file name handed over by a second start of the program.
     void EvLoad(const QString& szPath);
+    // Takes the files of a second start (none: only comes to the front). They are loaded later,
+    // from the event loop and one at a time, never inside the signal that brought them: a load
+    // runs the progress dialog's event loop, in which more hand-overs may arrive.
+    void HandOver(const QStringList& paths);
+    // Runs a command from the event loop: what menus, toolbars and buttons call.
+    void QueueCommand(int nId);
 
     // "Untitled %d" with the next number.
     std::string NextUntitledName() { return "Untitled " + std::to_string(++nUntitled); }
@@ -171,4 +177,6 @@ private:
     LCutListAudioPtr pClipboard;
     int nUntitled = 0;
     bool bClosing = false;
+    QStringList lstHandedOver;
+    bool bLoadingHandedOver = false;
 };

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/LCutListAudioLoadSource.h"
+#include "core/LEdCommands.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"
 #include "core/LPRSourceToSink.h"
@@ -77,8 +78,8 @@ void MainDialog::CmCut()
         return;
     LEdFile& file = *GetCurrentFile();
     StartModifyCurrentFile("Cut");
-    file.GetDocument().Cut(sStart, sEnd, *pClipboard);
-    file.SetSelection(sStart, sStart);
+    const LEdRange sel = LEdCommands::Cut(file.GetDocument(), sStart, sEnd, *pClipboard);
+    file.SetSelection(sel.sStart, sel.sEnd);
     EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
     RenderToWindowClipboard();
     UpdateMenuStates();
@@ -89,7 +90,7 @@ void MainDialog::CmCopy()
     int32_t sStart, sEnd;
     if (!GetSelection(sStart, sEnd))
         return;
-    GetCurrentFile()->GetDocument().EfCopy(sStart, sEnd, *pClipboard);
+    LEdCommands::Copy(GetCurrentFile()->GetDocument(), sStart, sEnd, *pClipboard);
     RenderToWindowClipboard();
     UpdateMenuStates();
 }
@@ -121,8 +122,8 @@ void MainDialog::PasteDocument(const LCutListAudio& other)
     }
     // A paste over a selection replaces it.
     StartModifyCurrentFile("Paste");
-    pFile->GetDocument().Replace(sStart, sEnd, other);
-    pFile->SetSelection(sStart, sStart + other.GetLength());
+    const LEdRange sel = LEdCommands::Paste(pFile->GetDocument(), sStart, sEnd, other);
+    pFile->SetSelection(sel.sStart, sel.sEnd);
     EndModifyCurrentFile(sStart, pFile->GetDocument().GetSampleRate());
 }
 
@@ -132,8 +133,8 @@ void MainDialog::InsertDocument(const LCutListAudio& other, int32_t sAt, const s
     if (!pFile)
         return;
     StartModifyCurrentFile(szLabel);
-    pFile->GetDocument().Insert(sAt, other);
-    pFile->SetSelection(sAt, sAt + other.GetLength());
+    const LEdRange sel = LEdCommands::Paste(pFile->GetDocument(), sAt, sAt, other);
+    pFile->SetSelection(sel.sStart, sel.sEnd);
     EndModifyCurrentFile(sAt, pFile->GetDocument().GetSampleRate());
 }
 
@@ -144,8 +145,8 @@ void MainDialog::CmDelete()
         return;
     LEdFile& file = *GetCurrentFile();
     StartModifyCurrentFile("Delete");
-    file.GetDocument().EfDelete(sStart, sEnd);
-    file.SetSelection(sStart, sStart);
+    const LEdRange sel = LEdCommands::Delete(file.GetDocument(), sStart, sEnd);
+    file.SetSelection(sel.sStart, sel.sEnd);
     EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
 }
 
@@ -177,9 +178,8 @@ void MainDialog::CmTrim()
         return;
     LEdFile& file = *GetCurrentFile();
     StartModifyCurrentFile("Trim");
-    file.GetDocument().CropEnd(sEnd);
-    file.GetDocument().CropStart(sStart);
-    file.SetSelection(0, 0);
+    const LEdRange sel = LEdCommands::Trim(file.GetDocument(), sStart, sEnd);
+    file.SetSelection(sel.sStart, sel.sEnd);
     file.SetView(0, file.GetDocument().GetLength());
     EndModifyCurrentFile(0, 0);
 }
@@ -191,8 +191,8 @@ void MainDialog::CmTrimStart()
         return;
     const int32_t sAt = pFile->GetCursor();
     StartModifyCurrentFile("Trim Start");
-    pFile->GetDocument().CropStart(sAt);
-    pFile->SetSelection(0, 0);
+    const LEdRange sel = LEdCommands::TrimStart(pFile->GetDocument(), sAt);
+    pFile->SetSelection(sel.sStart, sel.sEnd);
     EndModifyCurrentFile(0, 0);
 }
 
@@ -203,8 +203,8 @@ void MainDialog::CmTrimEnd()
         return;
     const int32_t sAt = pFile->GetCursor();
     StartModifyCurrentFile("Trim End");
-    pFile->GetDocument().CropEnd(sAt);
-    pFile->SetSelection(0, 0);
+    const LEdRange sel = LEdCommands::TrimEnd(pFile->GetDocument(), sAt);
+    pFile->SetSelection(sel.sStart, sel.sEnd);
     EndModifyCurrentFile(0, 0);
 }
 
@@ -215,8 +215,7 @@ void MainDialog::CmSilence()
         return;
     LEdFile& file = *GetCurrentFile();
     StartModifyCurrentFile("Edit Silence");
-    file.GetDocument().EfDelete(sStart, sEnd);
-    file.GetDocument().InsertSilence(sStart, sEnd - sStart);
+    LEdCommands::Silence(file.GetDocument(), sStart, sEnd);
     EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
 }
 
@@ -228,15 +227,15 @@ void MainDialog::CmInsertSilence(int nWhere)
     double fSeconds = LSettings::GetInt("StoredValues", "SilenceTimes", 0) / 1000.0;
     if (!LUiPrompts::Get().AskNumber(this, "Insert Silence", "Seconds of silence:", fSeconds, 0.001, 3600.0, 3))
         return;
-    LSettings::SetInt("StoredValues", "SilenceTimes", static_cast<int32_t>(std::lround(fSeconds * 1000.0)));
+    const int32_t nMs = static_cast<int32_t>(std::lround(fSeconds * 1000.0));
+    LSettings::SetInt("StoredValues", "SilenceTimes", nMs);
     const int32_t nRate = pFile->GetDocument().GetSampleRate();
-    const int32_t nFrames = static_cast<int32_t>(std::lround(fSeconds * nRate));
     const char* const kLabels[] = {"Insert Silence At The Start", "Insert Silence At Current Position",
                                    "Insert Silence At The End"};
     const int32_t sAt = nWhere == AtBegin ? 0 : nWhere == AtCurrent ? pFile->GetCursor() : pFile->GetDocument().GetLength();
     StartModifyCurrentFile(kLabels[nWhere]);
-    pFile->GetDocument().InsertSilence(sAt, nFrames);
-    pFile->SetSelection(sAt, sAt + nFrames);
+    const LEdRange sel = LEdCommands::InsertSilence(pFile->GetDocument(), sAt, nMs);
+    pFile->SetSelection(sel.sStart, sel.sEnd);
     EndModifyCurrentFile(sAt, nRate);
 }
 
@@ -273,7 +272,7 @@ void MainDialog::CmRepeatLoop()
     LSettings::SetInt("StoredValues", "RepeatNumTimes", static_cast<int32_t>(fTimes));
     LEdFile& file = *GetCurrentFile();
     StartModifyCurrentFile("Repeat Loop");
-    file.GetDocument().Repeat(sStart, sEnd, static_cast<int32_t>(fTimes));
+    LEdCommands::Repeat(file.GetDocument(), sStart, sEnd, static_cast<int32_t>(fTimes));
     EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
 }
 
@@ -283,7 +282,7 @@ void MainDialog::CmCopyToNew()
     if (!GetSelection(sStart, sEnd))
         return;
     auto pNew = std::make_unique<LEdFile>();
-    GetCurrentFile()->GetDocument().EfCopy(sStart, sEnd, pNew->GetDocument());
+    LEdCommands::Copy(GetCurrentFile()->GetDocument(), sStart, sEnd, pNew->GetDocument());
     pNew->SetModified(true);
     pNew->SetView(0, pNew->GetDocument().GetLength());
     AddFileToList(std::move(pNew), std::string(), NextUntitledName());

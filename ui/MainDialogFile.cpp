@@ -2,6 +2,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QTimer>
 #include <QFileInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -304,6 +305,26 @@ void MainDialog::CmSetting()
                              "Please re-run Sonitra to start with the new folders.",
                              LUiPrompts::IconInformation);
     close();
+}
+
+void MainDialog::HandOver(const QStringList& paths)
+{
+    lstHandedOver << paths;
+    QTimer::singleShot(0, this, [this, bRaise = paths.isEmpty()] {
+        if (bRaise) {
+            if (isMinimized())
+                showNormal();
+            raise();
+            activateWindow();
+        }
+        // A load already under way takes the new ones when it returns.
+        if (bLoadingHandedOver || bClosing)
+            return;
+        bLoadingHandedOver = true;
+        while (!lstHandedOver.isEmpty() && !bClosing)
+            EvLoad(lstHandedOver.takeFirst());
+        bLoadingHandedOver = false;
+    });
 }
 
 void MainDialog::EvLoad(const QString& szPath)

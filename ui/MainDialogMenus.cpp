@@ -1,5 +1,6 @@
 // The menus, the toolbar and the lists that live in menus (recent files, open windows).
 #include <QAction>
+#include <QTimer>
 #include <QActionGroup>
 #include <QApplication>
 #include <QMdiArea>
@@ -59,7 +60,7 @@ QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
     pAction->setData(nId);
     if (*pInfo->szAccel && !HandledAsHeldKey(nId))
         pAction->setShortcut(KeyOf(pInfo->szAccel));
-    connect(pAction, &QAction::triggered, this, [this, nId] { Command(nId); });
+    connect(pAction, &QAction::triggered, this, [this, nId] { QueueCommand(nId); });
     if (pMenu)
         pMenu->addAction(pAction);
     mapActions[nId] = pAction;
@@ -186,9 +187,11 @@ void MainDialog::BuildToolBar()
     }
     pTransportBar = new LTransportBar(this);
     addToolBar(pTransportBar);
-    connect(pTransportBar, &LTransportBar::Command, this, [this](int nId) { Command(nId); });
-    connect(pTransportBar, &LTransportBar::ShuttlePressed, this, [this](int nId) { Command(nId); });
-    connect(pTransportBar, &LTransportBar::ShuttleReleased, this, [this](int) { pTransport->EndShuttle(); });
+    connect(pTransportBar, &LTransportBar::Command, this, [this](int nId) { QueueCommand(nId); });
+    // Queued alike, so that a release never overtakes its press.
+    connect(pTransportBar, &LTransportBar::ShuttlePressed, this, [this](int nId) { QueueCommand(nId); });
+    connect(pTransportBar, &LTransportBar::ShuttleReleased, this,
+            [this](int) { QTimer::singleShot(0, this, [this] { pTransport->EndShuttle(); }); });
     connect(pTransportBar, &LTransportBar::VolumeChanged, this, [this](int nDb) { pTransport->SetVolume(nDb); });
     addToolBarBreak();
     auto* pTimeBar = new QToolBar(tr("Time"), this);
@@ -196,6 +199,14 @@ void MainDialog::BuildToolBar()
     pTimeFields = new LTimeFields(pTimeBar);
     pTimeBar->addWidget(pTimeFields);
     addToolBar(pTimeBar);
+}
+
+void MainDialog::QueueCommand(int nId)
+{
+    // A command may run a process or a modal dialog, whose event loop can delete the action or
+    // button whose signal is running (a load rebuilds the recent-file menu): it runs from the
+    // event loop instead.
+    QTimer::singleShot(0, this, [this, nId] { Command(nId); });
 }
 
 void MainDialog::RebuildRecentMenu()
@@ -212,7 +223,7 @@ void MainDialog::RebuildRecentMenu()
         pAction->setObjectName(QString("cmd%1").arg(nId));
         pAction->setData(nId);
         pAction->setStatusTip(tr("Opens this file."));
-        connect(pAction, &QAction::triggered, this, [this, nId] { Command(nId); });
+        connect(pAction, &QAction::triggered, this, [this, nId] { QueueCommand(nId); });
         pFileMenu->insertAction(pRecentSeparator, pAction);
         vRecentActions.push_back(pAction);
         mapActions[nId] = pAction;

@@ -1,64 +1,86 @@
 #include "work/LSignalObject.h"
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <climits>
+#include <ctime>
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
-// Every signal shares one lock and one condition: a wait for two signals at once is then a
-// plain predicate, and the few signals in the program make the shared wake-ups cheap.
-std::mutex& SignalMutex()
+// Every signal shares one generation count, which each Set advances after storing its flag. A
+// waiter reads the generation, tests its signals, and sleeps until the generation moves on
+// (the kernel refuses to sleep when it already has), so a Set between the test and the sleep
+// is never missed. Set takes no lock: it wakes the sleepers only when there are any.
+std::atomic<uint32_t> g_nGeneration{0};
+std::atomic<int> g_nWaiters{0};
+static_assert(sizeof(std::atomic<uint32_t>) == sizeof(uint32_t) && std::atomic<uint32_t>::is_always_lock_free);
+
+uint32_t* GenerationWord()
 {
-    static std::mutex mtx;
-    return mtx;
-}
-std::condition_variable& SignalCondition()
-{
-    static std::condition_variable cv;
-    return cv;
+    return reinterpret_cast<uint32_t*>(&g_nGeneration);
 }
 
-template <class Pred> bool WaitFor(std::unique_lock<std::mutex>& lock, int32_t nTimeoutMs, Pred pred)
+void SleepUnlessMoved(uint32_t nSeen, const timespec* pTimeout)
 {
-    if (nTimeoutMs < 0) {
-        SignalCondition().wait(lock, pred);
+    ::syscall(SYS_futex, GenerationWord(), FUTEX_WAIT_PRIVATE, nSeen, pTimeout, nullptr, 0);
+}
+
+template <class Pred> bool WaitFor(int32_t nTimeoutMs, Pred pred)
+{
+    if (pred())
         return true;
+    if (nTimeoutMs == 0)
+        return false;
+    ++g_nWaiters;
+    const auto tEnd = std::chrono::steady_clock::now() + std::chrono::milliseconds(nTimeoutMs);
+    bool bDone = false;
+    while (true) {
+        const uint32_t nSeen = g_nGeneration.load();
+        if ((bDone = pred()))
+            break;
+        if (nTimeoutMs < 0) {
+            SleepUnlessMoved(nSeen, nullptr);
+            continue;
+        }
+        const auto tLeft = tEnd - std::chrono::steady_clock::now();
+        if (tLeft <= std::chrono::steady_clock::duration::zero())
+            break;
+        const auto nNs = std::chrono::duration_cast<std::chrono::nanoseconds>(tLeft).count();
+        const timespec ts{static_cast<time_t>(nNs / 1000000000), static_cast<long>(nNs % 1000000000)};
+        SleepUnlessMoved(nSeen, &ts);
     }
-    return SignalCondition().wait_for(lock, std::chrono::milliseconds(nTimeoutMs), pred);
+    --g_nWaiters;
+    return bDone;
 }
 } // namespace
 
 void LSignalObject::Set()
 {
-    {
-        std::lock_guard<std::mutex> lock(SignalMutex());
-        bSet = true;
-    }
-    SignalCondition().notify_all();
+    bSet.store(true);
+    g_nGeneration.fetch_add(1);
+    if (g_nWaiters.load() > 0)
+        ::syscall(SYS_futex, GenerationWord(), FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0);
 }
 
 void LSignalObject::Reset()
 {
-    std::lock_guard<std::mutex> lock(SignalMutex());
-    bSet = false;
+    bSet.store(false);
 }
 
 bool LSignalObject::IsSet() const
 {
-    std::lock_guard<std::mutex> lock(SignalMutex());
-    return bSet;
+    return bSet.load();
 }
 
 bool LSignalObject::Wait(int32_t nTimeoutMs) const
 {
-    std::unique_lock<std::mutex> lock(SignalMutex());
-    return WaitFor(lock, nTimeoutMs, [this] { return bSet; });
+    return WaitFor(nTimeoutMs, [this] { return bSet.load(); });
 }
 
 LSignalObject::WaitResult LSignalObject::WaitSignalDual(const LSignalObject& other, int32_t nTimeoutMs) const
 {
-    std::unique_lock<std::mutex> lock(SignalMutex());
-    if (!WaitFor(lock, nTimeoutMs, [this, &other] { return bSet || other.bSet; }))
+    if (!WaitFor(nTimeoutMs, [this, &other] { return bSet.load() || other.bSet.load(); }))
         return WaitTimeout;
-    return bSet ? WaitThis : WaitOther;
+    return bSet.load() ? WaitThis : WaitOther;
 }

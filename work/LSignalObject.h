@@ -1,6 +1,8 @@
-// A manual-reset event: stays set until reset.
+// A manual-reset event: stays set until reset. Set takes no lock and never waits, so that an
+// audio callback may signal with it.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 class LSignalObject
@@ -27,5 +29,5 @@ public:
     WaitResult WaitSignalDual(const LSignalObject& other, int32_t nTimeoutMs) const;
 
 private:
-    bool bSet = false;
+    std::atomic<bool> bSet{false};
 };

@@ -1,5 +1,6 @@
 #include "dsp/effects/LEffectRunner.h"
 
+#include "core/LEdCommands.h"
 #include "core/LTrace.h"
 #include "dsp/effects/LCLAConvertRateChannels.h"
 #include "dsp/effects/LCurveFile.h"
@@ -29,14 +30,13 @@ int32_t ApplyCutListEdit(const LEffectInfo& info, LCutListAudio& doc, int32_t sS
 {
     switch (info.kind) {
     case K::Amplify:
-        doc.EfAmplify(sStart, sEnd, args.Value("AmplifyGain"));
+        LEdCommands::Amplify(doc, sStart, sEnd, args.Value("AmplifyGain"));
         return R::ResultDone;
     case K::RepeatLoop:
-        if (sEnd > sStart)
-            doc.Repeat(sStart, sEnd, args.Value("RepeatNumTimes"));
+        LEdCommands::Repeat(doc, sStart, sEnd, args.Value("RepeatNumTimes"));
         return R::ResultDone;
     case K::InsertSilence:
-        doc.InsertSilence(sStart, LMsToFrames(args.Value("SilenceTimes"), doc.GetSampleRate()));
+        LEdCommands::InsertSilence(doc, sStart, args.Value("SilenceTimes"));
         return R::ResultDone;
     default:
         return R::ResultError;
@@ -103,7 +103,7 @@ int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCut
             return R::ResultDone;
         const int32_t nResult = RunStreaming(dlg, info, data, new LFadeFactory(LSRCFade::FadeOut));
         if (nResult == R::ResultDone)
-            doc.CropEnd(sEnd);
+            LEdCommands::TrimEnd(doc, sEnd);
         return nResult;
     }
     case K::Equalizer:

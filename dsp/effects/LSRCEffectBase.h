@@ -2,6 +2,7 @@
 // rate, channels, amplitude and error latch, reads a block from it and transforms it in place.
 #pragma once
 
+#include "core/LEdCommands.h"
 #include "core/LSoundSourceBase.h"
 
 class LSRCEffectBase : public LSoundSourceBase
@@ -21,8 +22,8 @@ protected:
     LSoundSourcePtr pInput;
 };
 
-// Frames of t milliseconds at a rate, split so that long times do not overflow.
+// Frames of t milliseconds at a rate: the editing commands' rule.
 inline int32_t LMsToFrames(int32_t nMs, int32_t nRate)
 {
-    return (nMs / 1000) * nRate + ((nMs % 1000) * nRate) / 1000;
+    return LEdCommands::FramesOfMs(nMs, nRate);
 }

@@ -7,6 +7,8 @@ LWaveDriver* LPortAudioDriverGet()
     return nullptr;
 }
 
+extern "C" const bool sonitra_portaudio_registered = false;
+
 #else
 
 #include <portaudio.h>
@@ -50,6 +52,8 @@ public:
             return false;
         nDeviceIndex = nIndex;
         nChans = fmt.nChannels;
+        nRate = fmt.nSamplesPerSec;
+        fAudibleUntil = 0;
         PaStreamParameters params = {};
         params.device = nIndex;
         params.channelCount = fmt.nChannels;
@@ -94,16 +98,26 @@ public:
     LWaveQueue queue;
     std::atomic<bool> bRunning{true};
 
+    // True until the stream's clock has passed the moment the last audio handed to the host
+    // reaches the speaker.
+    bool IsDraining()
+    {
+        if (!pStream)
+            return false;
+        const double tEnd = fAudibleUntil.load();
+        return tEnd > 0 && Pa_GetStreamTime(pStream) < tEnd;
+    }
+
 private:
-    static int Callback(const void* pIn, void* pOut, unsigned long nFrames, const PaStreamCallbackTimeInfo*,
+    static int Callback(const void* pIn, void* pOut, unsigned long nFrames, const PaStreamCallbackTimeInfo* pTime,
                         PaStreamCallbackFlags, void* pUser)
     {
         static_cast<LPortAudioStream*>(pUser)->Process(static_cast<const uint8_t*>(pIn),
-                                                       static_cast<uint8_t*>(pOut), nFrames);
+                                                       static_cast<uint8_t*>(pOut), nFrames, pTime);
         return paContinue;
     }
 
-    void Process(const uint8_t* pIn, uint8_t* pOut, unsigned long nFrames)
+    void Process(const uint8_t* pIn, uint8_t* pOut, unsigned long nFrames, const PaStreamCallbackTimeInfo* pTime)
     {
         const uint32_t nBytes = static_cast<uint32_t>(nFrames) * nChans * 2;
         if (!bOutput) {
@@ -114,6 +128,11 @@ private:
         const uint32_t nTaken = bRunning ? queue.Take(pOut, nBytes) : 0;
         std::memset(pOut + nTaken, 0, nBytes - nTaken);
         ApplyVolume(reinterpret_cast<int16_t*>(pOut), static_cast<uint32_t>(nFrames));
+        if (nTaken > 0 && pTime && nRate > 0) {
+            // When the last real frame of this block will be heard, in the stream's clock.
+            const double fDac = pTime->outputBufferDacTime > 0 ? pTime->outputBufferDacTime : pTime->currentTime;
+            fAudibleUntil.store(fDac + static_cast<double>(nTaken / (2u * nChans)) / nRate);
+        }
     }
 
     void ApplyVolume(int16_t* p, uint32_t nFrames)
@@ -132,6 +151,8 @@ private:
     PaStream* pStream = nullptr;
     PaDeviceIndex nDeviceIndex = 0;
     uint16_t nChans = 1;
+    int32_t nRate = 44100;
+    std::atomic<double> fAudibleUntil{0};
 };
 
 class LPortAudioOut : public LWaveOut
@@ -153,6 +174,7 @@ public:
     void Pause() override { stream.bRunning = false; }
     void Restart() override { stream.bRunning = true; }
     void BreakLoop() override { stream.queue.BreakLoop(); }
+    bool IsDraining() override { return stream.bRunning && stream.IsDraining(); }
 };
 
 class LPortAudioIn : public LWaveIn
@@ -267,5 +289,9 @@ LWaveDriver* LPortAudioDriverGet()
     }();
     return pDriver;
 }
+
+// The wave-device layer learns of this backend here; the build keeps this object linked in
+// wherever the devices are (it names this symbol as undefined).
+extern "C" const bool sonitra_portaudio_registered = (LWaveDevices::RegisterBackend(&LPortAudioDriverGet), true);
 
 #endif

@@ -131,3 +131,17 @@ TEST_F(Edit, TraceCutsPrintsTheListAfterEachOperation)
         << szOut;
     EXPECT_NE(szOut.find("ref=65535 offset=0 length=5 gain=16777216\n"), std::string::npos) << szOut;
 }
+
+// A time becomes frames by the editing commands' one rule: 5 ms at 44100 Hz is 220 frames, in
+// the editor's Insert Silence as here; the silence verb turns a range into silence.
+TEST_F(Edit, TimesAndSilenceFollowTheEditorsCommands)
+{
+    testsupport::WriteSimpleWav(dir.File("in.wav"), 44100, 1, 16, std::vector<int32_t>(1000, 3));
+    ASSERT_EQ(Run(Files() + "insert-silence=0,5ms silence=300,310"), 0);
+    const std::vector<int32_t> v = Output();
+    ASSERT_EQ(v.size(), 1220u);
+    EXPECT_EQ(v[219], 0);
+    EXPECT_EQ(v[220], 3);
+    EXPECT_EQ(v[305], 0);
+    EXPECT_EQ(v[310], 3);
+}

@@ -67,6 +67,29 @@ TEST(CliInfo, ReportsEveryFileAndFailsForTheUnreadable)
     EXPECT_EQ(szOut.rfind("usage: sonitra-cli info FILE...", 0), 0u);
 }
 
+TEST(CliInfo, SaysWhenTheHeaderClaimsMoreThanTheFileHolds)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("short.wav"), 8000, 1, 16, std::vector<int32_t>(400, 5));
+    std::vector<uint8_t> v = ReadFileBytes(dir.File("short.wav"));
+    const uint32_t nClaim = 8000 * 2 * 3600; // an hour
+    for (int i = 0; i < 4; ++i)
+        v[40 + i] = static_cast<uint8_t>(nClaim >> (8 * i));
+    WriteFileBytes(dir.File("short.wav"), v);
+    std::string szOut;
+    EXPECT_EQ(Cli("info " + dir.File("short.wav") + " " + dir.File("short.wav"), &szOut), 0);
+    EXPECT_NE(szOut.find("short.wav: WAV PCM 16-bit, 8000 Hz, 1 channel, 28800000 frames, 1:00:00.000\n" +
+                         dir.File("short.wav") +
+                         ": the header claims 28800000 frames but the file holds only 400 (0:00:00.050); the "
+                         "rest reads as silence\n"),
+              std::string::npos)
+        << szOut;
+    EXPECT_NE(szOut.find("claims", szOut.find("claims") + 1), std::string::npos); // for each file
+    WriteSimpleWav(dir.File("ok.wav"), 8000, 1, 16, std::vector<int32_t>(400, 5));
+    EXPECT_EQ(Cli("info " + dir.File("ok.wav"), &szOut), 0);
+    EXPECT_EQ(szOut.find("claims"), std::string::npos);
+}
+
 TEST(CliConvert, WithoutOptionsKeepsEverySample)
 {
     REQUIRE_SOX();

@@ -147,6 +147,21 @@ public:
         }
     }
 
+    // Takes and later gives back more references on each segment than a count can hold.
+    void ShareSegmentsBeyondTheirCounts(bool bTake)
+    {
+        std::vector<uint16_t> vRefs;
+        file.GetDocument().GetCuts().ForEach([&](const LAudioCut& c) {
+            if (!c.IsSilent() && std::find(vRefs.begin(), vRefs.end(), c.nRef) == vRefs.end())
+                vRefs.push_back(c.nRef);
+        });
+        if (bTake)
+            vTaken = vRefs;
+        for (uint16_t nRef : vTaken)
+            for (int i = 0; i < 66000; ++i)
+                bTake ? LAudioCutTank::Instance().IncRef(nRef) : LAudioCutTank::Instance().DecRef(nRef);
+    }
+
     void Step(std::string& szWhat)
     {
         LCutListAudio& doc = file.GetDocument();
@@ -253,6 +268,7 @@ private:
     Model model;
     Model modelClip;
     std::deque<Model> undo;
+    std::vector<uint16_t> vTaken;
 };
 
 } // namespace
@@ -284,4 +300,26 @@ TEST_F(CutListProperty, RandomEditsAndUndoReadLikeThePlainArrayModel)
     }
     EXPECT_GE(nSteps, 4000);
     // The fixture then checks that every count is back to 0 and no segment file is left.
+}
+
+// Segments shared more than 65535 times, their extra references then dropped in the middle of
+// the run: the edits keep reading their samples.
+TEST_F(CutListProperty, SegmentsPastTheCountLimitKeepTheirSamples)
+{
+    for (int nChans : {1, 2}) {
+        {
+            Runner run(nChans, 104729 + nChans);
+            run.ShareSegmentsBeyondTheirCounts(true);
+            for (int i = 0; i < 300; ++i) {
+                if (i == 100)
+                    run.ShareSegmentsBeyondTheirCounts(false);
+                std::string szWhat;
+                run.Step(szWhat);
+                szWhat = "ch " + std::to_string(nChans) + " step " + std::to_string(i) + " " + szWhat;
+                ASSERT_NO_FATAL_FAILURE(run.Check(szWhat));
+            }
+        }
+        // Pinned segments stay claimed until the tank sweeps its folder.
+        LAudioCutTank::Instance().Sweep();
+    }
 }

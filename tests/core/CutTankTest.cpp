@@ -74,14 +74,58 @@ TEST_F(CutTank, CountsClaimTheLowestFreeNumberAndTheLastReleaseDeletesTheFiles)
     EXPECT_EQ(tank.GetRefCount(b), 65535) << "the count saturates";
     tank.DecRef(b);
     EXPECT_EQ(tank.GetRefCount(b), 65534) << "a saturated count still decrements";
-    while (tank.GetRefCount(b) > 0)
+    EXPECT_TRUE(tank.IsPinned(b));
+    testsupport::WriteFileBytes(tank.GetAudFilePath(b), {1, 2, 3, 4});
+    for (int i = 0; i < 70000; ++i)
         tank.DecRef(b);
+    EXPECT_EQ(tank.GetRefCount(b), 1) << "a pinned segment keeps its number";
+    EXPECT_TRUE(LFile::Exists(tank.GetAudFilePath(b))) << "and its files";
+    EXPECT_NE(tank.GetNewRefAndIncRef(), b);
+    tank.DecRef(2);
     tank.DecRef(a);
+    tank.Sweep();
+    EXPECT_EQ(tank.GetRefCount(b), 0) << "the sweep takes the pinned segment";
+    EXPECT_FALSE(tank.IsPinned(b));
+    EXPECT_FALSE(LFile::Exists(tank.GetAudFilePath(b)));
 
     tank.DecRef(LAudioCutTank::kSilentRef);
     tank.IncRef(LAudioCutTank::kSilentRef);
     EXPECT_EQ(tank.GetAudFilePath(LAudioCutTank::kSilentRef), "");
     EXPECT_EQ(tank.GetGrfFilePath(LAudioCutTank::kSilentRef), "");
+}
+
+// A segment shared more often than its count can tell stays while any cut may point at it.
+TEST_F(CutTank, SaturatedSegmentOutlivesTheReleasesOfItsCopies)
+{
+    LAudioCutTank& tank = LAudioCutTank::Instance();
+    const std::vector<int32_t> vRamp = Ramp(1000, 1, 16);
+    LCutListAudioPtr pSource = MakeDoc(vRamp, 1);
+    const uint16_t nRef = pSource->GetCuts().First()->nRef;
+    // The same samples as 100 cuts of 10 frames.
+    LCutListAudio doc(44100, 1);
+    for (int i = 0; i < 100; ++i) {
+        LAudioCut cut = *pSource->GetCuts().First();
+        cut.sOffset = i * 10;
+        cut.sLength = 10;
+        doc.AppendCut(cut);
+    }
+    pSource.Reset();
+    ASSERT_EQ(doc.GetCutCount(), 100u);
+    doc.Repeat(0, 1000, 700);
+    ASSERT_EQ(doc.GetLength(), 701 * 1000);
+    EXPECT_TRUE(tank.IsPinned(nRef)) << "70100 references saturate the count";
+    doc.EfDelete(0, 700 * 1000);
+    ASSERT_EQ(doc.GetCutCount(), 100u);
+    EXPECT_EQ(ReadDoc(doc), vRamp);
+    EXPECT_TRUE(LFile::Exists(tank.GetAudFilePath(nRef)));
+    // Copies of the rest still read the same samples, and a new segment never takes its number.
+    LCutListAudioPtr pOther = MakeDoc(Ramp(10), 1);
+    EXPECT_NE(pOther->GetCuts().First()->nRef, nRef);
+    EXPECT_EQ(ReadDoc(doc), vRamp);
+    pOther.Reset();
+    doc.Clear();
+    EXPECT_TRUE(LFile::Exists(tank.GetAudFilePath(nRef)));
+    tank.Sweep();
 }
 
 TEST_F(CutTank, GoingSweepsOnlySegmentFilesFromItsFolder)

@@ -91,3 +91,51 @@ TEST(Pump, CancelBeforeFirstBlockWritesNothing)
     EXPECT_EQ(pump.Run(&factory), 1);
     EXPECT_TRUE(pSink->GetSamples().empty());
 }
+
+namespace {
+// Takes nGood writes, then fails every one after; counts what it was given.
+class FailingSink : public LSoundSinkBase
+{
+public:
+    FailingSink(int nGood) : LSoundSinkBase(44100, 1), nGood(nGood) {}
+    void Write(const int32_t*, int32_t nFrames) override
+    {
+        ++nWrites;
+        if (nWrites > nGood)
+            SetError();
+        else
+            sPosition += nFrames;
+    }
+    int nGood;
+    int nWrites = 0;
+};
+
+// Counts the frames read from it.
+class CountingSource : public LSRCMemory
+{
+public:
+    using LSRCMemory::LSRCMemory;
+    void Read(int32_t* pBuffer, int32_t nFrames) override
+    {
+        ++nReads;
+        LSRCMemory::Read(pBuffer, nFrames);
+    }
+    int nReads = 0;
+};
+} // namespace
+
+TEST(Pump, StopsAtTheSinksFirstFailure)
+{
+    for (int nGood : {0, 1, 3}) {
+        LCountedPtr<CountingSource> pSrc(new CountingSource(Ramp(10 * 8192, 1), 44100, 1));
+        LCountedPtr<FailingSink> pSink(new FailingSink(nGood));
+        EXPECT_EQ(PumpAll(pSrc.Get(), pSink.Get()), 2);
+        EXPECT_EQ(pSink->nWrites, nGood + 1);
+        EXPECT_EQ(pSrc->nReads, nGood + 1);
+        EXPECT_EQ(pSink->GetPosition(), nGood * 8192);
+    }
+    // A failure on the last, partial block fails the pump too.
+    LCountedPtr<CountingSource> pSrc(new CountingSource(Ramp(8192 + 100, 1), 44100, 1));
+    LCountedPtr<FailingSink> pSink(new FailingSink(1));
+    EXPECT_EQ(PumpAll(pSrc.Get(), pSink.Get()), 2);
+}

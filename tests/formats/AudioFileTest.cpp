@@ -134,6 +134,87 @@ TEST(AudioFile, FailedOrCancelledSaveKeepsTheOldFile)
     EXPECT_EQ(FilesIn(dir), 1u);
 }
 
+// Every write, flush and rename a save makes is failed in turn (and every write cut short):
+// the save reports the system's reason and the old file stays byte for byte, with no part file
+// left beside it. Only the last step, flushing the folder after the rename, comes after the
+// old file is gone; it still fails the save.
+TEST(AudioFile, FaultAtAnyStepOfASaveKeepsTheOldFile)
+{
+    TempDir dir;
+    const std::string szPath = dir.File("keep.wav");
+    const Bytes vOld(1000, 'o');
+    testsupport::WriteFileBytes(szPath, vOld);
+    struct FaultOff
+    {
+        ~FaultOff() { LFile::ClearFault(); }
+    } off;
+
+    // 20000 frames: the header, three blocks, the closing header, the file's flush, the rename
+    // and the folder's flush.
+    LFile::InjectFault(0);
+    SaveProcess counted(Ramp(20000, 1).Get(), dir.File("counted.wav"));
+    ASSERT_EQ(counted.Run(), 0) << counted.szError;
+    const int64_t nCalls = LFile::GetFaultCalls();
+    ASSERT_EQ(nCalls, 8);
+    LFile::Delete(dir.File("counted.wav"));
+
+    for (int nFault = LFile::FaultFail; nFault <= LFile::FaultShortWrite; ++nFault) {
+        for (int64_t nCall = 1; nCall <= nCalls; ++nCall) {
+            SCOPED_TRACE("fault " + std::to_string(nFault) + " at call " + std::to_string(nCall));
+            testsupport::WriteFileBytes(szPath, vOld);
+            LFile::InjectFault(nCall, static_cast<LFile::Fault>(nFault));
+            SaveProcess save(Ramp(20000, 1).Get(), szPath);
+            EXPECT_EQ(save.Run(), 2);
+            const bool bWrite = nCall <= 5;
+            if (bWrite) {
+                EXPECT_EQ(save.szError.rfind(nCall == 1 ? "cannot write the file: " : "writing the file failed: ", 0), 0u)
+                    << save.szError;
+                EXPECT_NE(save.szError.find("No space left on device"), std::string::npos) << save.szError;
+            } else {
+                EXPECT_NE(save.szError.find("Input/output error"), std::string::npos) << save.szError;
+            }
+            if (nCall < nCalls) {
+                EXPECT_EQ(testsupport::ReadFileBytes(szPath), vOld);
+            } else {
+                EXPECT_EQ(LAudioFile::OpenSource(szPath)->GetLength(), 20000); // written, but not flushed
+            }
+            EXPECT_EQ(FilesIn(dir), 1u);
+        }
+    }
+    // Disarmed, the same save goes through.
+    LFile::ClearFault();
+    SaveProcess save(Ramp(20000, 1).Get(), szPath);
+    EXPECT_EQ(save.Run(), 0) << save.szError;
+    EXPECT_EQ(LAudioFile::OpenSource(szPath)->GetLength(), 20000);
+}
+
+// A real full disk: a small file system in a mount namespace of its own, where the system lets
+// the test make one; a save that does not fit reports the reason and keeps the old file.
+TEST(AudioFile, SaveOntoAFullFileSystemKeepsTheOldFile)
+{
+    if (!testsupport::HaveTool("unshare"))
+        GTEST_SKIP() << "unshare is missing";
+    TempDir dir;
+    testsupport::WriteSimpleWav(dir.File("big.wav"), 44100, 2, 16, testsupport::Sine16(44100, 2, 44100, 440));
+    const std::string szMount = dir.File("small");
+    std::filesystem::create_directory(szMount);
+    const std::string szCli = SONITRA_CLI_PATH;
+    const std::string szScript = "mount -t tmpfs -o size=64k none '" + szMount + "' || exit 99; " +
+                                 "head -c 20000 /dev/urandom > '" + szMount + "/old.wav'; cp '" + szMount +
+                                 "/old.wav' '" + dir.File("old.copy") + "'; '" + szCli + "' convert '" +
+                                 dir.File("big.wav") + "' '" + szMount + "/old.wav' 2>&1; echo exit=\\$?; cmp '" +
+                                 szMount + "/old.wav' '" + dir.File("old.copy") + "' && echo same; ls -a '" +
+                                 szMount + "' | wc -l";
+    std::string szOut;
+    const int nExit = testsupport::RunCommand("unshare -m sh -c \"" + szScript + "\" 2>/dev/null", &szOut);
+    if (nExit == 99 || szOut.find("exit=") == std::string::npos)
+        GTEST_SKIP() << "no file system can be mounted here";
+    EXPECT_NE(szOut.find("No space left on device"), std::string::npos) << szOut;
+    EXPECT_NE(szOut.find("exit=2"), std::string::npos) << szOut;
+    EXPECT_NE(szOut.find("same"), std::string::npos) << szOut;
+    EXPECT_NE(szOut.find("\n3\n"), std::string::npos) << szOut; // ".", ".." and the old file: no part left
+}
+
 TEST(AudioFile, EncodingsNotOfTheTargetFormatGiveWayToItsDefault)
 {
     TempDir dir;

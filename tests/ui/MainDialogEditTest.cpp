@@ -159,6 +159,21 @@ private slots:
         QVERIFY(frame->GetAction(CmVerticalZoomId)->isChecked());
     }
 
+    // Seconds become frames by the engine's rule that the command line shares: 5 ms at
+    // 44100 Hz is 220 frames.
+    void insertSilenceCountsFramesAsTheCommandLineDoes()
+    {
+        const QString szPath = h->File("rate.wav");
+        WriteWav16(szPath, 44100, 1, std::vector<int16_t>(1000, 3));
+        h->prompts.openNames.push_back({szPath});
+        QVERIFY(frame->Command(CmOpenId));
+        LEdFileWindow* pWindow = frame->GetCurrentFileWindow();
+        QVERIFY(pWindow);
+        h->prompts.numbers.push_back(0.005);
+        QVERIFY(frame->Command(CmInsertSilenceBeginId));
+        QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 1220);
+    }
+
     void trimsSilenceAndInsertions()
     {
         LEdFileWindow* pWindow = OpenDrawnRamp(4000);

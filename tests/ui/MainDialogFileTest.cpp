@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "core/LEdFile.h"
+#include "core/LFile.h"
 #include "formats/LAudioFile.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
@@ -190,6 +191,43 @@ private slots:
         QVERIFY(frame->Command(CmOpenId));
         QCOMPARE(frame->GetFileWindows().size(), size_t(1));
         QCOMPARE(h->prompts.informs.size(), 3);
+    }
+
+    // A fault at each write, flush and rename of a save in turn: the user is told why, the
+    // document stays modified and the old file stays byte for byte.
+    void faultAtAnyStepOfASaveKeepsTheOldFileAndTheEdit()
+    {
+        const QString szPath = MakeWav("d.wav", 20000);
+        LEdFileWindow* pWindow = Open(szPath);
+        QVERIFY(pWindow);
+        struct FaultOff
+        {
+            ~FaultOff() { LFile::ClearFault(); }
+        } off;
+        pWindow->SetSelection(0, 10);
+        QVERIFY(frame->Command(CmDeleteId));
+        LFile::InjectFault(0);
+        QVERIFY(frame->Command(CmSaveId));
+        QVERIFY(!pWindow->GetFile().IsModified());
+        const int64_t nCalls = LFile::GetFaultCalls();
+        QVERIFY(nCalls >= 6);
+        pWindow->SetSelection(0, 10);
+        QVERIFY(frame->Command(CmDeleteId));
+        const QByteArray before = Bytes(szPath);
+        for (int64_t nCall = 1; nCall < nCalls; ++nCall) {
+            LFile::InjectFault(nCall);
+            QVERIFY(frame->Command(CmSaveId));
+            QVERIFY2(pWindow->GetFile().IsModified(), qPrintable(QString::number(nCall)));
+            QVERIFY2(Bytes(szPath) == before, qPrintable(QString::number(nCall)));
+            QVERIFY(h->prompts.informs.back().startsWith("File Error: Unable to save"));
+            QVERIFY(h->prompts.informs.back().contains("No space left on device") ||
+                    h->prompts.informs.back().contains("Input/output error"));
+        }
+        QCOMPARE(h->prompts.informs.size(), int(nCalls - 1));
+        LFile::ClearFault();
+        QVERIFY(frame->Command(CmSaveId));
+        QVERIFY(!pWindow->GetFile().IsModified());
+        QCOMPARE(FileSamples(szPath).size(), size_t(19980));
     }
 
     void recentListKeepsNewestFirst()

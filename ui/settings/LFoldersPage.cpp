@@ -1,6 +1,7 @@
 #include "ui/settings/LFoldersPage.h"
 
 #include <QFileDialog>
+#include <QTimer>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -49,9 +50,12 @@ QLineEdit* LFoldersPage::AddFolder(const char* szName, const QString& szDefault)
     pEdit->setMinimumWidth(320);
     auto* pBrowse = new QPushButton(tr("Browse..."), pRow);
     connect(pBrowse, &QPushButton::clicked, this, [this, pEdit] {
-        const QString szFolder = QFileDialog::getExistingDirectory(this, tr("Choose Folder"), pEdit->text());
-        if (!szFolder.isEmpty())
-            pEdit->setText(szFolder);
+        // The folder dialog's event loop runs from the event loop, not inside the click.
+        QTimer::singleShot(0, pEdit, [this, pEdit] {
+            const QString szFolder = QFileDialog::getExistingDirectory(this, tr("Choose Folder"), pEdit->text());
+            if (!szFolder.isEmpty())
+                pEdit->setText(szFolder);
+        });
     });
     auto* pLayout = new QHBoxLayout(pRow);
     pLayout->setContentsMargins(0, 0, 0, 0);

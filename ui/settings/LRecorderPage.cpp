@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QFormLayout>
+#include <QTimer>
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
@@ -37,7 +38,8 @@ LRecorderPage::LRecorderPage(QWidget* pParent) : LSettingsPage(pParent)
     auto* pMixer = new QPushButton(tr("Recording Mixer..."), this);
     pMixer->setObjectName("Mixer");
     pMixer->setToolTip(tr("Choose the input line and its level in the system's mixer."));
-    connect(pMixer, &QPushButton::clicked, this, &LRecorderPage::OpenMixer);
+    // Starting a program and telling why it failed run from the event loop, not inside the click.
+    connect(pMixer, &QPushButton::clicked, this, [this] { QTimer::singleShot(0, this, &LRecorderPage::OpenMixer); });
 
     auto* pForm = new QFormLayout(this);
     pForm->addRow(pVor);

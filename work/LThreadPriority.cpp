@@ -1,4 +1,4 @@
-#include "platform/audio/LThreadPriority.h"
+#include "work/LThreadPriority.h"
 
 #include <sys/resource.h>
 #include <sys/syscall.h>
