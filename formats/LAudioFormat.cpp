@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/LFile.h"
+#include "formats/LGSMFormat.h"
 #include "formats/LWaveFormat.h"
 
 namespace {
@@ -30,7 +31,8 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
     // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
-    static const std::vector<const LAudioFormat*> vFormats = {&wave};
+    static const LGSMFormat gsm;
+    static const std::vector<const LAudioFormat*> vFormats = {&wave, &gsm};
     return vFormats;
 }
 

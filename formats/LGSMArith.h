@@ -40,6 +40,13 @@ inline constexpr int16_t MultR(int16_t a, int16_t b)
     return static_cast<int16_t>((int32_t{a} * b + 16384) >> 15);
 }
 
+// The same saturating steps on 16-bit values carried in 32-bit registers, for the filter loops
+// where widening every operand would cost more than the arithmetic. MultRWideNotMin is MultR for
+// a first factor known not to be -32768 (reflection coefficients and constants never are), which
+// spares those loops the check.
+inline constexpr int32_t SaturateWide(int32_t v) { return v < kMinWord ? kMinWord : (v > kMaxWord ? kMaxWord : v); }
+inline constexpr int32_t MultRWideNotMin(int32_t a, int32_t b) { return (a * b + 16384) >> 15; }
+
 inline constexpr int16_t Abs(int16_t a) { return a < 0 ? (a == kMinWord ? kMaxWord : static_cast<int16_t>(-a)) : a; }
 
 inline constexpr int32_t LAdd(int32_t a, int32_t b)

@@ -12,8 +12,8 @@ class LGSMDecoder
 public:
     void Reset() { *this = LGSMDecoder(); }
 
-    // Samples come out 16-bit with the low three bits clear (13 significant bits). Any parameter
-    // values are taken; those outside their widths are masked.
+    // Samples come out 16-bit with the low three bits clear (13 significant bits). The parameters
+    // are those of LGSMUnpack or LGSMUnpackWavBlock; values outside their widths decode to noise.
     void Decode(const LGSMParams& params, int16_t* pSamples);
 
 private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "formats/LGSMArith.h"
 
@@ -265,21 +266,29 @@ void LGSMEncoder::ShortTermAnalysis(const int16_t* pLARc, int16_t* pS)
     int16_t* pCur = LARpp[nLARppCur];
     DecodeLARs(pLARc, pCur);
 
-    int16_t rp[kOrder];
+    // The filter memory in 32-bit locals, so that stores to the samples need not be read back
+    // and no operand needs widening.
+    int32_t uu[kOrder];
+    std::copy(std::begin(u), std::end(u), uu);
     for (int nStretch = 0; nStretch < 4; ++nStretch) {
-        InterpolatedReflection(pPrev, pCur, nStretch, rp);
+        int16_t rp16[kOrder];
+        InterpolatedReflection(pPrev, pCur, nStretch, rp16);
+        int32_t rp[kOrder];
+        std::copy(std::begin(rp16), std::end(rp16), rp);
         for (int k = StretchStart(nStretch); k < StretchStart(nStretch + 1); ++k) {
-            int16_t di = pS[k];
-            int16_t sav = di;
+            int32_t di = pS[k];
+            int32_t sav = di;
             for (int i = 0; i < kOrder; ++i) {
-                const int16_t ui = u[i];
-                u[i] = sav;
-                sav = Add(ui, MultR(rp[i], di));
-                di = Add(di, MultR(rp[i], ui));
+                const int32_t ui = uu[i];
+                uu[i] = sav;
+                sav = SaturateWide(ui + MultRWideNotMin(rp[i], di));
+                di = SaturateWide(di + MultRWideNotMin(rp[i], ui));
             }
-            pS[k] = di;
+            pS[k] = static_cast<int16_t>(di);
         }
     }
+    for (int i = 0; i < kOrder; ++i)
+        u[i] = static_cast<int16_t>(uu[i]);
 }
 
 // Long-term prediction and the regular-pulse excitation of one subframe, then the residual the

@@ -115,6 +115,30 @@ private slots:
         QCOMPARE(QString::fromStdString(pWindow->GetPath()), szCopy);
     }
 
+    void savesAsGsmAtEightKilohertzMonoAndReopens()
+    {
+        const QString szPath = h->File("st.wav");
+        WriteWav16(szPath, 22050, 2, Ramp(22050, 2));
+        QVERIFY(Open(szPath));
+        const QString szGsm = h->File("st.gsm");
+        h->prompts.saveNames.push_back(szGsm);
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(frame->windowTitle(), QString("Sonitra - st.gsm"));
+        QCOMPARE(Bytes(szGsm).size(), 8000 / 160 * 33);
+
+        LEdFileWindow* pWindow = Open(szGsm);
+        QVERIFY(pWindow);
+        const LCutListAudio& doc = pWindow->GetFile().GetDocument();
+        QCOMPARE(doc.GetSampleRate(), 8000);
+        QCOMPARE(int(doc.GetChannels()), 1);
+        QCOMPARE(Samples(doc), FileSamples(szGsm));
+        // Save keeps the file's own format.
+        pWindow->SetSelection(0, 1600);
+        QVERIFY(frame->Command(CmDeleteId));
+        QVERIFY(frame->Command(CmSaveId));
+        QCOMPARE(Bytes(szGsm).size(), 6400 / 160 * 33);
+    }
+
     void closingAsksAboutChanges()
     {
         const QString szPath = MakeWav("b.wav", 2000);
