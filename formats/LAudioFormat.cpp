@@ -3,6 +3,9 @@
 #include <algorithm>
 
 #include "core/LFile.h"
+#include "formats/LAifFormat.h"
+#include "formats/LAuFormat.h"
+#include "formats/LVoxRawFormat.h"
 #include "formats/LWaveFormat.h"
 
 namespace {
@@ -30,7 +33,11 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
     // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
-    static const std::vector<const LAudioFormat*> vFormats = {&wave};
+    static const LVoxRawFormat vox(true);
+    static const LVoxRawFormat raw(false);
+    static const LAifFormat aif;
+    static const LAuFormat au;
+    static const std::vector<const LAudioFormat*> vFormats = {&wave, &vox, &raw, &aif, &au};
     return vFormats;
 }
 
