@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "cli/LCliRawOptions.h"
 #include "cli/LCliSetup.h"
 #include "cli/LCliVerb.h"
 
@@ -16,6 +17,7 @@ void PrintHelp()
     std::printf("usage: sonitra-cli VERB [ARGS...]\n       sonitra-cli VERB --help\n\nverbs:\n");
     for (const LCliVerb* p : Verbs())
         std::printf("  %-10s %s\n", p->szName, p->szSummary);
+    std::printf("\n%s\n", LCliRawOptions::kHelp);
 }
 } // namespace
 
@@ -51,11 +53,15 @@ int main(int argc, char** argv)
         std::vector<std::string> vArgs(argv + 2, argv + argc);
         for (const std::string& s : vArgs) {
             if (s == "--help" || s == "-h") {
-                std::printf("%s\n", p->szUsage);
+                std::printf("%s\n\n%s\n", p->szUsage, LCliRawOptions::kHelp);
                 return CliDone;
             }
         }
         LCliSetup setup;
+        LCliRawOptions raw;
+        if (!raw.Take(vArgs))
+            return CliUsage;
+        raw.Install();
         return p->pfnRun(vArgs);
     }
     LCliError(std::string("unknown verb '") + argv[1] + "' (try --help)");

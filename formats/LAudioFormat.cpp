@@ -3,7 +3,10 @@
 #include <algorithm>
 
 #include "core/LFile.h"
+#include "formats/LAifFormat.h"
+#include "formats/LAuFormat.h"
 #include "formats/LGSMFormat.h"
+#include "formats/LVoxRawFormat.h"
 #include "formats/LWaveFormat.h"
 
 namespace {
@@ -31,8 +34,12 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
     // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
+    static const LVoxRawFormat vox(true);
     static const LGSMFormat gsm;
-    static const std::vector<const LAudioFormat*> vFormats = {&wave, &gsm};
+    static const LVoxRawFormat raw(false);
+    static const LAifFormat aif;
+    static const LAuFormat au;
+    static const std::vector<const LAudioFormat*> vFormats = {&wave, &vox, &gsm, &raw, &aif, &au};
     return vFormats;
 }
 

@@ -8,8 +8,8 @@ LSaveFormatOptions*& Head()
 }
 } // namespace
 
-LSaveFormatOptions::LSaveFormatOptions(const char* szFormatName, AskFn pfnAsk)
-    : szFormatName(szFormatName), pfnAsk(pfnAsk), pNext(Head())
+LSaveFormatOptions::LSaveFormatOptions(const char* szFormatName, AskFn pfnAsk, AskOpenFn pfnAskOpen)
+    : szFormatName(szFormatName), pfnAsk(pfnAsk), pfnAskOpen(pfnAskOpen), pNext(Head())
 {
     Head() = this;
 }
@@ -29,4 +29,12 @@ bool LSaveFormatOptions::HasDialog(const std::string& szFormatName)
         if (szFormatName == p->szFormatName)
             return true;
     return false;
+}
+
+bool LSaveFormatOptions::AskOpen(QWidget* pParent, const std::string& szFormatName)
+{
+    for (const LSaveFormatOptions* p = Head(); p; p = p->pNext)
+        if (szFormatName == p->szFormatName && p->pfnAskOpen)
+            return p->pfnAskOpen(pParent);
+    return true;
 }

@@ -87,3 +87,8 @@ bool LQtUiPrompts::AskSaveOptions(QWidget* pParent, const std::string& szFormatN
 {
     return LSaveFormatOptions::Ask(pParent, szFormatName, nSampleRate, nChans, encoding);
 }
+
+bool LQtUiPrompts::AskOpenOptions(QWidget* pParent, const std::string& szFormatName)
+{
+    return LSaveFormatOptions::AskOpen(pParent, szFormatName);
+}

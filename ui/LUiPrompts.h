@@ -52,6 +52,10 @@ public:
         return true;
     }
 
+    // How a file of the named format is to be read, for formats that ask (headerless files);
+    // false when cancelled. Scripted prompts read with the stored settings.
+    virtual bool AskOpenOptions(QWidget* pParent, const std::string& szFormatName) { return true; }
+
     static LUiPrompts& Get();
     // Not owned; null restores the Qt dialogs.
     static void Set(LUiPrompts* pPrompts);
@@ -71,4 +75,5 @@ public:
     bool AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans) override;
     bool AskSaveOptions(QWidget* pParent, const std::string& szFormatName, int32_t nSampleRate, uint8_t nChans,
                         LAudioEncoding& encoding) override;
+    bool AskOpenOptions(QWidget* pParent, const std::string& szFormatName) override;
 };

@@ -81,6 +81,10 @@ void MainDialog::CmOpen()
 bool MainDialog::LoadFile(const std::string& szPath)
 {
     const std::string szName = LFile::FileNameOf(szPath);
+    // A format read by settings of its own (a headerless file) offers them first.
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
+    if (pFormat && !LUiPrompts::Get().AskOpenOptions(this, pFormat->GetName()))
+        return false;
     std::string szError;
     LAudioFileDetails details;
     LSoundSourcePtr pSource = LAudioFile::OpenSource(szPath, &szError, &details);
