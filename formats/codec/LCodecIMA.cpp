@@ -37,23 +37,68 @@ struct LImaState
         return static_cast<int16_t>(nPredictor);
     }
 
+    // The prediction decoders that multiply instead of adding shifts would make, one code on.
+    int32_t PredictByProduct(uint32_t nCode) const
+    {
+        const int32_t nDiff = ((2 * static_cast<int32_t>(nCode & 7) + 1) * kStep[nIndex]) >> 3;
+        return LClamp16((nCode & 8) ? nPredictor - nDiff : nPredictor + nDiff);
+    }
+};
+
+// What the encoder keeps per channel: our decoder's state and the predictor of a decoder that
+// multiplies. Both see the same codes and so the same step index.
+struct LImaEncodeState
+{
+    LImaState ours;
+    int32_t nOtherPredictor = 0;
+
+    // The nearest code, unless a neighbour of it errs about as little while keeping the other
+    // decoder closer to ours.
     uint32_t Encode(int32_t nSample)
     {
-        int32_t nDiff = nSample - nPredictor;
+        const uint32_t nBest = Nearest(nSample);
+        uint32_t nChosen = nBest;
+        int64_t nLeast = INT64_MAX;
+        for (uint32_t nCode : {nBest, Neighbour(nBest, -1), Neighbour(nBest, 1)}) {
+            LImaState s = ours;
+            const int32_t nOther = LImaState{nOtherPredictor, ours.nIndex}.PredictByProduct(nCode);
+            const int64_t nOurs = s.Decode(nCode);
+            const int64_t nCost = (nSample - nOurs) * (nSample - nOurs) + kDriftWeight * (nOurs - nOther) * (nOurs - nOther);
+            if (nCost < nLeast) {
+                nLeast = nCost;
+                nChosen = nCode;
+            }
+        }
+        nOtherPredictor = LImaState{nOtherPredictor, ours.nIndex}.PredictByProduct(nChosen);
+        ours.Decode(nChosen);
+        return nChosen;
+    }
+
+private:
+    static constexpr int64_t kDriftWeight = 2;
+
+    uint32_t Nearest(int32_t nSample) const
+    {
+        int32_t nDiff = nSample - ours.nPredictor;
         uint32_t nCode = 0;
         if (nDiff < 0) {
             nCode = 8;
             nDiff = -nDiff;
         }
-        int32_t nStep = kStep[nIndex];
+        int32_t nStep = kStep[ours.nIndex];
         for (uint32_t nBit = 4; nBit; nBit >>= 1, nStep >>= 1) {
             if (nDiff >= nStep) {
                 nCode |= nBit;
                 nDiff -= nStep;
             }
         }
-        Decode(nCode);
         return nCode;
+    }
+    // One magnitude up or down with the same sign; the same code at the ends of the range.
+    static uint32_t Neighbour(uint32_t nCode, int nBy)
+    {
+        const int nMagnitude = static_cast<int>(nCode & 7) + nBy;
+        return nMagnitude < 0 || nMagnitude > 7 ? nCode : (nCode & 8) | static_cast<uint32_t>(nMagnitude);
     }
 };
 
@@ -129,8 +174,8 @@ public:
 
     void Reset() override
     {
-        for (LImaState& s : state)
-            s = LImaState();
+        for (LImaEncodeState& s : state)
+            s = LImaEncodeState();
     }
 
     void EncodeBlocks(const int16_t* pIn, uint32_t nBlocks, uint8_t* pOut) override
@@ -140,9 +185,10 @@ public:
         for (uint32_t i = 0; i < nBlocks; ++i) {
             // The header holds the first frame exactly and the index the last block ended on.
             for (uint32_t c = 0; c < nChans; ++c) {
-                state[c].nPredictor = pIn[c];
+                state[c].ours.nPredictor = pIn[c];
+                state[c].nOtherPredictor = pIn[c];
                 LPut16(pOut + 4 * c, static_cast<uint16_t>(pIn[c]));
-                pOut[4 * c + 2] = static_cast<uint8_t>(state[c].nIndex);
+                pOut[4 * c + 2] = static_cast<uint8_t>(state[c].ours.nIndex);
                 pOut[4 * c + 3] = 0;
             }
             uint8_t* pData = pOut + 4 * nChans;
@@ -172,7 +218,7 @@ public:
     }
 
 private:
-    LImaState state[kMaxChannels];
+    LImaEncodeState state[kMaxChannels];
 };
 
 } // namespace

@@ -14,6 +14,8 @@ const int16_t kCoef1[kStdCoefs] = {256, 512, 0, 192, 240, 460, 392};
 const int16_t kCoef2[kStdCoefs] = {0, -256, 0, 64, 0, -208, -232};
 const int32_t kAdapt[16] = {230, 230, 230, 230, 307, 409, 512, 614, 768, 614, 512, 409, 307, 230, 230, 230};
 constexpr int32_t kMinDelta = 16;
+// How much a sample of drift between dividing and shifting decoders counts against a predictor.
+constexpr int64_t kDriftWeight = 4;
 // Keeps code x step and the next step within 32 bits whatever a damaged header says.
 constexpr int32_t kMaxDelta = INT_MAX / 768;
 
@@ -54,6 +56,8 @@ struct LMsState
 
     // In 64 bits: a record's own coefficients may be any 16-bit values.
     int32_t Predict() const { return static_cast<int32_t>((int64_t{s1} * c1 + int64_t{s2} * c2) / 256); }
+    // The prediction of decoders that shift instead of dividing (rounding toward minus infinity).
+    int32_t PredictByShift() const { return static_cast<int32_t>((int64_t{s1} * c1 + int64_t{s2} * c2) >> 8); }
 
     void Take(int32_t nCode, int32_t nPredicted)
     {
@@ -212,7 +216,9 @@ private:
     }
 
     // Encodes channel c with predictor p; writes its nibbles into pCodes when given. Returns the
-    // sum of squared errors.
+    // sum of squared errors, counting also how far a decoder that shifts instead of dividing
+    // would drift from ours: among predictors that do about as well, the ones that keep every
+    // reader of the file together win.
     int64_t Trial(const int16_t* pIn, uint32_t c, int32_t p, int32_t nDelta, uint8_t* pCodes)
     {
         const uint32_t nChans = shape.nChans;
@@ -222,12 +228,15 @@ private:
         s.nDelta = nDelta;
         s.s1 = pIn[nChans + c];
         s.s2 = pIn[c];
+        LMsState other = s;
         int64_t nErr = 0;
         for (uint32_t i = 2; i < shape.nBlockFrames; ++i) {
             const int32_t x = pIn[i * nChans + c];
             const int32_t nCode = s.Encode(x);
+            other.Take(nCode, other.PredictByShift());
             const int64_t d = x - s.s1;
-            nErr += d * d;
+            const int64_t nDrift = s.s1 - other.s1;
+            nErr += d * d + kDriftWeight * nDrift * nDrift;
             if (pCodes) {
                 const uint32_t nAt = (i - 2) * nChans + c; // position in the code stream
                 uint8_t& b = pCodes[nAt / 2];
