@@ -169,6 +169,10 @@ void LSRCACMWave::SetPosition(int32_t sNewPosition)
     // The average rate is rounded in most records (or wrong): never start behind the frame asked.
     if (nBlockFrames && FrameOfByte(nOffset) > sNewPosition)
         nOffset = static_cast<uint64_t>(sNewPosition) / nBlockFrames * nBlockAlign;
+    // A decoder with memory starts a few blocks early, within the frames the discard can cover.
+    const uint64_t nSettle = pStream->GetShape().nSettleBlocks;
+    if (nBlockFrames && nSettle && (nSettle + 1) * nBlockFrames <= kBlockFrames)
+        nOffset -= std::min<uint64_t>(nOffset / nBlockAlign, nSettle) * nBlockAlign;
     file.Seek(nDataStart + static_cast<int64_t>(nOffset));
     nBytesRead = static_cast<uint32_t>(nOffset);
     sPosition = static_cast<int32_t>(std::min<int64_t>(FrameOfByte(nOffset), INT32_MAX));

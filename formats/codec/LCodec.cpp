@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "formats/codec/LCodecFloat.h"
+#include "formats/codec/LCodecG711.h"
+#include "formats/codec/LCodecGSM.h"
 #include "formats/codec/LCodecIMA.h"
 #include "formats/codec/LCodecMSADPCM.h"
 #include "formats/codec/LCodecPCM.h"
@@ -15,7 +17,9 @@ const std::vector<const LCodec*>& LCodec::All()
     static const LCodecFloat ieeeFloat;
     static const LCodecIMA ima;
     static const LCodecMSADPCM msadpcm;
-    static const std::vector<const LCodec*> vCodecs = {&pcm, &ieeeFloat, &ima, &msadpcm};
+    static const LCodecG711 alaw(LCodecG711::ALaw), ulaw(LCodecG711::ULaw);
+    static const LCodecGSM gsm;
+    static const std::vector<const LCodec*> vCodecs = {&pcm, &ieeeFloat, &ima, &msadpcm, &alaw, &ulaw, &gsm};
     return vCodecs;
 }
 

@@ -16,6 +16,9 @@ struct LCodecShape
     uint32_t nBlockBytes = 0;
     uint32_t nBlockFrames = 0;
     uint16_t nChans = 0;
+    // For codecs whose decoder carries memory from block to block: how many blocks ahead of a
+    // seek's target decoding should start so that the memory has settled by the target.
+    uint32_t nSettleBlocks = 0;
 };
 
 class LCodecDecoder

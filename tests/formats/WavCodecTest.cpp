@@ -220,17 +220,18 @@ TEST(CodecStream, WidePCMAndFloatRoundAndSaturateTo16Bits)
 
 TEST(CodecStream, EveryEncoderRoundTripsThroughItsDecoder)
 {
-    const std::vector<int16_t> vIn = [] {
-        std::vector<int16_t> v(2 * 3000);
-        for (size_t i = 0; i < v.size(); ++i)
-            v[i] = static_cast<int16_t>(8000 * std::sin(i * 0.01 * (1 + (i & 1))));
-        return v;
-    }();
     for (const LCodec* pCodec : LCodec::All()) {
+        int32_t nRate = 8000;
+        uint8_t nChans = 2;
+        pCodec->FitShape(nRate, nChans); // GSM holds one channel
+        std::vector<int16_t> vIn(static_cast<size_t>(nChans) * 3000);
+        for (size_t i = 0; i < vIn.size(); ++i)
+            vIn[i] = static_cast<int16_t>(8000 * std::sin(i / nChans * 0.05 * (1 + (i % nChans))));
         LWaveFormatRecord r;
-        ASSERT_TRUE(pCodec->MakeRecord(8000, 2, r)) << pCodec->GetName();
+        ASSERT_TRUE(pCodec->MakeRecord(static_cast<uint32_t>(nRate), nChans, r)) << pCodec->GetName();
         std::unique_ptr<LCodecStream> pEnc;
-        ASSERT_TRUE(LCodecStream::Open(&pEnc, LWaveFormatRecord::PCM16(8000, 2), r, 0)) << pCodec->GetName();
+        ASSERT_TRUE(LCodecStream::Open(&pEnc, LWaveFormatRecord::PCM16(r.nSamplesPerSec, nChans), r, 0))
+            << pCodec->GetName();
         std::vector<uint8_t> vCoded(64 * 1024);
         LCodecStreamHeader h;
         h.pbSrc = reinterpret_cast<const uint8_t*>(vIn.data());
@@ -248,6 +249,8 @@ TEST(CodecStream, EveryEncoderRoundTripsThroughItsDecoder)
             fSignal += double(vIn[i]) * vIn[i];
             fNoise += double(vIn[i] - vOut[i]) * (vIn[i] - vOut[i]);
         }
-        EXPECT_GT(fNoise ? 10 * std::log10(fSignal / fNoise) : 999, 20) << pCodec->GetName();
+        // GSM keeps how speech sounds rather than its waveform.
+        const double fMin = std::string(pCodec->GetShortName()) == "gsm" ? 5 : 20;
+        EXPECT_GT(fNoise ? 10 * std::log10(fSignal / fNoise) : 999, fMin) << pCodec->GetName();
     }
 }

@@ -127,14 +127,15 @@ TEST_F(WavCompressed, FixedRatioCodecsGiveTheExactLength)
 TEST_F(WavCompressed, ChunksBeforeDataAndStreamingSizeKeepTheLength)
 {
     const std::vector<int16_t> vIn = Tones(11025, 1, 3000);
-    for (const char* szCodec : {"ima", "msadpcm", "pcm24", "float"}) {
+    for (const char* szCodec : {"ima", "msadpcm", "pcm24", "float", "alaw", "ulaw", "gsm"}) {
         const LWaveFormatRecord r = Record(szCodec, 11025, 1);
         const Bytes vData = DataOf(Encode(r, vIn));
         LSoundSourcePtr pPlain = Open(FileOf(r, vData));
         const int32_t nLength = pPlain->GetLength();
         const std::vector<int16_t> vPlain = DecodeAll(*pPlain);
+        // The last block of ADPCM keeps only what it needs; GSM fills its last block of 320.
         EXPECT_GE(nLength, 3000) << szCodec;
-        EXPECT_LT(nLength, 3000 + 8) << szCodec; // the last block keeps only what it needs
+        EXPECT_LT(nLength, std::string(szCodec) == "gsm" ? 3201 : 3000 + 8) << szCodec;
         Bytes vFact = Chunk("fact", {0xB8, 0x0B, 0, 0});
         const Bytes vList = Chunk("LIST", Bytes(13, 'i'));
         vFact.insert(vFact.end(), vList.begin(), vList.end());
@@ -203,8 +204,10 @@ TEST_F(WavCompressed, ReadsOutsideTheDataAreSilence)
 
 TEST_F(WavCompressed, SeekLandsOnTheFrameAndReadsWhatStraightReadingGives)
 {
-    for (const char* szCodec : {"ima", "msadpcm", "pcm24", "float"}) {
+    for (const char* szCodec : {"ima", "msadpcm", "pcm24", "float", "alaw", "ulaw", "gsm"}) {
         for (uint16_t nChans : {1, 2}) {
+            if (nChans == 2 && std::string(szCodec) == "gsm")
+                continue;
             SCOPED_TRACE(std::string(szCodec) + " " + std::to_string(nChans));
             const LWaveFormatRecord r = Record(szCodec, 22050, nChans);
             LSoundSourcePtr p = Open(FileOf(r, DataOf(Encode(r, Tones(22050, nChans, 40000)))));
@@ -216,8 +219,17 @@ TEST_F(WavCompressed, SeekLandsOnTheFrameAndReadsWhatStraightReadingGives)
                 std::vector<int32_t> vBuf(static_cast<size_t>(n) * nChans);
                 p->SetPosition(f);
                 p->Read(vBuf.data(), n);
-                for (int32_t i = 0; i < n * nChans; ++i)
-                    ASSERT_EQ(vBuf[i], vAll[static_cast<size_t>(f) * nChans + i] * 16) << f << " " << i;
+                const std::vector<int16_t> vStraight(vAll.begin() + static_cast<long>(f) * nChans,
+                                                     vAll.begin() + static_cast<long>(f + n) * nChans);
+                std::vector<int16_t> vSeeked(vBuf.size());
+                for (size_t i = 0; i < vBuf.size(); ++i)
+                    vSeeked[i] = static_cast<int16_t>(vBuf[i] >> 4);
+                // GSM carries memory across blocks: decoding starts well ahead of the target and has
+                // settled by it, though a steady tone may keep a trace of the fresh start.
+                if (std::string(szCodec) == "gsm")
+                    EXPECT_GT(SnrDb(vStraight, vSeeked), 30) << f;
+                else
+                    ASSERT_EQ(FirstDifference(vStraight, vSeeked), -1) << f;
                 EXPECT_EQ(p->GetPosition(), f + n);
             }
         }
