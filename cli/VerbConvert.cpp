@@ -1,21 +1,27 @@
-// sonitra-cli convert IN OUT [--rate N] [--channels 1|2] [--bits 8|16]
+// sonitra-cli convert IN OUT [--rate N] [--channels 1|2] [--bits 8|16] [--format FORMAT:ENCODING]
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
 
 #include "cli/LCliVerb.h"
 #include "formats/LAudioFile.h"
+#include "formats/LAudioFormat.h"
 #include "work/LProgressDialog.h"
 
 namespace {
 
 const char kUsage[] =
-    "usage: sonitra-cli convert IN OUT [--rate N] [--channels 1|2] [--bits 8|16]\n"
+    "usage: sonitra-cli convert IN OUT [--rate N] [--channels 1|2] [--bits 8|16] [--format FORMAT:ENCODING]\n"
     "\n"
     "Reads IN and writes OUT in the format its extension names (.wav). Without options OUT\n"
-    "keeps the rate, channels and bits of IN.\n"
+    "keeps the rate, channels and encoding of IN where its format has them.\n"
     "\n"
     "  --rate N         sample rate of OUT in Hz (1 to 196000)\n"
     "  --channels 1|2   1 keeps the left channel of a stereo file, 2 doubles a mono one\n"
     "  --bits 8|16      bits per sample of OUT\n"
+    "  --format wav:E   the encoding of OUT: pcm8, pcm16, pcm24, pcm32, float, float64, alaw,\n"
+    "                   ulaw, ima, msadpcm or gsm (each where a codec for it is built in);\n"
+    "                   a format that holds only some rates or channels gets the nearest\n"
     "\n"
     "OUT is written beside its final name and renamed when complete, so an existing OUT is\n"
     "left intact if the conversion fails or is cancelled (Ctrl+C).\n"
@@ -28,6 +34,8 @@ struct Options
     int nRate = 0; // 0: as the input
     int nChans = 0;
     int nBits = 0;
+    std::string szFormat;   // "WAV", from --format
+    std::string szEncoding; // "ima"
 };
 
 bool ParseNumber(const std::string& szText, int nMin, int nMax, int& nValue)
@@ -44,6 +52,32 @@ bool UsageError(const std::string& szText)
 {
     LCliError("convert: " + szText + " (try sonitra-cli convert --help)");
     return false;
+}
+
+std::string Upper(std::string sz)
+{
+    std::transform(sz.begin(), sz.end(), sz.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return sz;
+}
+
+// "wav:ima": a format that can be written and one of its encodings.
+bool TakeFormat(const std::string& szValue, Options& opt)
+{
+    const size_t nColon = szValue.find(':');
+    const LAudioFormat* pFormat = LAudioFormat::ByName(Upper(szValue.substr(0, nColon)));
+    if (nColon == std::string::npos || !pFormat || !pFormat->CanWrite())
+        return UsageError("--format takes FORMAT:ENCODING, e.g. wav:ima");
+    const std::string szEncoding = szValue.substr(nColon + 1);
+    const std::vector<std::string> vKnown = pFormat->GetEncodings();
+    if (std::find(vKnown.begin(), vKnown.end(), szEncoding) == vKnown.end()) {
+        std::string szList;
+        for (const std::string& sz : vKnown)
+            szList += (szList.empty() ? "" : ", ") + sz;
+        return UsageError(std::string(pFormat->GetName()) + " has no encoding '" + szEncoding + "' (known: " + szList + ")");
+    }
+    opt.szFormat = pFormat->GetName();
+    opt.szEncoding = szEncoding;
+    return true;
 }
 
 // Takes "--name VALUE" or "--name=VALUE" at vArgs[i].
@@ -67,6 +101,8 @@ bool TakeOption(const std::vector<std::string>& vArgs, size_t& i, Options& opt)
     if (szName == "--bits")
         return (ParseNumber(szValue, 8, 16, opt.nBits) && (opt.nBits == 8 || opt.nBits == 16)) ||
                UsageError("--bits takes 8 or 16");
+    if (szName == "--format")
+        return TakeFormat(szValue, opt);
     return UsageError("unknown option '" + szName + "'");
 }
 
@@ -85,6 +121,12 @@ bool ParseArgs(const std::vector<std::string>& vArgs, Options& opt)
         return UsageError("needs exactly one input and one output file");
     opt.szIn = vFiles[0];
     opt.szOut = vFiles[1];
+    if (opt.nBits && !opt.szEncoding.empty())
+        return UsageError("--bits and --format cannot be given together");
+    const LAudioFormat* pOutFormat = LAudioFormat::ByExtension(opt.szOut);
+    if (!opt.szFormat.empty() && pOutFormat && opt.szFormat != pOutFormat->GetName())
+        return UsageError("--format names " + opt.szFormat + " but " + opt.szOut + " is a " + pOutFormat->GetName() +
+                          " file");
     return true;
 }
 
@@ -125,8 +167,13 @@ int RunConvert(const std::vector<std::string>& vArgs)
     }
     // The output keeps the input's encoding where its format has it, unless asked otherwise.
     LAudioEncoding encoding = details.encoding;
+    // A format record read from IN holds its rate and channels; asked for others, only its kind stays.
+    if (opt.nRate || opt.nChans)
+        encoding.vRecord.clear();
     if (opt.nBits)
         encoding = LAudioEncoding::Named(opt.nBits == 8 ? "pcm8" : "pcm16");
+    if (!opt.szEncoding.empty())
+        encoding = LAudioEncoding::Named(opt.szEncoding);
     LPRConvert convert(opt, pSource.Get(), encoding);
     const int32_t nResult = convert.Run();
     if (nResult == LProgressDialog::ResultCancelled) {

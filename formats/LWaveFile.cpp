@@ -6,8 +6,10 @@
 
 #include "core/LFile.h"
 #include "core/LTrace.h"
+#include "formats/LSNKACMFile.h"
 #include "formats/LSNKPCMFile16.h"
 #include "formats/LSNKPCMFile8.h"
+#include "formats/LSRCACMWave.h"
 #include "formats/LSRCPCMFile16.h"
 #include "formats/LSRCPCMFile8.h"
 
@@ -89,13 +91,14 @@ bool CheckFormat(const LWaveFormatRecord& record, std::string* pszReason)
                     std::to_string(record.nSamplesPerSec) + " Hz");
 }
 
-// Every record the PCM readers cannot take goes to the codec-layer reader. Until that exists
-// such files open as a latched source with the reason.
+// Every record the PCM readers cannot take goes to the codec-layer reader.
 LSoundSourcePtr OpenCompressedReader(LFile&& file, const LWaveFormatRecord& record, uint32_t nDataSize,
                                      std::string* pszReason)
 {
-    Fail(pszReason, "no codec for this format", LWaveFile::DescribeEncoding(record) + " WAV files are not supported");
-    return LSoundSourcePtr(new LSRCSilence);
+    LSoundSourcePtr pSource(new LSRCACMWave(std::move(file), record, nDataSize));
+    if (pSource->IsError())
+        Fail(pszReason, "no codec for this format", LWaveFile::DescribeEncoding(record) + " WAV files are not supported");
+    return pSource;
 }
 
 LSoundSourcePtr ChooseReader(LFile&& file, const LWaveFormatRecord& record, uint32_t nDataSize,
@@ -142,9 +145,7 @@ LSoundSinkPtr LWaveFile::OpenSink(const std::string& szPath, const LWaveFormatRe
     if (record.wFormatTag == LWaveFormatRecord::kTagPCM && record.nChannels <= kMaxChannels)
         return OpenSinkPCM(szPath, static_cast<int32_t>(record.nSamplesPerSec), 0, record.wBitsPerSample,
                            static_cast<uint8_t>(record.nChannels));
-    // The codec-layer writer (LSNKACMFile) will take every other record.
-    LTRACE("LWaveFile::OpenSink no encoder for format tag %u", record.wFormatTag);
-    return LSoundSinkPtr();
+    return LSoundSinkPtr(new LSNKACMFile(szPath, record));
 }
 
 LSoundSinkPtr LWaveFile::OpenSinkPCM(const std::string& szPath, int32_t nSampleRate, int32_t sStartFrame,
@@ -167,7 +168,7 @@ std::string LWaveFile::DescribeEncoding(const LWaveFormatRecord& record)
 {
     if (record.IsPCM())
         return "PCM " + std::to_string(record.wBitsPerSample) + "-bit";
-    switch (record.wFormatTag) {
+    switch (record.EffectiveTag()) {
     case 0x0002: return "MS ADPCM";
     case 0x0003: return "IEEE float " + std::to_string(record.wBitsPerSample) + "-bit";
     case 0x0006: return "A-law";

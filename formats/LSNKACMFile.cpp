@@ -1,0 +1,129 @@
+#include "formats/LSNKACMFile.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/LFixed.h"
+#include "core/LTrace.h"
+
+namespace {
+void Put32(uint8_t* p, uint32_t v)
+{
+    for (int i = 0; i < 4; ++i)
+        p[i] = static_cast<uint8_t>(v >> (8 * i));
+}
+} // namespace
+
+LSNKACMFile::LSNKACMFile(const std::string& szPath, const LWaveFormatRecord& record)
+    : LSoundSinkBase(static_cast<int32_t>(record.nSamplesPerSec),
+                     static_cast<uint8_t>(record.nChannels ? record.nChannels : 1))
+{
+    if (!file.Open(szPath, LFile::ReadWriteCreate)) {
+        LTRACE("LSNKACMFile::LSNKACMFile unable to open file %s", szPath.c_str());
+        SetError();
+        return;
+    }
+    // The record as it will stand in the file: the fixed part with cbSize, then its data.
+    vRecord.assign(LWaveFormatRecord::kFixedBytes + record.cbSize, 0);
+    std::copy_n(record.vBytes.begin(), std::min(record.vBytes.size(), vRecord.size()), vRecord.begin());
+    vRecord[16] = static_cast<uint8_t>(record.cbSize);
+    vRecord[17] = static_cast<uint8_t>(record.cbSize >> 8);
+    const LWaveFormatRecord pcm = LWaveFormatRecord::PCM16(record.nSamplesPerSec, nChans);
+    if (IsError() || (!LCodecStream::Open(&pStream, pcm, record, 0) &&
+                      !LCodecStream::Open(&pStream, pcm, record, LCodecStream::kOpenNonRealtime))) {
+        LTRACE("LSNKACMFile::LSNKACMFile acmStreamOpen ERROR");
+        SetError();
+        return;
+    }
+    vSrc.resize(static_cast<size_t>(kBlockFrames) * nChans);
+    uint32_t nDstBytes = 0;
+    if (!pStream->Size(static_cast<uint32_t>(vSrc.size() * 2), nDstBytes, LCodecStream::kSizeSource) ||
+        nDstBytes == 0) {
+        LTRACE("LSNKACMFile::LSNKACMFile acmStreamSize <= 0 ERROR");
+        SetError();
+        return;
+    }
+    vDst.resize(nDstBytes);
+    header.pbSrc = reinterpret_cast<const uint8_t*>(vSrc.data());
+    header.pbDst = vDst.data();
+    if (!WriteHeader(kOpenSize, kOpenSize))
+        SetError();
+}
+
+LSNKACMFile::~LSNKACMFile()
+{
+    if (!pStream || !file.IsOpen())
+        return;
+    if (!IsError())
+        Convert(LCodecStream::kConvertEnd);
+    // Sizes that do not fit stay in the open form, which readers take as "up to the end of the file".
+    const uint64_t nHeaderPart = 38 + uint64_t{vRecord.size()} - LWaveFormatRecord::kFixedBytes;
+    const bool bFits = nEncodedBytes + nHeaderPart < kOpenSize;
+    file.Seek(0);
+    WriteHeader(bFits ? static_cast<uint32_t>(nHeaderPart + nEncodedBytes) : kOpenSize,
+                bFits ? static_cast<uint32_t>(nEncodedBytes) : kOpenSize);
+}
+
+bool LSNKACMFile::WriteHeader(uint32_t nRiffSize, uint32_t nDataSize)
+{
+    std::vector<uint8_t> v(20 + vRecord.size() + 8);
+    std::memcpy(v.data(), "RIFF", 4);
+    Put32(v.data() + 4, nRiffSize);
+    std::memcpy(v.data() + 8, "WAVEfmt ", 8);
+    Put32(v.data() + 16, static_cast<uint32_t>(vRecord.size()));
+    std::copy(vRecord.begin(), vRecord.end(), v.begin() + 20);
+    std::memcpy(v.data() + 20 + vRecord.size(), "data", 4);
+    Put32(v.data() + 24 + vRecord.size(), nDataSize);
+    if (file.Write(v.data(), static_cast<int64_t>(v.size())) != static_cast<int64_t>(v.size())) {
+        LTRACE("LSNKACMFile::WriteHeader write failed");
+        return false;
+    }
+    return true;
+}
+
+bool LSNKACMFile::Convert(uint32_t nFlags)
+{
+    header.cbSrcLength = nSrcFill * 2;
+    header.cbDstLength = static_cast<uint32_t>(vDst.size());
+    if (!pStream->Convert(header, nFlags)) {
+        LTRACE("LSNKACMFile::Write acmStreamConvert FAILED!");
+        return false;
+    }
+    const int64_t nBytes = header.cbDstLengthUsed;
+    if (nBytes && file.Write(vDst.data(), nBytes) != nBytes) {
+        LTRACE("LSNKACMFile::Write write failed (disk full?)");
+        return false;
+    }
+    nEncodedBytes += static_cast<uint64_t>(nBytes);
+    const uint32_t nUsed = header.cbSrcLengthUsed / 2;
+    nSrcFill -= nUsed;
+    std::copy(vSrc.begin() + nUsed, vSrc.begin() + nUsed + nSrcFill, vSrc.begin());
+    return true;
+}
+
+void LSNKACMFile::Write(const int32_t* pBuffer, int32_t nFrames)
+{
+    if (IsError() || nFrames <= 0)
+        return;
+    size_t nSamples = static_cast<size_t>(nFrames) * nChans;
+    while (nSamples > 0) {
+        const size_t nPiece = std::min(nSamples, vSrc.size() - nSrcFill);
+        int16_t* pTo = vSrc.data() + nSrcFill;
+        for (size_t i = 0; i < nPiece; ++i)
+            pTo[i] = LTo16(pBuffer[i]);
+        pBuffer += nPiece;
+        nSamples -= nPiece;
+        nSrcFill += static_cast<uint32_t>(nPiece);
+        const bool bFull = nSrcFill == vSrc.size();
+        if (!Convert(LCodecStream::kConvertBlockAlign)) {
+            SetError();
+            return;
+        }
+        if (bFull && header.cbSrcLengthUsed == 0) {
+            LTRACE("LSNKACMFile::Write acmStreamConvert is not using the src!");
+            SetError();
+            return;
+        }
+    }
+    sPosition = static_cast<int32_t>(std::min<int64_t>(static_cast<int64_t>(sPosition) + nFrames, INT32_MAX));
+}

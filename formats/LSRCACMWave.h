@@ -1,0 +1,56 @@
+// Reads WAV data that is not plain PCM of up to 16 bits: compressed bytes are read a buffer at
+// a time and decoded to 16-bit PCM through a codec stream, whole blocks at a time.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "core/LFile.h"
+#include "core/LSoundSourceBase.h"
+#include "formats/LWaveFormatRecord.h"
+#include "formats/codec/LCodecStream.h"
+
+class LSRCACMWave : public LSoundSourceBase
+{
+public:
+    static constexpr int32_t kBlockFrames = 8192;
+    static constexpr uint32_t kStreamingSize = 0xFFFFFFFF;
+
+    // Takes over the file, whose pointer stands at the first byte of the data.
+    LSRCACMWave(LFile&& file, const LWaveFormatRecord& record, uint32_t nDataSize);
+
+    void Read(int32_t* pBuffer, int32_t nFrames) override;
+    int32_t GetPosition() override { return sPosition; }
+    // Exact once the end has been met; until then an estimate from the bytes left.
+    int32_t GetLength() override;
+    void SetPosition(int32_t sNewPosition) override;
+
+private:
+    // Decodes into the destination buffer; false when nothing more comes.
+    bool Refill(int32_t nWanted);
+    void Discard(int64_t nFrames);
+    void ResetStream();
+    // The frame that a byte of the data starts (the block's first frame for block codecs).
+    int64_t FrameOfByte(uint64_t nByte) const;
+    uint64_t ByteOfFrame(int64_t sFrame) const;
+    // The frames nBytes of data decode to.
+    int64_t FramesIn(uint32_t nBytes) const;
+
+    LFile file;
+    uint32_t nDataSize = 0;
+    uint32_t nBytesRead = 0;
+    int64_t nDataStart = 0;
+    std::unique_ptr<LCodecStream> pStream;
+    LCodecStreamHeader header;
+    std::vector<uint8_t> vSrc;
+    uint32_t nSrcFill = 0;
+    std::vector<int16_t> vDst;
+    uint32_t nDstHeld = 0; // decoded samples not yet handed out
+    uint32_t nDstNext = 0; // the first of them
+    uint32_t nFileRate = 1;
+    uint32_t nAvgBytesPerSec = 1;
+    uint32_t nBlockAlign = 1;
+    uint32_t nBlockFrames = 0; // frames in one block, 0 when not known
+    int32_t sPosition = 0;
+    int64_t sEndFrame = -1;
+};
