@@ -4,6 +4,7 @@
 
 #include "core/LFile.h"
 #include "formats/LWaveFormat.h"
+#include "formats/mp3/LMP3Format.h"
 
 namespace {
 
@@ -30,7 +31,8 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
     // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
-    static const std::vector<const LAudioFormat*> vFormats = {&wave};
+    static const LMP3Format mp3;
+    static const std::vector<const LAudioFormat*> vFormats = {&wave, &mp3};
     return vFormats;
 }
 
