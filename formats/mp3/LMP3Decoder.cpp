@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <cstdio>
+#include <cstdlib>
 
 #include "core/LTrace.h"
 #include "formats/mp3/LMP3TableData.h"
@@ -245,7 +247,7 @@ void LMP3Decoder::ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight)
             aSfL[ch][sfb] = aVal[k];
             aMaxL[sfb] = aMax[k];
         }
-        aSfL[ch][21] = aSfL[ch][20];
+        aSfL[ch][21] = 0; // never sent; intensity stereo takes band 20's position
         aMaxL[21] = aMaxL[20];
         return;
     }
@@ -263,7 +265,7 @@ void LMP3Decoder::ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight)
             aMaxS[sfb][w] = aMax[k];
         }
     for (int w = 0; w < 3; ++w) {
-        aSfS[ch][12][w] = aSfS[ch][11][w];
+        aSfS[ch][12][w] = 0;
         aMaxS[12][w] = aMaxS[11][w];
     }
 }
@@ -399,8 +401,12 @@ void LMP3Decoder::StereoLong(int nFirstBand, int nLastBand, bool bMs)
     const int nIllegal = nVersion == 0 ? 7 : 0;
     for (int sfb = nFirstBand; sfb < nLastBand; ++sfb) {
         const int nFrom = pLong[sfb];
-        const int nPos = aSfL[1][sfb < 21 ? sfb : 20];
-        const int nMax = nVersion == 0 ? nIllegal : aMaxL[sfb];
+        // The last band sends no position of its own: it repeats band 20's.
+        // Band 21 sends no position: it repeats band 20's. At the lower sampling frequencies a
+        // band 20 outside the intensity region leaves it at position 0.
+        const bool bZero = sfb == 21 && nVersion != 0 && nFirstBand > 20;
+        const int nPos = bZero ? 0 : aSfL[1][sfb < 21 ? sfb : 20];
+        const int nMax = nVersion == 0 ? nIllegal : bZero ? 1 : aMaxL[sfb];
         IntensityLines(aXr[0] + nFrom, aXr[1] + nFrom, pLong[sfb + 1] - nFrom, nPos, nMax, bMs);
     }
 }
@@ -410,8 +416,9 @@ void LMP3Decoder::StereoShortWindow(int w, int nFirstBand, bool bMs)
     for (int sfb = nFirstBand; sfb < 13; ++sfb) {
         const int nWidth = pShort[sfb + 1] - pShort[sfb];
         const int nFrom = 3 * pShort[sfb] + w * nWidth;
-        const int nPos = aSfS[1][sfb < 12 ? sfb : 11][w];
-        const int nMax = nVersion == 0 ? 7 : aMaxS[sfb][w];
+        const bool bZero = sfb == 12 && nVersion != 0 && nFirstBand > 11;
+        const int nPos = bZero ? 0 : aSfS[1][sfb < 12 ? sfb : 11][w];
+        const int nMax = nVersion == 0 ? 7 : bZero ? 1 : aMaxS[sfb][w];
         IntensityLines(aXr[0] + nFrom, aXr[1] + nFrom, nWidth, nPos, nMax, bMs);
     }
 }
@@ -663,6 +670,7 @@ bool LMP3Decoder::DecodeFrame(const MP3Header& h, const uint8_t* pData, int nByt
     for (int gr = 0; gr < nGranules; ++gr) {
         for (int ch = 0; ch < nChannels; ++ch) {
             const Granule& g = aGr[gr][ch];
+            if (getenv("MP3DBG")) fprintf(stderr, "br%d pad%d mdb%d res%d mode%d ext%d gr%d ch%d p23 %d bt%d short%d mixed%d big%d gg%d sfc%d sfs%d pre%d sub%d%d%d t%d,%d,%d r%d,%d c1%d\n", h.nBitRate, h.nPadding, nMainDataBegin, nReservoir, h.nMode, h.nModeExt, gr, ch, g.nPart23, g.nBlockType, g.bShort, g.bMixed, g.nBigValues, g.nGlobalGain, g.nSfCompress, g.nSfScale, g.bPreflag, g.aSubGain[0], g.aSubGain[1], g.aSubGain[2], g.aTable[0], g.aTable[1], g.aTable[2], g.nRegion1, g.nRegion2, g.nCount1Table);
             const int nStart = br.nPos;
             const int nEnd = std::min(nStart + g.nPart23, nEndBits);
             if (h.nVersion == 0)
