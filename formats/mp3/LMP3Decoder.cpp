@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <cstdio>
-#include <cstdlib>
 
 #include "core/LTrace.h"
 #include "formats/mp3/LMP3TableData.h"
@@ -123,20 +121,19 @@ bool LMP3Decoder::ReadSideInfo(const MP3Header& h, const uint8_t* pSide)
             const bool bSwitch = br.Get(1) != 0;
             if (bSwitch) {
                 g.nBlockType = static_cast<int>(br.Get(2));
-                g.bMixed = br.Get(1) != 0;
+                g.bMixedFlag = br.Get(1) != 0;
                 g.aTable[0] = static_cast<int>(br.Get(5));
                 g.aTable[1] = static_cast<int>(br.Get(5));
                 g.aTable[2] = 0;
                 for (int w = 0; w < 3; ++w)
                     g.aSubGain[w] = static_cast<int>(br.Get(3));
                 g.bShort = g.nBlockType == 2;
-                if (!g.bShort)
-                    g.bMixed = false;
+                g.bMixed = g.bShort && g.bMixedFlag;
                 g.nRegion1 = g.bShort ? std::min(3 * pShort[3], 576) : pLong[8];
                 g.nRegion2 = 576;
             } else {
                 g.nBlockType = 0;
-                g.bShort = g.bMixed = false;
+                g.bShort = g.bMixed = g.bMixedFlag = false;
                 for (int t = 0; t < 3; ++t)
                     g.aTable[t] = static_cast<int>(br.Get(5));
                 g.aSubGain[0] = g.aSubGain[1] = g.aSubGain[2] = 0;
@@ -544,7 +541,9 @@ void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
             }
         } else {
             const float* x = xr + 18 * sb;
-            const int nType = g.bMixed && sb < 2 ? 0 : g.nBlockType;
+            // The flag gives the two lowest subbands the normal window in start and stop
+            // blocks as well.
+            const int nType = g.bMixedFlag && sb < 2 ? 0 : g.nBlockType;
             if (nType == 2 && g.bShort) {
                 float z[36] = {};
                 for (int w = 0; w < 3; ++w) {
@@ -670,7 +669,6 @@ bool LMP3Decoder::DecodeFrame(const MP3Header& h, const uint8_t* pData, int nByt
     for (int gr = 0; gr < nGranules; ++gr) {
         for (int ch = 0; ch < nChannels; ++ch) {
             const Granule& g = aGr[gr][ch];
-            if (getenv("MP3DBG")) fprintf(stderr, "br%d pad%d mdb%d res%d mode%d ext%d gr%d ch%d p23 %d bt%d short%d mixed%d big%d gg%d sfc%d sfs%d pre%d sub%d%d%d t%d,%d,%d r%d,%d c1%d\n", h.nBitRate, h.nPadding, nMainDataBegin, nReservoir, h.nMode, h.nModeExt, gr, ch, g.nPart23, g.nBlockType, g.bShort, g.bMixed, g.nBigValues, g.nGlobalGain, g.nSfCompress, g.nSfScale, g.bPreflag, g.aSubGain[0], g.aSubGain[1], g.aSubGain[2], g.aTable[0], g.aTable[1], g.aTable[2], g.nRegion1, g.nRegion2, g.nCount1Table);
             const int nStart = br.nPos;
             const int nEnd = std::min(nStart + g.nPart23, nEndBits);
             if (h.nVersion == 0)

@@ -31,7 +31,8 @@ private:
         int nSfCompress;
         int nBlockType; // 0 normal, 1 start, 2 short, 3 stop
         bool bShort;    // block type 2 under window switching
-        bool bMixed;
+        bool bMixed;     // a short block whose lowest bands are long
+        bool bMixedFlag; // the flag as sent
         int aTable[3];
         int aSubGain[3];
         int nRegion1;   // first line of region 1
