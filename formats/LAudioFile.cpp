@@ -101,6 +101,10 @@ int32_t FinishSave(int32_t nResult, LSoundSinkPtr& pSink, const std::string& szP
     if (nResult == LProgressDialog::ResultDone && bWriteFailed) {
         SetReason(pszError, "writing the file failed (is the disk full?)");
         nResult = LProgressDialog::ResultError;
+    } else if (nResult == LProgressDialog::ResultDone && !LFile::Exists(szPart)) {
+        // A writer that runs another program (the MP3 encoder) learns only at the end that it failed.
+        SetReason(pszError, "the file was not written (the encoder failed)");
+        nResult = LProgressDialog::ResultError;
     } else if (nResult == LProgressDialog::ResultCancelled) {
         SetReason(pszError, "cancelled");
     } else if (nResult != LProgressDialog::ResultDone) {

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/LComponents.h"
+#include "formats/mp3/LMP3EncodePipe.h"
 #include "formats/mp3/LMP3Source.h"
 
 namespace {
@@ -63,7 +65,22 @@ LSoundSourcePtr LMP3Format::OpenSource(const std::string& szPath, std::string* p
 LSoundSinkPtr LMP3Format::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                                    const LAudioEncoding& encoding, std::string* pszError) const
 {
-    if (pszError)
-        *pszError = "MP3 files cannot be written yet";
-    return LSoundSinkPtr();
+    if (LComponents::GetPath(LComponents::kMp3Encoder).empty()) {
+        if (pszError) {
+            const std::string szLame = LComponents::FindOnPath("lame");
+            *pszError = "the MP3 encoder component \"mp3el\" is not installed; " +
+                        (szLame.empty() ? std::string("install lame with the system's package manager (e.g. apt-get install lame)")
+                                        : "lame was found at " + szLame) +
+                        " and register its path as " + LComponents::kSection + "/" + LComponents::kMp3Encoder + "/Path";
+        }
+        return LSoundSinkPtr();
+    }
+    LMP3EncodePipe* pPipe = new LMP3EncodePipe(szPath, LMP3EncoderSettings::FromRecord(encoding.vRecord), nChans, nSampleRate);
+    LSoundSinkPtr pSink(pPipe);
+    if (pSink->IsError()) {
+        if (pszError)
+            *pszError = pPipe->GetReason().empty() ? std::string("cannot start the MP3 encoder") : pPipe->GetReason();
+        return LSoundSinkPtr();
+    }
+    return pSink;
 }
