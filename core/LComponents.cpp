@@ -37,6 +37,11 @@ std::string LComponents::FindOnPath(const std::string& szProgram)
     return std::string();
 }
 
+std::string LComponents::ProgramFor(const std::string& szName)
+{
+    return szName == kMp3Encoder ? "lame" : szName;
+}
+
 std::string LComponents::NotInstalledMessage(const std::string& szName)
 {
     return "The component \"" + szName + "\" has not yet been installed.\n\n"

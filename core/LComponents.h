@@ -15,6 +15,9 @@ public:
     static void SetPath(const std::string& szName, const std::string& szPath);
     // The full path of an executable found on PATH; empty when there is none.
     static std::string FindOnPath(const std::string& szProgram);
+    // The program that provides a component on this system ("lame" for "mp3el"), which is also
+    // the name of its package.
+    static std::string ProgramFor(const std::string& szName);
     // "The component "mp3el" has not yet been installed. ..."
     static std::string NotInstalledMessage(const std::string& szName);
 };

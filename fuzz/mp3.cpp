@@ -35,7 +35,7 @@ bool WriteInput(const uint8_t* pData, size_t nSize)
 }
 
 // A long estimate from a few frames is believed, so reading is capped to keep each run short.
-constexpr int32_t kMaxFramesRead = 1 << 18;
+constexpr int32_t kMaxFramesRead = 1 << 15;
 
 void ReadSome(LSoundSourceBase& src, std::vector<int32_t>& vBuffer, int32_t nBlock, int32_t nBlocks)
 {

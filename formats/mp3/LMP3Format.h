@@ -13,6 +13,7 @@ public:
     std::vector<LAudioFileType> GetFileTypes() const override { return {{"MPEG Layer-3 Files(*.mp3)", "*.mp3"}}; }
     bool MatchesContent(const uint8_t* pHead, size_t nBytes) const override;
     std::vector<std::string> GetEncodings() const override { return {"mp3"}; }
+    std::string GetWriteComponent() const override { return "mp3el"; }
     void FitShape(const LAudioEncoding& encoding, int32_t& nSampleRate, uint8_t& nChans) const override;
 
     LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError,
