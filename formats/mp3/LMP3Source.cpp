@@ -158,22 +158,30 @@ bool LMP3Source::DecodeHeader(MP3Header& h)
     }
 }
 
+LMP3Source::FrameResult LMP3Source::DecodeOneFrame(int32_t* pOut)
+{
+    MP3Header h;
+    if (!DecodeHeader(h)) {
+        LTRACE("LMP3Source::DecodeFrame DecodeHeader FAILED so this function fails");
+        return FrameFailed;
+    }
+    const int nBytes = h.FrameBytes() - h.HeaderBytes();
+    if (nBytes < h.SideInfoBytes() || nBytes > LMP3Decoder::kMaxFrameBytes || !in.Read(aFrameBytes, nBytes))
+        return FrameFailed;
+    // A frame whose main data lies before what the reservoir holds still counts as a frame of
+    // the file, so that positions after a seek stay on the frame they name.
+    ++nFramesDecoded;
+    const bool bDecoded = decoder.DecodeFrame(h, aFrameBytes, nBytes, pOut);
+    RefineLength();
+    return bDecoded ? FrameDecoded : FrameSkipped;
+}
+
 bool LMP3Source::DecodeFrame(int32_t* pOut)
 {
     for (;;) {
-        MP3Header h;
-        if (!DecodeHeader(h)) {
-            LTRACE("LMP3Source::DecodeFrame DecodeHeader FAILED so this function fails");
-            return false;
-        }
-        const int nBytes = h.FrameBytes() - h.HeaderBytes();
-        if (nBytes < h.SideInfoBytes() || nBytes > LMP3Decoder::kMaxFrameBytes || !in.Read(aFrameBytes, nBytes))
-            return false;
-        if (decoder.DecodeFrame(h, aFrameBytes, nBytes, pOut)) {
-            ++nFramesDecoded;
-            RefineLength();
-            return true;
-        }
+        const FrameResult result = DecodeOneFrame(pOut);
+        if (result != FrameSkipped)
+            return result == FrameDecoded;
     }
 }
 
@@ -236,7 +244,7 @@ void LMP3Source::SetPosition(int32_t sNewPosition)
     sPosition = f;
     nFrameSamples = nCursor = 0;
     for (int64_t i = nStart; i < k; ++i)
-        if (!DecodeFrame(aFrame))
+        if (DecodeOneFrame(aFrame) == FrameFailed)
             return;
     if (DecodeFrame(aFrame)) {
         nFrameSamples = nSamplesPerFrame;

@@ -37,6 +37,14 @@ public:
 private:
     bool DecodeInitialHeader();
     bool DecodeHeader(MP3Header& h);
+    enum FrameResult
+    {
+        FrameDecoded,
+        FrameSkipped, // its main data begins before what the reservoir holds
+        FrameFailed,
+    };
+    FrameResult DecodeOneFrame(int32_t* pOut);
+    // The next frame that can be decoded; false at the end of the stream.
     bool DecodeFrame(int32_t* pOut);
     bool ReadVbrHeader(const MP3Header& h);
     void EstimateLength();
@@ -54,7 +62,7 @@ private:
 
     int32_t sPosition = 0;
     int32_t sLength = 0;
-    int64_t nFramesDecoded = 0; // index of the next frame to decode, in frames of the file
+    int64_t nFramesDecoded = 0; // frames of the file taken so far (the next one's index)
     int32_t aFrame[1152 * 2];
     int32_t nFrameSamples = 0; // samples per channel in hand
     int32_t nCursor = 0;
