@@ -590,29 +590,43 @@ void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
     }
 }
 
+namespace {
+
+// X[k] = sum x[n] cos(pi (2n + 1) k / 2N), split into halves of the same kind: the sums give
+// the even outputs, the differences (scaled by 1 / 2cos) the odd ones as neighbour pairs.
+template <int N>
+void FastDct(const float* x, float* X, const float* pInv)
+{
+    float g[N / 2], h[N / 2], G[N / 2], H[N / 2];
+    for (int n = 0; n < N / 2; ++n) {
+        const float a = x[n], b = x[N - 1 - n];
+        g[n] = a + b;
+        h[n] = (a - b) * pInv[n];
+    }
+    FastDct<N / 2>(g, G, pInv + N / 2);
+    FastDct<N / 2>(h, H, pInv + N / 2);
+    for (int k = 0; k < N / 2 - 1; ++k) {
+        X[2 * k] = G[k];
+        X[2 * k + 1] = H[k] + H[k + 1];
+    }
+    X[N - 2] = G[N / 2 - 1];
+    X[N - 1] = H[N / 2 - 1];
+}
+
+template <>
+void FastDct<1>(const float* x, float* X, const float*)
+{
+    X[0] = x[0];
+}
+
+} // namespace
+
 void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
 {
     const float* pD = MP3LT.fSynth;
     for (int t = 0; t < 18; ++t) {
-        const float* s = aHybrid[t];
-        float a[16], b[16];
-        for (int k = 0; k < 16; ++k) {
-            a[k] = s[k] + s[31 - k];
-            b[k] = s[k] - s[31 - k];
-        }
-        float fEven[16] = {}, fOdd[16] = {};
-        for (int k = 0; k < 16; ++k) {
-            const float fa = a[k], fb = b[k];
-            for (int m = 0; m < 16; ++m) {
-                fEven[m] += fa * MP3LT.fDctEven[k][m];
-                fOdd[m] += fb * MP3LT.fDctOdd[k][m];
-            }
-        }
         float X[33];
-        for (int m = 0; m < 16; ++m) {
-            X[2 * m] = fEven[m];
-            X[2 * m + 1] = fOdd[m];
-        }
+        FastDct<32>(aHybrid[t], X, MP3LT.fDctInv);
         X[32] = 0.0f;
         aSlot[ch] = (aSlot[ch] + 15) & 15;
         float* V = aV[ch][aSlot[ch]];

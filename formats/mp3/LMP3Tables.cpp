@@ -176,11 +176,9 @@ bool LMP3Tables::InitTables()
         fAliasCs[i] = static_cast<float>(1.0 / fRoot);
         fAliasCa[i] = static_cast<float>(c / fRoot);
     }
-    for (int k = 0; k < 16; ++k)
-        for (int m = 0; m < 16; ++m) {
-            fDctEven[k][m] = static_cast<float>(std::cos((2 * k + 1) * (2 * m) * kPi / 64.0));
-            fDctOdd[k][m] = static_cast<float>(std::cos((2 * k + 1) * (2 * m + 1) * kPi / 64.0));
-        }
+    for (int N = 32, nAt = 0; N >= 2; nAt += N / 2, N /= 2)
+        for (int n = 0; n < N / 2; ++n)
+            fDctInv[nAt + n] = static_cast<float>(0.5 / std::cos(kPi * (2 * n + 1) / (2.0 * N)));
     for (int i = 0; i <= 256; ++i)
         fSynth[i] = static_cast<float>(LMP3Data::kSynthWindow[i] * kOutputScale);
     for (int i = 257; i < 512; ++i)

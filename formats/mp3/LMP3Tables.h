@@ -30,8 +30,9 @@ public:
     float fWindow[4][36];   // long windows by block type (short: unused)
     float fAliasCs[8];
     float fAliasCa[8];
-    float fDctEven[16][16]; // [input pair k][even output m]
-    float fDctOdd[16][16];
+    // 1 / (2 cos(pi (2n + 1) / 2N)) for the fast 32-point DCT: N = 32 at 0..15, 16 at 16..23,
+    // 8 at 24..27, 4 at 28..29, 2 at 30.
+    float fDctInv[31];
     float fSynth[512]; // the synthesis window, scaled to the internal sample layout
     // Intensity stereo: left and right factors by position; MPEG-1 positions 0..6, and for the
     // lower sampling frequencies by intensity scale and position.
