@@ -267,8 +267,52 @@ void LMP3Decoder::ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight)
     }
 }
 
-int LMP3Decoder::DecodeHuffman(BitReader& br, int nEnd, const Granule& g, int* v)
+void LMP3Decoder::BuildBandScales(const Granule& g, int ch)
 {
+    // Bands in the order their lines are sent, each with its end line and its gain.
+    const int nShift = 1 + g.nSfScale;
+    const int nBase = g.nGlobalGain - 210 + LMP3Tables::kGainOffset;
+    auto Scale = [&](int nQuarter) { return MP3LT.fGain[std::clamp(nBase - nQuarter, 0, LMP3Tables::kGainSize - 1)]; };
+    int nLongEnd = 576;
+    int nFirstShort = 13;
+    if (g.bShort) {
+        nLongEnd = g.bMixed ? pLong[nLongMixed] : 0;
+        nFirstShort = g.bMixed ? 3 : 0;
+    }
+    nBands = 0;
+    for (int sfb = 0; sfb < 22 && pLong[sfb] < nLongEnd; ++sfb) {
+        const int nSf = aSfL[ch][sfb] + (g.bPreflag ? LMP3Data::kPretab[sfb] : 0);
+        aBandEnd[nBands] = static_cast<int16_t>(std::min<int>(pLong[sfb + 1], nLongEnd));
+        aBandScale[nBands++] = Scale(nSf << nShift);
+    }
+    for (int sfb = nFirstShort; sfb < 13; ++sfb) {
+        const int nWidth = pShort[sfb + 1] - pShort[sfb];
+        for (int w = 0; w < 3; ++w) {
+            aBandEnd[nBands] = static_cast<int16_t>(3 * pShort[sfb] + (w + 1) * nWidth);
+            aBandScale[nBands++] = Scale((aSfS[ch][sfb][w] << nShift) + 8 * g.aSubGain[w]);
+        }
+    }
+    aBandEnd[nBands] = 32767; // a guard past every line
+    aBandScale[nBands] = 0.0f;
+}
+
+int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
+{
+    float* xr = aXr[ch];
+    const float* pPow = MP3LT.fPow43;
+    int nBand = 0;
+    int nBandEnd = aBandEnd[0];
+    float fScale = aBandScale[0];
+    // Requantises as it decodes: |v|^(4/3) times the band's gain, with v's sign.
+    auto Put = [&](int i, int v) {
+        while (i >= nBandEnd) {
+            ++nBand;
+            nBandEnd = aBandEnd[nBand];
+            fScale = aBandScale[nBand];
+        }
+        const float f = pPow[v < 0 ? -v : v] * fScale;
+        xr[i] = v < 0 ? -f : f;
+    };
     const int nBig = g.nBigValues * 2;
     const int aRegionEnd[3] = {std::min(g.nRegion1, nBig), std::min(std::max(g.nRegion2, g.nRegion1), nBig), nBig};
     int i = 0;
@@ -278,27 +322,37 @@ int LMP3Decoder::DecodeHuffman(BitReader& br, int nEnd, const Granule& g, int* v
         const int nRegionEnd = aRegionEnd[r];
         if (MP3LT.aBookBits[nBook] == 0) {
             for (; i < nRegionEnd; ++i)
-                v[i] = 0;
+                xr[i] = 0.0f;
             continue;
         }
         for (; i < nRegionEnd; i += 2) {
             if (br.nPos > nEnd) {
-                v[i] = v[i + 1] = 0;
+                xr[i] = xr[i + 1] = 0.0f;
                 continue;
             }
             const uint32_t xy = br.Decode(nBook);
             int x = static_cast<int>(xy >> 4);
             int y = static_cast<int>(xy & 15);
-            if (x == 15 && nLinBits)
-                x += static_cast<int>(br.Get(nLinBits));
-            if (x && br.Get(1))
-                x = -x;
-            if (y == 15 && nLinBits)
-                y += static_cast<int>(br.Get(nLinBits));
-            if (y && br.Get(1))
-                y = -y;
-            v[i] = x;
-            v[i + 1] = y;
+            if (nLinBits) {
+                if (x == 15)
+                    x += static_cast<int>(br.Get(nLinBits));
+                if (x && br.Get(1))
+                    x = -x;
+                if (y == 15)
+                    y += static_cast<int>(br.Get(nLinBits));
+                if (y && br.Get(1))
+                    y = -y;
+            } else if (x | y) {
+                // Both sign bits in one look.
+                const int nSigns = (x != 0) + (y != 0);
+                const uint32_t b = br.Get(nSigns);
+                if (y && (b & 1))
+                    y = -y;
+                if (x && (b >> (nSigns - 1) & 1))
+                    x = -x;
+            }
+            Put(i, x);
+            Put(i + 1, y);
         }
     }
     i = nBig;
@@ -317,52 +371,14 @@ int LMP3Decoder::DecodeHuffman(BitReader& br, int nEnd, const Granule& g, int* v
             br.nPos = nBefore;
             break;
         }
-        v[i] = a[0];
-        v[i + 1] = a[1];
-        v[i + 2] = a[2];
-        v[i + 3] = a[3];
+        for (int k = 0; k < 4; ++k)
+            Put(i + k, a[k]);
         i += 4;
     }
     const int nLines = i;
     for (; i < 576; ++i)
-        v[i] = 0;
-    return nLines;
-}
-
-void LMP3Decoder::Requantise(const Granule& g, int ch, const int* v, int nLines)
-{
-    float* xr = aXr[ch];
-    const float* pPow = MP3LT.fPow43;
-    const int nShift = 1 + g.nSfScale;
-    const int nBase = g.nGlobalGain - 210 + LMP3Tables::kGainOffset;
-    auto Scale = [&](int nQuarter) { return MP3LT.fGain[std::clamp(nBase - nQuarter, 0, LMP3Tables::kGainSize - 1)]; };
-    auto Lines = [&](int nFrom, int nTo, float fScale) {
-        nTo = std::min(nTo, nLines);
-        for (int i = nFrom; i < nTo; ++i) {
-            const int a = v[i] < 0 ? -v[i] : v[i];
-            const float f = pPow[std::min(a, LMP3Tables::kPow43Size - 1)] * fScale;
-            xr[i] = v[i] < 0 ? -f : f;
-        }
-    };
-    int nLongEnd = 576;
-    int nFirstShort = 13;
-    if (g.bShort) {
-        nLongEnd = g.bMixed ? pLong[nLongMixed] : 0;
-        nFirstShort = g.bMixed ? 3 : 0;
-    }
-    for (int sfb = 0; sfb < 22 && pLong[sfb] < nLongEnd; ++sfb) {
-        const int nSf = aSfL[ch][sfb] + (g.bPreflag ? LMP3Data::kPretab[sfb] : 0);
-        Lines(pLong[sfb], std::min<int>(pLong[sfb + 1], nLongEnd), Scale(nSf << nShift));
-    }
-    for (int sfb = nFirstShort; sfb < 13; ++sfb) {
-        const int nWidth = pShort[sfb + 1] - pShort[sfb];
-        for (int w = 0; w < 3; ++w) {
-            const int nFrom = 3 * pShort[sfb] + w * nWidth;
-            Lines(nFrom, nFrom + nWidth, Scale((aSfS[ch][sfb][w] << nShift) + 8 * g.aSubGain[w]));
-        }
-    }
-    for (int i = nLines; i < 576; ++i)
         xr[i] = 0.0f;
+    return nLines;
 }
 
 void LMP3Decoder::IntensityLines(float* l, float* r, int nLines, int nPos, int nMax, bool bMs)
@@ -564,6 +580,8 @@ void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
                 float y[18] = {};
                 for (int k = 0; k < 18; ++k) {
                     const float fIn = x[k];
+                    if (fIn == 0.0f)
+                        continue; // quantised spectra are mostly zeros
                     for (int j = 0; j < 18; ++j)
                         y[j] += fIn * MP3LT.fImdct36[k][j];
                 }
@@ -691,13 +709,13 @@ bool LMP3Decoder::DecodeFrame(const MP3Header& h, const uint8_t* pData, int nByt
                 ReadScaleFactors2(br, ch, ch == 1 && h.nMode == 1 && (h.nModeExt & 1));
             if (g.nBigValues * 2 > 576) {
                 LTRACE("LMP3Source::DecodeHuffmanData (si.big_values << 1) > 576");
-                std::memset(aValues, 0, sizeof(aValues));
+                std::memset(aXr[ch], 0, sizeof(aXr[ch]));
                 aNonZero[ch] = 0;
             } else {
-                aNonZero[ch] = DecodeHuffman(br, nEnd, g, aValues);
+                BuildBandScales(g, ch);
+                aNonZero[ch] = DecodeSpectrum(br, nEnd, g, ch);
             }
             br.nPos = std::min(nStart + g.nPart23, nEndBits);
-            Requantise(g, ch, aValues, aNonZero[ch]);
         }
         if (nChannels == 2 && h.nMode == 1)
             Stereo(aGr[gr][1], h.nModeExt);

@@ -46,8 +46,10 @@ private:
     bool ReadSideInfo(const MP3Header& h, const uint8_t* pSide);
     void ReadScaleFactors1(BitReader& br, int gr, int ch);
     void ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight);
-    int DecodeHuffman(BitReader& br, int nEnd, const Granule& g, int* pValues);
-    void Requantise(const Granule& g, int ch, const int* pValues, int nLines);
+    void BuildBandScales(const Granule& g, int ch);
+    // Huffman decoding and requantisation of one granule's channel into aXr; returns the lines
+    // decoded (those above are zero).
+    int DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch);
     void Stereo(const Granule& gRight, int nModeExt);
     void StereoLong(int nFirstBand, int nLastBand, bool bMs);
     void StereoShortWindow(int w, int nFirstBand, bool bMs);
@@ -93,7 +95,9 @@ private:
     int nReservoir = 0;
 
     // Working spectra and the state carried from granule to granule.
-    int aValues[576 + 4];
+    int16_t aBandEnd[48]; // the granule's bands in the order their lines are sent
+    float aBandScale[48];
+    int nBands = 0;
     float aXr[2][576];
     float aTmp[576];
     int aNonZero[2];
