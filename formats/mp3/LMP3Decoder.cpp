@@ -1,6 +1,7 @@
 #include "formats/mp3/LMP3Decoder.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "core/LTrace.h"
@@ -12,12 +13,14 @@ struct LMP3Decoder::BitReader
     const uint8_t* p;
     int nPos; // in bits
 
-    // Up to 24 bits; the buffers carry padding so that a look past the end reads zeros.
+    // Up to 32 bits; the buffers carry padding so that a look past the end reads zeros.
     uint32_t Peek(int n) const
     {
-        const uint8_t* q = p + (nPos >> 3);
-        const uint32_t w = (uint32_t{q[0]} << 24) | (uint32_t{q[1]} << 16) | (uint32_t{q[2]} << 8) | q[3];
-        return (w << (nPos & 7)) >> (32 - n);
+        uint64_t w;
+        std::memcpy(&w, p + (nPos >> 3), sizeof(w));
+        if constexpr (std::endian::native == std::endian::little)
+            w = __builtin_bswap64(w);
+        return static_cast<uint32_t>((w << (nPos & 7)) >> (64 - n));
     }
     uint32_t Get(int n)
     {
@@ -96,7 +99,7 @@ void LMP3Decoder::Reset()
 
 bool LMP3Decoder::ReadSideInfo(const MP3Header& h, const uint8_t* pSide)
 {
-    uint8_t aPadded[40] = {};
+    uint8_t aPadded[48] = {};
     std::memcpy(aPadded, pSide, static_cast<size_t>(h.SideInfoBytes()));
     BitReader br{aPadded, 0};
     nChannels = h.IsMono() ? 1 : 2;
