@@ -547,6 +547,45 @@ void LMP3Decoder::Antialias(const Granule& g, int ch)
     }
 }
 
+namespace {
+
+// The 18 distinct outputs of the 36-point IMDCT (outputs 0..8, then 18..26): an 18-point DCT-IV
+// y4, taken as a DCT-II of the inputs scaled by 1 / 2cos, whose neighbour sums give y4; the
+// DCT-II splits into two 9-point ones of the sums and the scaled differences.
+void Imdct36(const float* x, float* y)
+{
+    float g[9], h[9];
+    for (int n = 0; n < 9; ++n) {
+        const float a = x[n] * MP3LT.fImdctInv72[n];
+        const float b = x[17 - n] * MP3LT.fImdctInv72[17 - n];
+        g[n] = a + b;
+        h[n] = (a - b) * MP3LT.fImdctInv36[n];
+    }
+    float G[9] = {}, H[10] = {};
+    for (int n = 0; n < 9; ++n) {
+        const float fg = g[n], fh = h[n];
+        for (int k = 0; k < 9; ++k) {
+            G[k] += fg * MP3LT.fImdctDct9[n][k];
+            H[k] += fh * MP3LT.fImdctDct9[n][k];
+        }
+    }
+    float C[19];
+    for (int k = 0; k < 9; ++k) {
+        C[2 * k] = G[k];
+        C[2 * k + 1] = H[k] + H[k + 1];
+    }
+    C[18] = 0.0f;
+    float y4[18];
+    for (int k = 0; k < 18; ++k)
+        y4[k] = C[k] + C[k + 1];
+    for (int j = 0; j < 9; ++j) {
+        y[j] = y4[9 + j];
+        y[9 + j] = -y4[8 - j];
+    }
+}
+
+} // namespace
+
 void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
 {
     const float* xr = aXr[ch];
@@ -580,14 +619,8 @@ void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
                     pOver[t] = z[t + 18];
                 }
             } else {
-                float y[18] = {};
-                for (int k = 0; k < 18; ++k) {
-                    const float fIn = x[k];
-                    if (fIn == 0.0f)
-                        continue; // quantised spectra are mostly zeros
-                    for (int j = 0; j < 18; ++j)
-                        y[j] += fIn * MP3LT.fImdct36[k][j];
-                }
+                float y[18];
+                Imdct36(x, y);
                 const float* pWin = MP3LT.fWindow[nType == 2 ? 0 : nType];
                 // y holds outputs 0..8 and 18..26; the others follow by symmetry.
                 float z[36];
@@ -616,7 +649,7 @@ namespace {
 // X[k] = sum x[n] cos(pi (2n + 1) k / 2N), split into halves of the same kind: the sums give
 // the even outputs, the differences (scaled by 1 / 2cos) the odd ones as neighbour pairs.
 template <int N>
-void FastDct(const float* x, float* X, const float* pInv)
+[[gnu::always_inline]] inline void FastDct(const float* x, float* X, const float* pInv)
 {
     float g[N / 2], h[N / 2], G[N / 2], H[N / 2];
     for (int n = 0; n < N / 2; ++n) {
@@ -635,7 +668,7 @@ void FastDct(const float* x, float* X, const float* pInv)
 }
 
 template <>
-void FastDct<1>(const float* x, float* X, const float*)
+[[gnu::always_inline]] inline void FastDct<1>(const float* x, float* X, const float*)
 {
     X[0] = x[0];
 }

@@ -154,11 +154,13 @@ bool LMP3Tables::InitTables()
         fPow43[i] = static_cast<float>(std::pow(static_cast<double>(i), 4.0 / 3.0));
     for (int i = 0; i < kGainSize; ++i)
         fGain[i] = static_cast<float>(std::exp2((i - kGainOffset) / 4.0));
-    for (int k = 0; k < 18; ++k)
-        for (int j = 0; j < 18; ++j) {
-            const int i = j < 9 ? j : 9 + j;
-            fImdct36[k][j] = static_cast<float>(std::cos(kPi / 72.0 * (2 * i + 19) * (2 * k + 1)));
-        }
+    for (int n = 0; n < 18; ++n)
+        fImdctInv72[n] = static_cast<float>(0.5 / std::cos(kPi * (2 * n + 1) / 72.0));
+    for (int n = 0; n < 9; ++n) {
+        fImdctInv36[n] = static_cast<float>(0.5 / std::cos(kPi * (2 * n + 1) / 36.0));
+        for (int k = 0; k < 9; ++k)
+            fImdctDct9[n][k] = static_cast<float>(std::cos(kPi * (2 * n + 1) * k / 18.0));
+    }
     for (int k = 0; k < 6; ++k)
         for (int i = 0; i < 12; ++i)
             fImdct12[k][i] = static_cast<float>(std::cos(kPi / 24.0 * (2 * i + 7) * (2 * k + 1)) *

@@ -25,7 +25,11 @@ public:
     uint16_t aBookStart[34]; // books 0..31, then count1 A (32) and B (33)
     uint8_t aBookBits[34];
 
-    float fImdct36[18][18]; // [input line][distinct output], outputs 0..8 and 18..26
+    // The long IMDCT as an 18-point DCT-IV, itself a DCT-II of scaled inputs split in two 9-point
+    // halves: 1 / 2cos(pi (2n + 1) / 72), 1 / 2cos(pi (2n + 1) / 36), cos(pi (2n + 1) k / 18).
+    float fImdctInv72[18];
+    float fImdctInv36[9];
+    float fImdctDct9[9][9]; // [input n][output k]
     float fImdct12[6][12];  // [input line][output], the short window applied
     float fWindow[4][36];   // long windows by block type (short: unused)
     float fAliasCs[8];
