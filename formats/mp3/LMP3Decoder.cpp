@@ -569,15 +569,13 @@ void Imdct36(const float* x, float* y)
             H[k] += fh * MP3LT.fImdctDct9[n][k];
         }
     }
-    float C[19];
-    for (int k = 0; k < 9; ++k) {
-        C[2 * k] = G[k];
-        C[2 * k + 1] = H[k] + H[k + 1];
-    }
-    C[18] = 0.0f;
+    // y4[2m] = G[m] + H[m] + H[m + 1], y4[2m + 1] = H[m] + H[m + 1] + G[m + 1].
     float y4[18];
-    for (int k = 0; k < 18; ++k)
-        y4[k] = C[k] + C[k + 1];
+    for (int m = 0; m < 9; ++m) {
+        const float t = H[m] + H[m + 1];
+        y4[2 * m] = G[m] + t;
+        y4[2 * m + 1] = t + (m < 8 ? G[m + 1] : 0.0f);
+    }
     for (int j = 0; j < 9; ++j) {
         y[j] = y4[9 + j];
         y[9 + j] = -y4[8 - j];
@@ -622,17 +620,13 @@ void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
                 float y[18];
                 Imdct36(x, y);
                 const float* pWin = MP3LT.fWindow[nType == 2 ? 0 : nType];
-                // y holds outputs 0..8 and 18..26; the others follow by symmetry.
-                float z[36];
+                // y holds outputs 0..8 and 18..26; 9..17 and 27..35 mirror them.
                 for (int i = 0; i < 9; ++i) {
-                    z[i] = y[i];
-                    z[17 - i] = -y[i];
-                    z[18 + i] = y[9 + i];
-                    z[35 - i] = y[9 + i];
-                }
-                for (int t = 0; t < 18; ++t) {
-                    aOut[t] = z[t] * pWin[t] + pOver[t];
-                    pOver[t] = z[t + 18] * pWin[t + 18];
+                    const float a = y[i], b = y[9 + i];
+                    aOut[i] = a * pWin[i] + pOver[i];
+                    aOut[17 - i] = pOver[17 - i] - a * pWin[17 - i];
+                    pOver[i] = b * pWin[18 + i];
+                    pOver[17 - i] = b * pWin[35 - i];
                 }
             }
         }
