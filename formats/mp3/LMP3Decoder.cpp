@@ -22,13 +22,15 @@ struct LMP3Decoder::BitReader
             w = __builtin_bswap64(w);
         return static_cast<uint32_t>((w << (nPos & 7)) >> (64 - n));
     }
+    // 0 to 32 bits.
     uint32_t Get(int n)
     {
-        if (n == 0)
-            return 0;
-        const uint32_t v = Peek(n);
+        uint64_t w;
+        std::memcpy(&w, p + (nPos >> 3), sizeof(w));
+        if constexpr (std::endian::native == std::endian::little)
+            w = __builtin_bswap64(w);
         nPos += n;
-        return v;
+        return static_cast<uint32_t>(((w << ((nPos - n) & 7)) >> 1) >> (63 - n));
     }
     // One Huffman value of a book.
     uint32_t Decode(int nBook)
@@ -345,14 +347,14 @@ int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int c
                     y += static_cast<int>(br.Get(nLinBits));
                 if (y && br.Get(1))
                     y = -y;
-            } else if (x | y) {
-                // Both sign bits in one look.
-                const int nSigns = (x != 0) + (y != 0);
-                const uint32_t b = br.Get(nSigns);
-                if (y && (b & 1))
-                    y = -y;
-                if (x && (b >> (nSigns - 1) & 1))
-                    x = -x;
+            } else {
+                // Both sign bits in one look, applied without branches (signs are random).
+                const int nx = x != 0, ny = y != 0;
+                const uint32_t b = br.Get(nx + ny);
+                const int sx = nx & static_cast<int>(b >> ny);
+                const int sy = ny & static_cast<int>(b);
+                x = (x ^ -sx) + sx;
+                y = (y ^ -sy) + sy;
             }
             Put(i, x);
             Put(i + 1, y);
@@ -364,10 +366,13 @@ int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int c
         const int nBefore = br.nPos;
         const uint32_t q = br.Decode(nBook);
         int a[4];
-        for (int k = 0; k < 4; ++k) {
-            a[k] = (q >> (3 - k)) & 1;
-            if (a[k] && br.Get(1))
-                a[k] = -1;
+        const int nOnes = std::popcount(q);
+        const uint32_t nSigns = br.Get(nOnes);
+        for (int k = 0, nLeft = nOnes; k < 4; ++k) {
+            const int v = static_cast<int>(q >> (3 - k)) & 1;
+            nLeft -= v;
+            const int sgn = v & static_cast<int>(nSigns >> nLeft);
+            a[k] = (v ^ -sgn) + sgn;
         }
         if (br.nPos > nEnd) {
             // A quadruple that runs past the granule's bits is not part of it.
