@@ -1,6 +1,7 @@
 #include "formats/mp3/LMP3Source.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstring>
 
@@ -12,6 +13,12 @@ namespace {
 uint32_t BigEndian32(const uint8_t* p)
 {
     return (uint32_t{p[0]} << 24) | (uint32_t{p[1]} << 16) | (uint32_t{p[2]} << 8) | p[3];
+}
+
+// Positions stop at the largest frame number instead of overflowing.
+int32_t Advanced(int32_t sPosition, int32_t n)
+{
+    return static_cast<int32_t>(std::min<int64_t>(int64_t{sPosition} + n, INT32_MAX));
 }
 
 int32_t ClampToLength(double f)
@@ -191,7 +198,7 @@ void LMP3Source::Read(int32_t* pBuffer, int32_t nFrames)
     int32_t nLeft = std::max(nFrames, 0);
     if (IsError()) {
         LZeroFrames(p, nLeft, nChans);
-        sPosition += nLeft;
+        sPosition = Advanced(sPosition, nLeft);
         return;
     }
     if (sPosition < 0) {
@@ -224,14 +231,14 @@ void LMP3Source::Read(int32_t* pBuffer, int32_t nFrames)
     }
     if (nLeft > 0) {
         LZeroFrames(p, nLeft, nChans);
-        sPosition += nLeft;
+        sPosition = Advanced(sPosition, nLeft);
     }
 }
 
 void LMP3Source::SetPosition(int32_t sNewPosition)
 {
     if (IsError()) {
-        sPosition = sNewPosition;
+        sPosition = std::max(sNewPosition, 0);
         return;
     }
     const int32_t f = std::clamp(sNewPosition, 0, sLength);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
@@ -204,6 +205,12 @@ TEST(Mp3Framing, FreeFormatHeadersAreNotAccepted)
     WriteFileBytes(dir.File("free.mp3"), v);
     LMP3Source src(dir.File("free.mp3"));
     EXPECT_TRUE(src.IsError());
+    // The failed source still reads zeros, and its position stops at the largest frame number.
+    src.SetPosition(INT32_MAX - 10);
+    std::vector<int32_t> vRead(4097, 5);
+    src.Read(vRead.data(), 4097);
+    EXPECT_EQ(src.GetPosition(), INT32_MAX);
+    EXPECT_TRUE(std::all_of(vRead.begin(), vRead.end(), [](int32_t n) { return n == 0; }));
     std::string szError;
     EXPECT_TRUE(LAudioFile::OpenSource(dir.File("free.mp3"), &szError)->IsError());
     EXPECT_NE(szError.find("MP3"), std::string::npos) << szError;
