@@ -127,6 +127,10 @@ int32_t FinishSave(int32_t nResult, LSoundSinkPtr& pSink, const std::string& szP
     } else if (!bWritten) {
         SetReason(pszError, SystemReason("writing the file failed"));
         nResult = LProgressDialog::ResultError;
+    } else if (nResult == LProgressDialog::ResultDone && !LFile::Exists(szPart)) {
+        // A writer that runs another program (an encoder) may learn only at the end that it failed.
+        SetReason(pszError, "the file was not written (the encoder failed)");
+        nResult = LProgressDialog::ResultError;
     } else if (nResult != LProgressDialog::ResultDone) {
         SetReason(pszError, "the sound could not be read");
     }

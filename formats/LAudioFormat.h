@@ -41,6 +41,9 @@ public:
     virtual LSoundSinkPtr OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                                    const LAudioEncoding& encoding, std::string* pszError) const = 0;
 
+    // The install-on-demand component that writing needs ("mp3el"); empty when none.
+    virtual std::string GetWriteComponent() const { return std::string(); }
+
     bool CanWrite() const { return !GetEncodings().empty(); }
     bool CanWrite(const LAudioEncoding& encoding) const;
     // The extension a save adds when the user typed none (".wav").

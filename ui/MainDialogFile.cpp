@@ -16,6 +16,7 @@
 #include "core/LTrace.h"
 #include "formats/LAudioFile.h"
 #include "formats/LAudioFormat.h"
+#include "ui/LComponentPrompt.h"
 #include "ui/LAudioFilters.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
@@ -211,6 +212,9 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
                                                   false);
         return answer == LUiPrompts::AnswerYes && SaveFileAs(pWindow);
     }
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
+    if (pFormat && !LComponentPrompt::Ensure(this, pFormat->GetWriteComponent()))
+        return false; // nothing is written without the program that writes it
     if (pTransport->GetActiveWindow() == pWindow && pTransport->IsRecording())
         pTransport->Stop();
     LEdSaveProcess save("Saving...", pWindow->GetFile().GetDocument(), szPath, pWindow->GetSaveEncoding());

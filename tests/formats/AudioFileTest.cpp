@@ -16,6 +16,16 @@ using testsupport::TempDir;
 
 namespace {
 
+// "WAV, MP3, ...": the registered formats in their order.
+std::string KnownFormats()
+{
+    std::string sz;
+    for (const LAudioFormat* p : LAudioFormat::All())
+        sz += std::string(sz.empty() ? "" : ", ") + p->GetName();
+    return sz;
+}
+
+
 // Hosts whose Cancel button is pressed at the third look.
 struct CancellingFactory : LProgressHostFactory
 {

@@ -10,6 +10,7 @@
 #include <memory>
 #include <thread>
 
+#include "core/LComponents.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"
 #include "formats/LAudioFile.h"
@@ -17,6 +18,7 @@
 #include "ui/LEdFileWindow.h"
 #include "ui/LHelpDlg.h"
 #include "ui/LInstanceChannel.h"
+#include "ui/LSaveFormatOptions.h"
 #include "ui/MainDialog.h"
 #include "ui/NewWavDlg.h"
 #include "UiTestSupport.h"
@@ -137,6 +139,44 @@ private slots:
         QVERIFY(frame->Command(CmDeleteId));
         QVERIFY(frame->Command(CmSaveId));
         QCOMPARE(Bytes(szGsm).size(), 6400 / 160 * 33);
+    }
+
+    void mp3SaveNeedsTheEncoderComponent()
+    {
+        QVERIFY(LSaveFormatOptions::HasDialog("MP3"));
+        const QString szPath = MakeWav("m.wav", 8000);
+        LEdFileWindow* pWindow = Open(szPath);
+        QVERIFY(pWindow);
+        // No component and no lame on the PATH: the message, and nothing written.
+        const QByteArray szOldPath = qgetenv("PATH");
+        qputenv("PATH", h->File("empty-bin").toUtf8());
+        h->prompts.saveNames.push_back(h->File("m.mp3"));
+        QVERIFY(frame->Command(CmSaveAsId));
+        qputenv("PATH", szOldPath);
+        QVERIFY(!h->prompts.informs.isEmpty());
+        QVERIFY(h->prompts.informs.back().startsWith(
+            "Install-on-Demand: The component \"mp3el\" has not yet been installed."));
+        QVERIFY(h->prompts.informs.back().contains("apt-get install lame"));
+        QVERIFY(!QFile::exists(h->File("m.mp3")));
+        QCOMPARE(QString::fromStdString(pWindow->GetPath()), szPath);
+        QVERIFY(LComponents::GetPath("mp3el").empty());
+        if (LComponents::FindOnPath("lame").empty() || LComponents::FindOnPath("mpg123").empty())
+            QSKIP("lame and mpg123 are needed for the rest");
+        // A lame on the PATH is offered; declining writes nothing, accepting registers it.
+        h->prompts.saveNames.push_back(h->File("m.mp3"));
+        h->prompts.answers.push_back(LUiPrompts::AnswerNo);
+        QVERIFY(frame->Command(CmSaveAsId));
+        QVERIFY(h->prompts.questions.back().contains("was found at"));
+        QVERIFY(!QFile::exists(h->File("m.mp3")));
+        h->prompts.saveNames.push_back(h->File("m.mp3"));
+        h->prompts.answers.push_back(LUiPrompts::AnswerYes);
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(LComponents::GetPath("mp3el"), LComponents::FindOnPath("lame"));
+        QVERIFY(QFile::exists(h->File("m.mp3")));
+        LSoundSourcePtr p = LAudioFile::OpenSource(h->File("m.mp3").toStdString());
+        QVERIFY(!p->IsError());
+        QCOMPARE(p->GetSampleRate(), 8000);
+        QCOMPARE(int(p->GetChannels()), 1);
     }
 
     void closingAsksAboutChanges()

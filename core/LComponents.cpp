@@ -1,0 +1,49 @@
+#include "core/LComponents.h"
+
+#include <cstdlib>
+#include <unistd.h>
+
+#include "core/LSettings.h"
+
+std::string LComponents::GetPath(const std::string& szName)
+{
+    return LSettings::GetString(kSection, szName + "/Path");
+}
+
+void LComponents::SetPath(const std::string& szName, const std::string& szPath)
+{
+    LSettings::SetString(kSection, szName + "/Path", szPath);
+}
+
+std::string LComponents::FindOnPath(const std::string& szProgram)
+{
+    const char* szPath = std::getenv("PATH");
+    if (!szPath || szProgram.empty() || szProgram.find('/') != std::string::npos)
+        return std::string();
+    const std::string sz(szPath);
+    size_t nStart = 0;
+    while (nStart <= sz.size()) {
+        size_t nEnd = sz.find(':', nStart);
+        if (nEnd == std::string::npos)
+            nEnd = sz.size();
+        const std::string szDir = sz.substr(nStart, nEnd - nStart);
+        if (!szDir.empty()) {
+            const std::string szFull = szDir + (szDir.back() == '/' ? "" : "/") + szProgram;
+            if (::access(szFull.c_str(), X_OK) == 0)
+                return szFull;
+        }
+        nStart = nEnd + 1;
+    }
+    return std::string();
+}
+
+std::string LComponents::ProgramFor(const std::string& szName)
+{
+    return szName == kMp3Encoder ? "lame" : szName;
+}
+
+std::string LComponents::NotInstalledMessage(const std::string& szName)
+{
+    return "The component \"" + szName + "\" has not yet been installed.\n\n"
+           "This free component can be downloaded and installed from the component page.";
+}

@@ -1,0 +1,768 @@
+#include "formats/mp3/LMP3Decoder.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include "core/LTrace.h"
+#include "formats/mp3/LMP3TableData.h"
+#include "formats/mp3/LMP3Tables.h"
+
+struct LMP3Decoder::BitReader
+{
+    const uint8_t* p;
+    int nPos; // in bits
+
+    // Up to 32 bits; the buffers carry padding so that a look past the end reads zeros.
+    uint32_t Peek(int n) const
+    {
+        uint64_t w;
+        std::memcpy(&w, p + (nPos >> 3), sizeof(w));
+        if constexpr (std::endian::native == std::endian::little)
+            w = __builtin_bswap64(w);
+        return static_cast<uint32_t>((w << (nPos & 7)) >> (64 - n));
+    }
+    // 0 to 32 bits.
+    uint32_t Get(int n)
+    {
+        uint64_t w;
+        std::memcpy(&w, p + (nPos >> 3), sizeof(w));
+        if constexpr (std::endian::native == std::endian::little)
+            w = __builtin_bswap64(w);
+        nPos += n;
+        return static_cast<uint32_t>(((w << ((nPos - n) & 7)) >> 1) >> (63 - n));
+    }
+    // One Huffman value of a book.
+    uint32_t Decode(int nBook)
+    {
+        const uint32_t* pHuff = MP3LT.aHuff;
+        uint32_t nStart = MP3LT.aBookStart[nBook];
+        int nWidth = MP3LT.aBookBits[nBook];
+        for (;;) {
+            const uint32_t e = pHuff[nStart + Peek(nWidth)];
+            if (!(e & 0x80000000u)) {
+                nPos += (e >> 8) & 31;
+                return e & 0xFF;
+            }
+            nPos += nWidth;
+            nWidth = (e >> 24) & 31;
+            nStart = e & 0xFFFFFF;
+        }
+    }
+};
+
+void LMP3Decoder::Configure(int nRate, int nChans)
+{
+    nRateIndex = std::clamp(nRate, 0, 8);
+    nOutChans = nChans == 1 ? 1 : 2;
+    nVersion = nRateIndex / 3;
+    nLongMixed = nVersion == 0 ? 8 : 6;
+    pLong = LMP3Data::kLongBands[nRateIndex];
+    pShort = LMP3Data::kShortBands[nRateIndex];
+    BuildReorderMap();
+    Reset();
+}
+
+void LMP3Decoder::BuildReorderMap()
+{
+    int i = 0;
+    nReorderMixed = 0;
+    for (int sfb = 0; sfb < 13; ++sfb) {
+        const int nStart = pShort[sfb];
+        const int nWidth = pShort[sfb + 1] - nStart;
+        for (int w = 0; w < 3; ++w)
+            for (int j = 0; j < nWidth; ++j) {
+                if (i >= 576) {
+                    LTRACE("LMP3Source::LMP3Source ReorderMap i >= 576");
+                    nReorder = i;
+                    return;
+                }
+                aReorderSrc[i] = static_cast<uint16_t>(3 * nStart + w * nWidth + j);
+                aReorderDst[i] = static_cast<uint16_t>(3 * nStart + 3 * j + w);
+                aReorderKeep[i] = aReorderSrc[i];
+                ++i;
+            }
+        if (sfb == 2)
+            nReorderMixed = i;
+    }
+    nReorder = i;
+}
+
+void LMP3Decoder::Reset()
+{
+    nReservoir = 0;
+    std::memset(aReservoir, 0, sizeof(aReservoir));
+    std::memset(aOverlap, 0, sizeof(aOverlap));
+    std::memset(aV, 0, sizeof(aV));
+    std::memset(aSfL, 0, sizeof(aSfL));
+    std::memset(aSfS, 0, sizeof(aSfS));
+    aSlot[0] = aSlot[1] = 0;
+}
+
+bool LMP3Decoder::ReadSideInfo(const MP3Header& h, const uint8_t* pSide)
+{
+    uint8_t aPadded[48] = {};
+    std::memcpy(aPadded, pSide, static_cast<size_t>(h.SideInfoBytes()));
+    BitReader br{aPadded, 0};
+    nChannels = h.IsMono() ? 1 : 2;
+    nGranules = h.nVersion == 0 ? 2 : 1;
+    if (h.nVersion == 0) {
+        nMainDataBegin = static_cast<int>(br.Get(9));
+        br.Get(nChannels == 1 ? 5 : 3);
+        for (int ch = 0; ch < nChannels; ++ch)
+            aScfsi[ch] = static_cast<int>(br.Get(4));
+    } else {
+        nMainDataBegin = static_cast<int>(br.Get(8));
+        br.Get(nChannels == 1 ? 1 : 2);
+        aScfsi[0] = aScfsi[1] = 0;
+    }
+    for (int gr = 0; gr < nGranules; ++gr)
+        for (int ch = 0; ch < nChannels; ++ch) {
+            Granule& g = aGr[gr][ch];
+            g.nPart23 = static_cast<int>(br.Get(12));
+            g.nBigValues = static_cast<int>(br.Get(9));
+            g.nGlobalGain = static_cast<int>(br.Get(8));
+            g.nSfCompress = static_cast<int>(br.Get(h.nVersion == 0 ? 4 : 9));
+            const bool bSwitch = br.Get(1) != 0;
+            if (bSwitch) {
+                g.nBlockType = static_cast<int>(br.Get(2));
+                g.bMixedFlag = br.Get(1) != 0;
+                g.aTable[0] = static_cast<int>(br.Get(5));
+                g.aTable[1] = static_cast<int>(br.Get(5));
+                g.aTable[2] = 0;
+                for (int w = 0; w < 3; ++w)
+                    g.aSubGain[w] = static_cast<int>(br.Get(3));
+                g.bShort = g.nBlockType == 2;
+                g.bMixed = g.bShort && g.bMixedFlag;
+                g.nRegion1 = g.bShort ? std::min(3 * pShort[3], 576) : pLong[8];
+                g.nRegion2 = 576;
+            } else {
+                g.nBlockType = 0;
+                g.bShort = g.bMixed = g.bMixedFlag = false;
+                for (int t = 0; t < 3; ++t)
+                    g.aTable[t] = static_cast<int>(br.Get(5));
+                g.aSubGain[0] = g.aSubGain[1] = g.aSubGain[2] = 0;
+                const int r0 = static_cast<int>(br.Get(4));
+                const int r1 = static_cast<int>(br.Get(3));
+                g.nRegion1 = pLong[std::min(r0 + 1, 22)];
+                g.nRegion2 = pLong[std::min(r0 + r1 + 2, 22)];
+            }
+            g.bPreflag = h.nVersion == 0 ? br.Get(1) != 0 : false;
+            g.nSfScale = static_cast<int>(br.Get(1));
+            g.nCount1Table = static_cast<int>(br.Get(1));
+        }
+    return true;
+}
+
+void LMP3Decoder::ReadScaleFactors1(BitReader& br, int gr, int ch)
+{
+    const Granule& g = aGr[gr][ch];
+    const int nSlen1 = LMP3Data::kSlen[0][g.nSfCompress];
+    const int nSlen2 = LMP3Data::kSlen[1][g.nSfCompress];
+    int* pL = aSfL[ch];
+    if (g.bShort) {
+        int nFirst = 0;
+        if (g.bMixed) {
+            for (int sfb = 0; sfb < 8; ++sfb)
+                pL[sfb] = static_cast<int>(br.Get(nSlen1));
+            nFirst = 3;
+        }
+        for (int sfb = nFirst; sfb < 12; ++sfb)
+            for (int w = 0; w < 3; ++w)
+                aSfS[ch][sfb][w] = static_cast<int>(br.Get(sfb < 6 ? nSlen1 : nSlen2));
+        aSfS[ch][12][0] = aSfS[ch][12][1] = aSfS[ch][12][2] = 0;
+        return;
+    }
+    static const int kGroups[5] = {0, 6, 11, 16, 21};
+    for (int grp = 0; grp < 4; ++grp) {
+        if (gr == 1 && (aScfsi[ch] & (8 >> grp)))
+            continue; // kept from the first granule
+        for (int sfb = kGroups[grp]; sfb < kGroups[grp + 1]; ++sfb)
+            pL[sfb] = static_cast<int>(br.Get(grp < 2 ? nSlen1 : nSlen2));
+    }
+    pL[21] = 0;
+}
+
+void LMP3Decoder::ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight)
+{
+    Granule& g = aGr[0][ch];
+    int aSlen[4] = {0, 0, 0, 0};
+    int nScheme = 0;
+    int sfc = g.nSfCompress;
+    g.bPreflag = false;
+    if (!bIntensityRight) {
+        if (sfc < 400) {
+            aSlen[0] = (sfc >> 4) / 5;
+            aSlen[1] = (sfc >> 4) % 5;
+            aSlen[2] = (sfc & 15) >> 2;
+            aSlen[3] = sfc & 3;
+            nScheme = 0;
+        } else if (sfc < 500) {
+            sfc -= 400;
+            aSlen[0] = (sfc >> 2) / 5;
+            aSlen[1] = (sfc >> 2) % 5;
+            aSlen[2] = sfc & 3;
+            nScheme = 1;
+        } else {
+            sfc -= 500;
+            aSlen[0] = sfc / 3;
+            aSlen[1] = sfc % 3;
+            g.bPreflag = true;
+            nScheme = 2;
+        }
+    } else {
+        nIntensityScale = sfc & 1;
+        sfc >>= 1;
+        if (sfc < 180) {
+            aSlen[0] = sfc / 36;
+            aSlen[1] = (sfc % 36) / 6;
+            aSlen[2] = (sfc % 36) % 6;
+            nScheme = 3;
+        } else if (sfc < 244) {
+            sfc -= 180;
+            aSlen[0] = (sfc & 63) >> 4;
+            aSlen[1] = (sfc & 15) >> 2;
+            aSlen[2] = sfc & 3;
+            nScheme = 4;
+        } else {
+            sfc -= 244;
+            aSlen[0] = sfc / 3;
+            aSlen[1] = sfc % 3;
+            nScheme = 5;
+        }
+    }
+    const int nBlock = g.bShort ? (g.bMixed ? 2 : 1) : 0;
+    const uint8_t* pCount = LMP3Data::kLsfPartitions[nScheme][nBlock];
+    int aVal[40];
+    int aMax[40];
+    int n = 0;
+    for (int part = 0; part < 4; ++part)
+        for (int i = 0; i < pCount[part] && n < 40; ++i, ++n) {
+            aVal[n] = static_cast<int>(br.Get(std::min(aSlen[part], 15)));
+            aMax[n] = (1 << std::min(aSlen[part], 15)) - 1;
+        }
+    for (; n < 40; ++n)
+        aVal[n] = aMax[n] = 0;
+    int k = 0;
+    if (nBlock == 0) {
+        for (int sfb = 0; sfb < 21; ++sfb, ++k) {
+            aSfL[ch][sfb] = aVal[k];
+            aMaxL[sfb] = aMax[k];
+        }
+        aSfL[ch][21] = 0; // never sent; intensity stereo takes band 20's position
+        aMaxL[21] = aMaxL[20];
+        return;
+    }
+    int nFirst = 0;
+    if (nBlock == 2) {
+        for (int sfb = 0; sfb < 6; ++sfb, ++k) {
+            aSfL[ch][sfb] = aVal[k];
+            aMaxL[sfb] = aMax[k];
+        }
+        nFirst = 3;
+    }
+    for (int sfb = nFirst; sfb < 12; ++sfb)
+        for (int w = 0; w < 3; ++w, ++k) {
+            aSfS[ch][sfb][w] = aVal[k];
+            aMaxS[sfb][w] = aMax[k];
+        }
+    for (int w = 0; w < 3; ++w) {
+        aSfS[ch][12][w] = 0;
+        aMaxS[12][w] = aMaxS[11][w];
+    }
+}
+
+void LMP3Decoder::BuildBandScales(const Granule& g, int ch)
+{
+    // Bands in the order their lines are sent, each with its end line and its gain.
+    const int nShift = 1 + g.nSfScale;
+    const int nBase = g.nGlobalGain - 210 + LMP3Tables::kGainOffset;
+    auto Scale = [&](int nQuarter) { return MP3LT.fGain[std::clamp(nBase - nQuarter, 0, LMP3Tables::kGainSize - 1)]; };
+    int nLongEnd = 576;
+    int nFirstShort = 13;
+    if (g.bShort) {
+        nLongEnd = g.bMixed ? pLong[nLongMixed] : 0;
+        nFirstShort = g.bMixed ? 3 : 0;
+    }
+    nBands = 0;
+    for (int sfb = 0; sfb < 22 && pLong[sfb] < nLongEnd; ++sfb) {
+        const int nSf = aSfL[ch][sfb] + (g.bPreflag ? LMP3Data::kPretab[sfb] : 0);
+        aBandEnd[nBands] = static_cast<int16_t>(std::min<int>(pLong[sfb + 1], nLongEnd));
+        aBandScale[nBands++] = Scale(nSf << nShift);
+    }
+    for (int sfb = nFirstShort; sfb < 13; ++sfb) {
+        const int nWidth = pShort[sfb + 1] - pShort[sfb];
+        for (int w = 0; w < 3; ++w) {
+            aBandEnd[nBands] = static_cast<int16_t>(3 * pShort[sfb] + (w + 1) * nWidth);
+            aBandScale[nBands++] = Scale((aSfS[ch][sfb][w] << nShift) + 8 * g.aSubGain[w]);
+        }
+    }
+    aBandEnd[nBands] = 32767; // a guard past every line
+    aBandScale[nBands] = 0.0f;
+}
+
+int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
+{
+    float* xr = aXr[ch];
+    const float* pPow = MP3LT.fPow43;
+    int nBand = 0;
+    int nBandEnd = aBandEnd[0];
+    float fScale = aBandScale[0];
+    // Requantises as it decodes: |v|^(4/3) times the band's gain, with v's sign.
+    auto Put = [&](int i, int v) {
+        while (i >= nBandEnd) {
+            ++nBand;
+            nBandEnd = aBandEnd[nBand];
+            fScale = aBandScale[nBand];
+        }
+        const float f = pPow[v < 0 ? -v : v] * fScale;
+        xr[i] = v < 0 ? -f : f;
+    };
+    const int nBig = g.nBigValues * 2;
+    const int aRegionEnd[3] = {std::min(g.nRegion1, nBig), std::min(std::max(g.nRegion2, g.nRegion1), nBig), nBig};
+    int i = 0;
+    for (int r = 0; r < 3; ++r) {
+        const int nBook = g.aTable[r];
+        const int nLinBits = LMP3Data::kBooks[nBook].nLinBits;
+        const int nRegionEnd = aRegionEnd[r];
+        if (MP3LT.aBookBits[nBook] == 0) {
+            for (; i < nRegionEnd; ++i)
+                xr[i] = 0.0f;
+            continue;
+        }
+        for (; i < nRegionEnd; i += 2) {
+            if (br.nPos > nEnd) {
+                xr[i] = xr[i + 1] = 0.0f;
+                continue;
+            }
+            const uint32_t xy = br.Decode(nBook);
+            int x = static_cast<int>(xy >> 4);
+            int y = static_cast<int>(xy & 15);
+            if (nLinBits) {
+                if (x == 15)
+                    x += static_cast<int>(br.Get(nLinBits));
+                if (x && br.Get(1))
+                    x = -x;
+                if (y == 15)
+                    y += static_cast<int>(br.Get(nLinBits));
+                if (y && br.Get(1))
+                    y = -y;
+            } else {
+                // Both sign bits in one look, applied without branches (signs are random).
+                const int nx = x != 0, ny = y != 0;
+                const uint32_t b = br.Get(nx + ny);
+                const int sx = nx & static_cast<int>(b >> ny);
+                const int sy = ny & static_cast<int>(b);
+                x = (x ^ -sx) + sx;
+                y = (y ^ -sy) + sy;
+            }
+            Put(i, x);
+            Put(i + 1, y);
+        }
+    }
+    i = nBig;
+    const int nBook = 32 + g.nCount1Table;
+    while (i <= 572 && br.nPos < nEnd) {
+        const int nBefore = br.nPos;
+        const uint32_t q = br.Decode(nBook);
+        int a[4];
+        const int nOnes = std::popcount(q);
+        const uint32_t nSigns = br.Get(nOnes);
+        for (int k = 0, nLeft = nOnes; k < 4; ++k) {
+            const int v = static_cast<int>(q >> (3 - k)) & 1;
+            nLeft -= v;
+            const int sgn = v & static_cast<int>(nSigns >> nLeft);
+            a[k] = (v ^ -sgn) + sgn;
+        }
+        if (br.nPos > nEnd) {
+            // A quadruple that runs past the granule's bits is not part of it.
+            br.nPos = nBefore;
+            break;
+        }
+        for (int k = 0; k < 4; ++k)
+            Put(i + k, a[k]);
+        i += 4;
+    }
+    const int nLines = i;
+    for (; i < 576; ++i)
+        xr[i] = 0.0f;
+    return nLines;
+}
+
+void LMP3Decoder::IntensityLines(float* l, float* r, int nLines, int nPos, int nMax, bool bMs)
+{
+    if (nPos >= nMax) {
+        if (bMs) {
+            const float k = 0.70710678118654752f;
+            for (int i = 0; i < nLines; ++i) {
+                const float m = l[i], s = r[i];
+                l[i] = (m + s) * k;
+                r[i] = (m - s) * k;
+            }
+        }
+        return;
+    }
+    float kl, kr;
+    if (nVersion == 0) {
+        kl = MP3LT.fIsLeft1[std::min(nPos, 6)];
+        kr = MP3LT.fIsRight1[std::min(nPos, 6)];
+    } else {
+        kl = MP3LT.fIsLeft2[nIntensityScale][nPos & 31];
+        kr = MP3LT.fIsRight2[nIntensityScale][nPos & 31];
+    }
+    for (int i = 0; i < nLines; ++i) {
+        const float x = l[i];
+        l[i] = x * kl;
+        r[i] = x * kr;
+    }
+}
+
+void LMP3Decoder::StereoLong(int nFirstBand, int nLastBand, bool bMs)
+{
+    const int nIllegal = nVersion == 0 ? 7 : 0;
+    for (int sfb = nFirstBand; sfb < nLastBand; ++sfb) {
+        const int nFrom = pLong[sfb];
+        // The last band sends no position of its own: it repeats band 20's.
+        // Band 21 sends no position: it repeats band 20's. At the lower sampling frequencies a
+        // band 20 outside the intensity region leaves it at position 0.
+        const bool bZero = sfb == 21 && nVersion != 0 && nFirstBand > 20;
+        const int nPos = bZero ? 0 : aSfL[1][sfb < 21 ? sfb : 20];
+        const int nMax = nVersion == 0 ? nIllegal : bZero ? 1 : aMaxL[sfb];
+        IntensityLines(aXr[0] + nFrom, aXr[1] + nFrom, pLong[sfb + 1] - nFrom, nPos, nMax, bMs);
+    }
+}
+
+void LMP3Decoder::StereoShortWindow(int w, int nFirstBand, bool bMs)
+{
+    for (int sfb = nFirstBand; sfb < 13; ++sfb) {
+        const int nWidth = pShort[sfb + 1] - pShort[sfb];
+        const int nFrom = 3 * pShort[sfb] + w * nWidth;
+        const bool bZero = sfb == 12 && nVersion != 0 && nFirstBand > 11;
+        const int nPos = bZero ? 0 : aSfS[1][sfb < 12 ? sfb : 11][w];
+        const int nMax = nVersion == 0 ? 7 : bZero ? 1 : aMaxS[sfb][w];
+        IntensityLines(aXr[0] + nFrom, aXr[1] + nFrom, nWidth, nPos, nMax, bMs);
+    }
+}
+
+void LMP3Decoder::Stereo(const Granule& gRight, int nModeExt)
+{
+    const bool bMs = (nModeExt & 2) != 0;
+    const bool bIs = (nModeExt & 1) != 0;
+    float* l = aXr[0];
+    float* r = aXr[1];
+    auto Ms = [&](int nFrom, int nTo) {
+        const float k = 0.70710678118654752f;
+        for (int i = nFrom; i < nTo; ++i) {
+            const float m = l[i], s = r[i];
+            l[i] = (m + s) * k;
+            r[i] = (m - s) * k;
+        }
+    };
+    const int nBoth = std::max(aNonZero[0], aNonZero[1]);
+    if (!bIs) {
+        if (bMs)
+            Ms(0, nBoth);
+        aNonZero[0] = aNonZero[1] = nBoth;
+        return;
+    }
+    // Lines above the right channel's last non-zero line carry intensity positions.
+    auto FirstIntensityBand = [&](int nFromBand, int nToBand) {
+        int nFirst = nFromBand;
+        for (int sfb = nToBand - 1; sfb >= nFromBand; --sfb) {
+            bool bAny = false;
+            for (int i = pLong[sfb]; i < pLong[sfb + 1] && !bAny; ++i)
+                bAny = r[i] != 0.0f;
+            if (bAny) {
+                nFirst = sfb + 1;
+                break;
+            }
+        }
+        return nFirst;
+    };
+    if (!gRight.bShort) {
+        const int nFirst = FirstIntensityBand(0, 22);
+        if (bMs)
+            Ms(0, pLong[nFirst]);
+        StereoLong(nFirst, 22, bMs);
+    } else {
+        bool bShortEmpty = true;
+        const int nFirstShort = gRight.bMixed ? 3 : 0;
+        for (int w = 0; w < 3; ++w) {
+            int nFirst = nFirstShort;
+            for (int sfb = 12; sfb >= nFirstShort; --sfb) {
+                const int nWidth = pShort[sfb + 1] - pShort[sfb];
+                const int nFrom = 3 * pShort[sfb] + w * nWidth;
+                bool bAny = false;
+                for (int i = nFrom; i < nFrom + nWidth && !bAny; ++i)
+                    bAny = r[i] != 0.0f;
+                if (bAny) {
+                    nFirst = sfb + 1;
+                    bShortEmpty = false;
+                    break;
+                }
+            }
+            if (bMs)
+                for (int sfb = nFirstShort; sfb < nFirst; ++sfb) {
+                    const int nWidth = pShort[sfb + 1] - pShort[sfb];
+                    const int nFrom = 3 * pShort[sfb] + w * nWidth;
+                    Ms(nFrom, nFrom + nWidth);
+                }
+            StereoShortWindow(w, nFirst, bMs);
+        }
+        if (gRight.bMixed) {
+            if (bShortEmpty) {
+                const int nFirst = FirstIntensityBand(0, nLongMixed);
+                if (bMs)
+                    Ms(0, pLong[nFirst]);
+                StereoLong(nFirst, nLongMixed, bMs);
+            } else if (bMs) {
+                Ms(0, pLong[nLongMixed]);
+            }
+        }
+    }
+    aNonZero[0] = aNonZero[1] = 576;
+}
+
+void LMP3Decoder::Reorder(const Granule& g, int ch)
+{
+    float* xr = aXr[ch];
+    if (g.bMixed)
+        for (int i = 0; i < nReorderMixed; ++i)
+            aTmp[aReorderKeep[i]] = xr[aReorderKeep[i]];
+    for (int i = g.bMixed ? nReorderMixed : 0; i < nReorder; ++i)
+        aTmp[aReorderDst[i]] = xr[aReorderSrc[i]];
+    std::memcpy(xr, aTmp, sizeof(float) * static_cast<size_t>(nReorder));
+}
+
+void LMP3Decoder::Antialias(const Granule& g, int ch)
+{
+    float* xr = aXr[ch];
+    int nBounds = (aNonZero[ch] + 17) / 18;
+    if (g.bShort)
+        nBounds = g.bMixed ? 1 : 0;
+    nBounds = std::min(nBounds, 31);
+    for (int sb = 1; sb <= nBounds; ++sb) {
+        float* pUp = xr + 18 * sb - 1;
+        float* pDown = xr + 18 * sb;
+        for (int i = 0; i < 8; ++i) {
+            const float bu = pUp[-i], bd = pDown[i];
+            pUp[-i] = bu * MP3LT.fAliasCs[i] - bd * MP3LT.fAliasCa[i];
+            pDown[i] = bd * MP3LT.fAliasCs[i] + bu * MP3LT.fAliasCa[i];
+        }
+    }
+}
+
+namespace {
+
+// The 18 distinct outputs of the 36-point IMDCT (outputs 0..8, then 18..26): an 18-point DCT-IV
+// y4, taken as a DCT-II of the inputs scaled by 1 / 2cos, whose neighbour sums give y4; the
+// DCT-II splits into two 9-point ones of the sums and the scaled differences.
+void Imdct36(const float* x, float* y)
+{
+    float g[9], h[9];
+    for (int n = 0; n < 9; ++n) {
+        const float a = x[n] * MP3LT.fImdctInv72[n];
+        const float b = x[17 - n] * MP3LT.fImdctInv72[17 - n];
+        g[n] = a + b;
+        h[n] = (a - b) * MP3LT.fImdctInv36[n];
+    }
+    float G[9] = {}, H[10] = {};
+    for (int n = 0; n < 9; ++n) {
+        const float fg = g[n], fh = h[n];
+        for (int k = 0; k < 9; ++k) {
+            G[k] += fg * MP3LT.fImdctDct9[n][k];
+            H[k] += fh * MP3LT.fImdctDct9[n][k];
+        }
+    }
+    // y4[2m] = G[m] + H[m] + H[m + 1], y4[2m + 1] = H[m] + H[m + 1] + G[m + 1].
+    float y4[18];
+    for (int m = 0; m < 9; ++m) {
+        const float t = H[m] + H[m + 1];
+        y4[2 * m] = G[m] + t;
+        y4[2 * m + 1] = t + (m < 8 ? G[m + 1] : 0.0f);
+    }
+    for (int j = 0; j < 9; ++j) {
+        y[j] = y4[9 + j];
+        y[9 + j] = -y4[8 - j];
+    }
+}
+
+} // namespace
+
+void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
+{
+    const float* xr = aXr[ch];
+    for (int sb = 0; sb < 32; ++sb) {
+        float* pOver = aOverlap[ch][sb];
+        float aOut[18];
+        if (sb >= nActive) {
+            for (int t = 0; t < 18; ++t) {
+                aOut[t] = pOver[t];
+                pOver[t] = 0.0f;
+            }
+        } else {
+            const float* x = xr + 18 * sb;
+            // The flag gives the two lowest subbands the normal window in start and stop
+            // blocks as well.
+            const int nType = g.bMixedFlag && sb < 2 ? 0 : g.nBlockType;
+            if (nType == 2 && g.bShort) {
+                float z[36] = {};
+                for (int w = 0; w < 3; ++w) {
+                    float y[12] = {};
+                    for (int k = 0; k < 6; ++k) {
+                        const float fIn = x[3 * k + w];
+                        for (int i = 0; i < 12; ++i)
+                            y[i] += fIn * MP3LT.fImdct12[k][i];
+                    }
+                    for (int i = 0; i < 12; ++i)
+                        z[6 + 6 * w + i] += y[i];
+                }
+                for (int t = 0; t < 18; ++t) {
+                    aOut[t] = z[t] + pOver[t];
+                    pOver[t] = z[t + 18];
+                }
+            } else {
+                float y[18];
+                Imdct36(x, y);
+                const float* pWin = MP3LT.fWindow[nType == 2 ? 0 : nType];
+                // y holds outputs 0..8 and 18..26; 9..17 and 27..35 mirror them.
+                for (int i = 0; i < 9; ++i) {
+                    const float a = y[i], b = y[9 + i];
+                    aOut[i] = a * pWin[i] + pOver[i];
+                    aOut[17 - i] = pOver[17 - i] - a * pWin[17 - i];
+                    pOver[i] = b * pWin[18 + i];
+                    pOver[17 - i] = b * pWin[35 - i];
+                }
+            }
+        }
+        if (sb & 1)
+            for (int t = 1; t < 18; t += 2)
+                aOut[t] = -aOut[t];
+        for (int t = 0; t < 18; ++t)
+            aHybrid[t][sb] = aOut[t];
+    }
+}
+
+namespace {
+
+// X[k] = sum x[n] cos(pi (2n + 1) k / 2N), split into halves of the same kind: the sums give
+// the even outputs, the differences (scaled by 1 / 2cos) the odd ones as neighbour pairs.
+template <int N>
+[[gnu::always_inline]] inline void FastDct(const float* x, float* X, const float* pInv)
+{
+    float g[N / 2], h[N / 2], G[N / 2], H[N / 2];
+    for (int n = 0; n < N / 2; ++n) {
+        const float a = x[n], b = x[N - 1 - n];
+        g[n] = a + b;
+        h[n] = (a - b) * pInv[n];
+    }
+    FastDct<N / 2>(g, G, pInv + N / 2);
+    FastDct<N / 2>(h, H, pInv + N / 2);
+    for (int k = 0; k < N / 2 - 1; ++k) {
+        X[2 * k] = G[k];
+        X[2 * k + 1] = H[k] + H[k + 1];
+    }
+    X[N - 2] = G[N / 2 - 1];
+    X[N - 1] = H[N / 2 - 1];
+}
+
+template <>
+[[gnu::always_inline]] inline void FastDct<1>(const float* x, float* X, const float*)
+{
+    X[0] = x[0];
+}
+
+} // namespace
+
+void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
+{
+    const float* pD = MP3LT.fSynth;
+    for (int t = 0; t < 18; ++t) {
+        float X[33];
+        FastDct<32>(aHybrid[t], X, MP3LT.fDctInv);
+        X[32] = 0.0f;
+        aSlot[ch] = (aSlot[ch] + 15) & 15;
+        float* V = aV[ch][aSlot[ch]];
+        for (int j = 0; j < 16; ++j)
+            V[j] = X[16 + j];
+        V[16] = 0.0f;
+        for (int j = 17; j < 32; ++j)
+            V[j] = -X[48 - j];
+        for (int j = 0; j < 16; ++j)
+            V[32 + j] = -X[16 - j];
+        for (int j = 16; j < 32; ++j)
+            V[32 + j] = -X[j - 16];
+        float fAcc[32] = {};
+        for (int i = 0; i < 8; ++i) {
+            const float* pA = aV[ch][(aSlot[ch] + 2 * i) & 15];
+            const float* pB = aV[ch][(aSlot[ch] + 2 * i + 1) & 15] + 32;
+            const float* d0 = pD + 64 * i;
+            const float* d1 = d0 + 32;
+            for (int j = 0; j < 32; ++j)
+                fAcc[j] += d0[j] * pA[j] + d1[j] * pB[j];
+        }
+        int32_t* pDst = pOut + static_cast<size_t>(t) * 32 * nStride;
+        for (int j = 0; j < 32; ++j) {
+            // Truncated toward zero; held inside the integer range only so that a hostile stream
+            // cannot make the conversion undefined.
+            const float f = std::min(std::max(fAcc[j], -2147483520.0f), 2147483520.0f);
+            pDst[j * nStride] = static_cast<int32_t>(f);
+        }
+    }
+}
+
+bool LMP3Decoder::DecodeFrame(const MP3Header& h, const uint8_t* pData, int nBytes, int32_t* pOut)
+{
+    const int nSide = h.SideInfoBytes();
+    if (nBytes < nSide || nBytes > kMaxFrameBytes)
+        return false;
+    ReadSideInfo(h, pData);
+    const int nMain = nBytes - nSide;
+    if (nReservoir > 511) {
+        std::memmove(aReservoir, aReservoir + nReservoir - 511, 511);
+        nReservoir = 511;
+    }
+    const bool bInReservoir = nMainDataBegin <= nReservoir;
+    const int nFirst = nReservoir - nMainDataBegin;
+    std::memcpy(aReservoir + nReservoir, pData + nSide, static_cast<size_t>(nMain));
+    nReservoir += nMain;
+    std::memset(aReservoir + nReservoir, 0, 64);
+    if (!bInReservoir)
+        return false;
+
+    BitReader br{aReservoir, nFirst * 8};
+    const int nEndBits = nReservoir * 8;
+    const int nSamples = 576;
+    for (int gr = 0; gr < nGranules; ++gr) {
+        for (int ch = 0; ch < nChannels; ++ch) {
+            const Granule& g = aGr[gr][ch];
+            const int nStart = br.nPos;
+            const int nEnd = std::min(nStart + g.nPart23, nEndBits);
+            if (h.nVersion == 0)
+                ReadScaleFactors1(br, gr, ch);
+            else
+                ReadScaleFactors2(br, ch, ch == 1 && h.nMode == 1 && (h.nModeExt & 1));
+            if (g.nBigValues * 2 > 576) {
+                LTRACE("LMP3Source::DecodeHuffmanData (si.big_values << 1) > 576");
+                std::memset(aXr[ch], 0, sizeof(aXr[ch]));
+                aNonZero[ch] = 0;
+            } else {
+                BuildBandScales(g, ch);
+                aNonZero[ch] = DecodeSpectrum(br, nEnd, g, ch);
+            }
+            br.nPos = std::min(nStart + g.nPart23, nEndBits);
+        }
+        if (nChannels == 2 && h.nMode == 1)
+            Stereo(aGr[gr][1], h.nModeExt);
+        for (int ch = 0; ch < nChannels; ++ch) {
+            const Granule& g = aGr[gr][ch];
+            if (g.bShort)
+                Reorder(g, ch);
+            Antialias(g, ch);
+            const int nActive = g.bShort ? 32 : std::min((aNonZero[ch] + 17) / 18 + 1, 32);
+            Hybrid(g, ch, nActive);
+            Synthesis(ch, pOut + static_cast<size_t>(gr) * nSamples * nOutChans + ch, nOutChans);
+        }
+    }
+    return true;
+}

@@ -1,0 +1,68 @@
+#include "formats/mp3/LMP3EncodePipe.h"
+
+#include <algorithm>
+#include <unistd.h>
+
+#include "core/LComponents.h"
+#include "core/LFixed.h"
+#include "core/LTrace.h"
+#include "platform/engine/LProcess.h"
+
+LMP3EncodePipe::LMP3EncodePipe(const std::string& szOutput, const LMP3EncoderSettings& settings, uint8_t nChannels,
+                               int32_t nRate)
+    : LSoundSinkBase(nRate, nChannels ? nChannels : 1)
+{
+    if (nChannels == 0)
+        SetError();
+    const std::string szEncoder = LComponents::GetPath(LComponents::kMp3Encoder);
+    if (szEncoder.empty()) {
+        LTRACE("LMP3EncodePipe::LMP3EncodePipe mp3el component not found");
+        szReason = "the MP3 encoder component \"mp3el\" is not installed";
+        SetError();
+        return;
+    }
+    vBuffer.resize(static_cast<size_t>(nChans) * kBufferFrames * 2);
+    const std::vector<std::string> vArgs = settings.CommandLine(szEncoder, nChans, nSampleRate, szOutput);
+    std::string szError;
+    if (!LProcess::StartWithInput(vArgs, kPipeBytes, fdInput, pidEncoder, &szError)) {
+        LTRACE("LMP3EncodePipe::LMP3EncodePipe() CreateProcess FAILED");
+        szReason = "cannot start the MP3 encoder: " + szError;
+        SetError();
+    }
+}
+
+LMP3EncodePipe::~LMP3EncodePipe()
+{
+    if (fdInput >= 0)
+        ::close(fdInput); // the encoder sees the end of its input
+    if (pidEncoder > 0 && !LProcess::WaitExit(pidEncoder, kCloseWaitMs)) {
+        LTRACE("LMP3EncodePipe::~LMP3EncodePipe() WaitForSingleObject(hEncoderProcess) FAILED - lame did not exit!");
+        LProcess::KillAndReap(pidEncoder);
+    }
+}
+
+void LMP3EncodePipe::Write(const int32_t* pBuffer, int32_t nFrames)
+{
+    sPosition += std::max(nFrames, 0);
+    if (fdInput < 0)
+        return;
+    while (nFrames > 0) {
+        const int32_t n = std::min(nFrames, kBufferFrames);
+        const size_t nSamples = static_cast<size_t>(n) * nChans;
+        // Big-endian: the encoder is told to swap the bytes of its raw input.
+        for (size_t i = 0; i < nSamples; ++i) {
+            const uint16_t v = static_cast<uint16_t>(LTo16(pBuffer[i]));
+            vBuffer[2 * i] = static_cast<uint8_t>(v >> 8);
+            vBuffer[2 * i + 1] = static_cast<uint8_t>(v);
+        }
+        // An encoder that died loses the bytes; the missing file reports the failure.
+        LProcess::WriteAll(fdInput, vBuffer.data(), nSamples * 2);
+        pBuffer += nSamples;
+        nFrames -= n;
+    }
+}
+
+void LMP3EncodePipe::SetPosition(int32_t sNewPosition)
+{
+    LTRACE("LMP3EncodePipe::Seek not implemented");
+}

@@ -1,0 +1,86 @@
+#include "formats/mp3/LMP3Format.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "core/LComponents.h"
+#include "formats/mp3/LMP3EncodePipe.h"
+#include "formats/mp3/LMP3Source.h"
+
+namespace {
+
+// Rates a Layer III stream can carry.
+const int32_t kStreamRates[] = {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000};
+
+} // namespace
+
+bool LMP3Format::MatchesContent(const uint8_t* pHead, size_t nBytes) const
+{
+    if (nBytes >= 3 && !std::memcmp(pHead, "ID3", 3))
+        return true;
+    MP3Header h;
+    return nBytes >= 4 && h.Accept(pHead);
+}
+
+void LMP3Format::FitShape(const LAudioEncoding& encoding, int32_t& nSampleRate, uint8_t& nChans) const
+{
+    nChans = nChans >= 2 ? 2 : 1;
+    int32_t nBest = kStreamRates[0];
+    for (int32_t n : kStreamRates)
+        if (std::abs(n - nSampleRate) < std::abs(nBest - nSampleRate))
+            nBest = n;
+    nSampleRate = nBest;
+}
+
+std::string LMP3Format::Describe(const LMP3Source& source)
+{
+    static const char* const kVersions[3] = {"MPEG-1", "MPEG-2", "MPEG-2.5"};
+    const int nKbps = source.GetAverageBitRate() / 1000;
+    std::string sz = std::string(kVersions[source.GetFirstHeader().nVersion % 3]) + " Layer III, ";
+    if (source.IsVariableBitRate())
+        sz += "VBR (about " + std::to_string(nKbps) + " kbit/s)";
+    else
+        sz += std::to_string(nKbps) + " kbit/s";
+    return sz;
+}
+
+LSoundSourcePtr LMP3Format::OpenSource(const std::string& szPath, std::string* pszError,
+                                       LAudioFileDetails* pDetails) const
+{
+    LMP3Source* pMp3 = new LMP3Source(szPath);
+    LSoundSourcePtr pSource(pMp3);
+    if (pSource->IsError()) {
+        if (pszError)
+            *pszError = "not an MP3 file: no MPEG Layer III frame found";
+        return pSource;
+    }
+    if (pDetails) {
+        pDetails->szFormat = GetName();
+        pDetails->szEncoding = Describe(*pMp3);
+        pDetails->encoding = LAudioEncoding::Named("mp3");
+    }
+    return pSource;
+}
+
+LSoundSinkPtr LMP3Format::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
+                                   const LAudioEncoding& encoding, std::string* pszError) const
+{
+    if (LComponents::GetPath(LComponents::kMp3Encoder).empty()) {
+        if (pszError) {
+            const std::string szLame = LComponents::FindOnPath("lame");
+            *pszError = "the MP3 encoder component \"mp3el\" is not installed; " +
+                        (szLame.empty() ? std::string("install lame with the system's package manager (e.g. apt-get install lame)")
+                                        : "lame was found at " + szLame) +
+                        " and register its path as " + LComponents::kSection + "/" + LComponents::kMp3Encoder + "/Path";
+        }
+        return LSoundSinkPtr();
+    }
+    LMP3EncodePipe* pPipe = new LMP3EncodePipe(szPath, LMP3EncoderSettings::FromRecord(encoding.vRecord), nChans, nSampleRate);
+    LSoundSinkPtr pSink(pPipe);
+    if (pSink->IsError()) {
+        if (pszError)
+            *pszError = pPipe->GetReason().empty() ? std::string("cannot start the MP3 encoder") : pPipe->GetReason();
+        return LSoundSinkPtr();
+    }
+    return pSink;
+}

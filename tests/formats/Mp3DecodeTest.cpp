@@ -1,0 +1,298 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+
+#include "formats/LAudioFile.h"
+#include "formats/Mp3Support.h"
+
+using namespace mp3test;
+using testsupport::HaveTool;
+using testsupport::ReadFileBytes;
+using testsupport::TempDir;
+using testsupport::WriteFileBytes;
+
+namespace {
+
+// SONITRA_TEST_DATA in the environment points elsewhere than the build's own setting.
+const std::string kConformance =
+    std::string(std::getenv("SONITRA_TEST_DATA") ? std::getenv("SONITRA_TEST_DATA") : SONITRA_TEST_DATA) +
+    "/mp3-conformance/";
+
+// True when the first frame is the encoder's tag frame of a constant-rate file.
+bool HasInfoFrame(const std::string& szPath)
+{
+    const std::vector<uint8_t> v = ReadFileBytes(szPath);
+    const char* const szTag = "Info";
+    return std::search(v.begin(), v.begin() + std::min<size_t>(v.size(), 64), szTag, szTag + 4) !=
+           v.begin() + std::min<size_t>(v.size(), 64);
+}
+
+std::vector<int16_t> ReadPcm(const std::string& szPath)
+{
+    const std::vector<uint8_t> v = ReadFileBytes(szPath);
+    std::vector<int16_t> vOut(v.size() / 2);
+    for (size_t i = 0; i < vOut.size(); ++i)
+        vOut[i] = static_cast<int16_t>(v[2 * i] | (v[2 * i + 1] << 8));
+    return vOut;
+}
+
+#define REQUIRE_CODEC_TOOLS()                                                                                          \
+    if (!HaveTool("lame") || !HaveTool("mpg123"))                                                                      \
+    GTEST_SKIP() << "lame and mpg123 are needed to make and check MP3 files"
+
+} // namespace
+
+TEST(Mp3Conformance, StreamsMatchTheReferenceDecoderWithinOneStep)
+{
+    struct Stream
+    {
+        const char* szName;
+        bool bEndsEarly; // switches from one channel to two, which ends the stream by design
+    };
+    const Stream vStreams[] = {
+        {"l3-compl", false},           {"l3-he_32khz", false},         {"l3-he_44khz", false},
+        {"l3-he_48khz", false},        {"l3-he_mode", true},           {"l3-hecommon", false},
+        {"l3-si", false},              {"l3-si_block", false},         {"l3-si_huff", false},
+        {"l3-sin1k0db", false},        {"l3-test45", false},           {"l3-test46", false},
+        {"M2L3_bitrate_16_all", false}, {"M2L3_bitrate_22_all", false}, {"M2L3_bitrate_24_all", false},
+        {"M2L3_compl24", false},       {"M2L3_noise", false},
+    };
+    if (testsupport::RunCommand("test -d " + Quote(kConformance)) != 0)
+        GTEST_SKIP() << "no conformance streams at " << kConformance;
+    for (const Stream& s : vStreams) {
+        SCOPED_TRACE(s.szName);
+        LMP3Source src(kConformance + s.szName + ".bit");
+        ASSERT_FALSE(src.IsError());
+        const std::vector<int16_t> vOurs = DecodeAll(src);
+        const std::vector<int16_t> vRef = ReadPcm(kConformance + s.szName + ".pcm");
+        const Comparison c = Compare(vOurs, vRef);
+        std::printf("  %-22s PSNR %6.1f dB, largest difference %d, %zu of %zu samples\n", s.szName, c.fPsnr,
+                    c.nMaxDiff, vOurs.size(), vRef.size());
+        EXPECT_GT(c.fPsnr, 96.0);
+        EXPECT_LE(c.nMaxDiff, 1);
+        // The last 128 bytes are kept for a trailing tag, so at most the last frame is lost.
+        const size_t nFrameSamples = static_cast<size_t>(src.GetFirstHeader().SamplesPerFrame()) * src.GetChannels();
+        if (s.bEndsEarly)
+            EXPECT_LT(vOurs.size(), vRef.size() / 2);
+        else
+            EXPECT_GE(vOurs.size() + nFrameSamples, vRef.size());
+    }
+}
+
+TEST(Mp3Conformance, FreeFormatIsRefused)
+{
+    // Every header of this stream carries bit-rate index 0; what the search may find instead is
+    // a chance pattern in its data, never the stream's own 44.1 kHz stereo frames.
+    if (testsupport::RunCommand("test -f " + Quote(kConformance + "l3-he_free.bit")) != 0)
+        GTEST_SKIP() << "no conformance streams";
+    LMP3Source src(kConformance + "l3-he_free.bit");
+    EXPECT_TRUE(src.IsError() || src.GetFirstHeader().nBitRate != 0);
+    const std::vector<int16_t> vOurs = DecodeAll(src);
+    EXPECT_LT(Compare(vOurs, ReadPcm(kConformance + "l3-he_free.pcm")).fPsnr, 96.0);
+}
+
+TEST(Mp3Decode, LameFilesMatchMpg123WithinOneStep)
+{
+    REQUIRE_CODEC_TOOLS();
+    TempDir dir;
+    struct Case
+    {
+        const char* szName;
+        int nRate;
+        int nChans;
+        const char* szOptions;
+        bool bXing;
+    };
+    const Case vCases[] = {
+        {"cbr32.mp3", 44100, 2, "-b 32 --resample 44.1", false},       {"cbr128.mp3", 44100, 2, "-b 128", false},
+        {"cbr320.mp3", 44100, 2, "-b 320 -m s", false}, {"joint.mp3", 48000, 2, "-b 160 -m j", false},
+        {"mono.mp3", 32000, 1, "-b 64 -m m", false},   {"vbr.mp3", 44100, 2, "-V 2", true},
+        {"m2-22.mp3", 22050, 1, "-b 48", false},       {"m2-16.mp3", 16000, 2, "-b 64", false},
+        {"m25-8.mp3", 8000, 1, "-b 16", false},        {"m2-vbr.mp3", 24000, 2, "-V 4", true},
+    };
+    for (const Case& k : vCases) {
+        SCOPED_TRACE(k.szName);
+        ASSERT_TRUE(MakeMp3(dir, k.szName, k.nRate, k.nChans, k.nRate * 6 / 5, k.szOptions));
+        LMP3Source src(dir.File(k.szName));
+        ASSERT_FALSE(src.IsError());
+        EXPECT_EQ(src.GetSampleRate(), k.nRate);
+        EXPECT_EQ(src.GetChannels(), k.nChans);
+        const int32_t nSpf = src.GetFirstHeader().SamplesPerFrame();
+        const int32_t nFirstLength = src.GetLength();
+        const std::vector<int16_t> vOurs = DecodeAll(src);
+        const std::vector<int16_t> vRef = Mpg123Decode(dir.File(k.szName));
+        ASSERT_FALSE(vRef.empty());
+        // mpg123 passes over the frame that carries the encoder's tag; a constant-rate file's
+        // tag frame ("Info"), where there is one, is decoded here as a frame of silence.
+        const int32_t nInfo = !k.bXing && HasInfoFrame(dir.File(k.szName)) ? nSpf : 0;
+        const Comparison c = Compare(vOurs, vRef, static_cast<long>(nInfo) * k.nChans);
+        EXPECT_LE(c.nMaxDiff, 1);
+        // The last 128 bytes are left for a trailing tag: the frames they reach into are lost.
+        const int32_t nCut = nSpf * (static_cast<int32_t>(128 / src.GetAverageFrameBytes()) + 1);
+        EXPECT_GE(c.nCompared + static_cast<size_t>(nCut * k.nChans), vRef.size());
+        const int32_t nRefFrames = static_cast<int32_t>(vRef.size() / k.nChans);
+        if (k.bXing) {
+            EXPECT_EQ(nFirstLength, nRefFrames); // exact from the frame count
+        } else {
+            // Refined to what was decoded.
+            EXPECT_EQ(src.GetLength() % nSpf, 0);
+            EXPECT_GE(src.GetLength(), nRefFrames + nInfo - nCut);
+            EXPECT_LE(src.GetLength(), nRefFrames + nInfo);
+            EXPECT_EQ(static_cast<int32_t>(vOurs.size() / k.nChans), src.GetLength());
+        }
+    }
+}
+
+TEST(Mp3Decode, SeekIsExactInSamplesOnTheFrameTheAverageSizeFinds)
+{
+    REQUIRE_CODEC_TOOLS();
+    TempDir dir;
+    ASSERT_TRUE(MakeMp3(dir, "cbr.mp3", 44100, 2, 44100 * 3, "-b 128"));
+    LMP3Source whole(dir.File("cbr.mp3"));
+    const std::vector<int16_t> vAll = DecodeAll(whole);
+    LMP3Source src(dir.File("cbr.mp3"));
+    // The seek goes to frame start x average frame size and searches on from there; where the
+    // encoder's padding puts a frame a byte earlier, the search finds the next one.
+    auto MaxDiffAt = [&](const std::vector<int32_t>& v, int32_t sFrom) {
+        int nMax = 0;
+        for (size_t i = 0; i < v.size(); ++i)
+            nMax = std::max(nMax, std::abs(std::clamp((v[i] + 8) >> 4, -32768, 32767) -
+                                           vAll[static_cast<size_t>(sFrom) * 2 + i]));
+        return nMax;
+    };
+    for (int32_t sAt : {100000, 7, 50000, 0, 1152 * 4 + 5}) {
+        SCOPED_TRACE(sAt);
+        src.SetPosition(sAt);
+        EXPECT_EQ(src.GetPosition(), sAt);
+        std::vector<int32_t> v(2000 * 2);
+        src.Read(v.data(), 2000);
+        EXPECT_EQ(src.GetPosition(), sAt + 2000);
+        EXPECT_LE(std::min(MaxDiffAt(v, sAt), MaxDiffAt(v, sAt + 1152)), 1);
+        if (sAt < 1152 * 5) // no search: the warm-up starts at the file's first byte
+            EXPECT_LE(MaxDiffAt(v, sAt), 1);
+    }
+    const int32_t nLength = src.GetLength();
+    src.SetPosition(nLength + 5000); // held to the length
+    EXPECT_EQ(src.GetPosition(), nLength);
+}
+
+TEST(Mp3Framing, LeadingJunkIsSearchedUpTo65535Bytes)
+{
+    REQUIRE_CODEC_TOOLS();
+    TempDir dir;
+    ASSERT_TRUE(MakeMp3(dir, "a.mp3", 44100, 1, 44100, "-b 64"));
+    const std::vector<uint8_t> vFile = ReadFileBytes(dir.File("a.mp3"));
+    for (size_t nJunk : {size_t{3000}, size_t{70000}}) {
+        std::vector<uint8_t> v(nJunk, 0x5A);
+        v.insert(v.end(), vFile.begin(), vFile.end());
+        WriteFileBytes(dir.File("junk.mp3"), v);
+        LMP3Source src(dir.File("junk.mp3"));
+        EXPECT_EQ(src.IsError(), nJunk > 65535) << nJunk;
+    }
+}
+
+TEST(Mp3Framing, FreeFormatHeadersAreNotAccepted)
+{
+    TempDir dir;
+    std::vector<uint8_t> v;
+    for (int i = 0; i < 200; ++i) {
+        const uint8_t aFrame[] = {0xFF, 0xFB, 0x00, 0xC0}; // MPEG-1 Layer III, bit-rate index 0
+        v.insert(v.end(), aFrame, aFrame + 4);
+        v.insert(v.end(), 413, 0);
+    }
+    WriteFileBytes(dir.File("free.mp3"), v);
+    LMP3Source src(dir.File("free.mp3"));
+    EXPECT_TRUE(src.IsError());
+    // The failed source still reads zeros, and its position stops at the largest frame number.
+    src.SetPosition(INT32_MAX - 10);
+    std::vector<int32_t> vRead(4097, 5);
+    src.Read(vRead.data(), 4097);
+    EXPECT_EQ(src.GetPosition(), INT32_MAX);
+    EXPECT_TRUE(std::all_of(vRead.begin(), vRead.end(), [](int32_t n) { return n == 0; }));
+    std::string szError;
+    EXPECT_TRUE(LAudioFile::OpenSource(dir.File("free.mp3"), &szError)->IsError());
+    EXPECT_NE(szError.find("MP3"), std::string::npos) << szError;
+}
+
+TEST(Mp3Framing, XingFrameCountGivesTheLengthAtOnce)
+{
+    REQUIRE_CODEC_TOOLS();
+    TempDir dir;
+    ASSERT_TRUE(MakeMp3(dir, "v.mp3", 44100, 2, 44100, "-V 5"));
+    std::vector<uint8_t> v = ReadFileBytes(dir.File("v.mp3"));
+    const auto it = std::search(v.begin(), v.end(), std::begin("Xing"), std::end("Xing") - 1);
+    ASSERT_NE(it, v.end());
+    const size_t nCount = static_cast<size_t>(it - v.begin()) + 8;
+    ASSERT_TRUE(v[nCount - 1] & 1); // the frame-count flag
+    const uint8_t a1000[] = {0, 0, 0x03, 0xE8};
+    std::copy(a1000, a1000 + 4, v.begin() + static_cast<long>(nCount));
+    WriteFileBytes(dir.File("x.mp3"), v);
+    LMP3Source src(dir.File("x.mp3"));
+    EXPECT_EQ(src.GetVbrFrameCount(), 1000u);
+    EXPECT_EQ(src.GetLength(), 1152000);
+    EXPECT_TRUE(src.IsVariableBitRate());
+}
+
+TEST(Mp3Framing, ConstantRateLengthIsEstimatedThenRefinedWhileReading)
+{
+    REQUIRE_CODEC_TOOLS();
+    TempDir dir;
+    ASSERT_TRUE(MakeMp3(dir, "long.mp3", 44100, 1, 44100 * 64, "-b 128 -m m -f"));
+    std::vector<uint8_t> v = ReadFileBytes(dir.File("long.mp3"));
+    ASSERT_GT(v.size(), 1000000u);
+    v.resize(1000000);
+    WriteFileBytes(dir.File("cut.mp3"), v);
+    LMP3Source src(dir.File("cut.mp3"));
+    ASSERT_FALSE(src.IsError());
+    EXPECT_NEAR(src.GetAverageFrameBytes(), 417.959, 0.001);
+    EXPECT_EQ(src.GetLength(), 1152 * static_cast<int32_t>(999872 / (144.0 * 128000 / 44100) + 0.9));
+    EXPECT_FALSE(src.IsVariableBitRate());
+    // The file ends inside a frame: what follows the last whole frame reads as zeros and the
+    // length becomes what was decoded.
+    const std::vector<int16_t> vAll = DecodeAll(src);
+    EXPECT_EQ(static_cast<int32_t>(vAll.size()), src.GetLength());
+    EXPECT_EQ(src.GetLength() % 1152, 0);
+    EXPECT_LT(src.GetLength(), 1152 * 2394);
+    std::vector<int32_t> vTail(500, 9);
+    src.Read(vTail.data(), 500);
+    EXPECT_TRUE(std::all_of(vTail.begin(), vTail.end(), [](int32_t n) { return n == 0; }));
+}
+
+TEST(Mp3Framing, StereoFramesAfterAMonoStartEndTheStream)
+{
+    REQUIRE_CODEC_TOOLS();
+    TempDir dir;
+    ASSERT_TRUE(MakeMp3(dir, "m.mp3", 44100, 1, 11025, "-b 64 -m m"));
+    ASSERT_TRUE(MakeMp3(dir, "s.mp3", 44100, 2, 44100, "-b 64 -m s"));
+    std::vector<uint8_t> v = ReadFileBytes(dir.File("m.mp3"));
+    const std::vector<uint8_t> vStereo = ReadFileBytes(dir.File("s.mp3"));
+    v.insert(v.end(), vStereo.begin(), vStereo.end());
+    WriteFileBytes(dir.File("ms.mp3"), v);
+    LMP3Source mono(dir.File("m.mp3"));
+    const size_t nMono = DecodeAll(mono).size();
+    LMP3Source src(dir.File("ms.mp3"));
+    ASSERT_EQ(src.GetChannels(), 1);
+    const std::vector<int16_t> vAll = DecodeAll(src);
+    // The mono file's frames all decode (its last is no longer cut by the trailing allowance),
+    // then the eleventh stereo header ends the stream.
+    EXPECT_GE(vAll.size(), nMono);
+    EXPECT_LE(vAll.size(), nMono + 1152);
+    EXPECT_EQ(static_cast<int32_t>(vAll.size()), src.GetLength());
+}
+
+TEST(Mp3Format, DoorOpensMp3AndDescribesIt)
+{
+    REQUIRE_CODEC_TOOLS();
+    TempDir dir;
+    ASSERT_TRUE(MakeMp3(dir, "a.mp3", 22050, 1, 22050, "-b 32"));
+    std::string szError;
+    LAudioFileDetails details;
+    LSoundSourcePtr p = LAudioFile::OpenSource(dir.File("a.mp3"), &szError, &details);
+    ASSERT_FALSE(p->IsError()) << szError;
+    EXPECT_EQ(details.szFormat, "MP3");
+    EXPECT_EQ(details.szEncoding, "MPEG-2 Layer III, 32 kbit/s");
+    EXPECT_EQ(details.encoding.szName, "mp3");
+    EXPECT_EQ(p->GetSampleRate(), 22050);
+}
