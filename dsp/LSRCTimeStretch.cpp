@@ -40,8 +40,9 @@ struct LSRCTimeStretch::Impl
     uint8_t nChans = 1;
     int64_t nNum = 1;
     int64_t nDen = 1;
-    int32_t nHop = 1;    // output hop, half a grain
-    int32_t nGrain = 2;  // grain length
+    int32_t nHop = 1;     // output hop
+    int32_t nOverlap = 1; // the cross-fade between neighbouring grains
+    int32_t nGrain = 2;   // hop plus cross-fade
     int32_t nDecim = 1;  // decimation of the coarse search
     int32_t nSearch = 0; // search span each side of the nominal time, a multiple of nDecim
     std::vector<float> vWindow;
@@ -74,7 +75,7 @@ struct LSRCTimeStretch::Impl
 
     void Setup(int32_t nRate);
     void Restart(int64_t sOut);
-    int64_t Nominal(int64_t kGrain) const { return sInOrigin + kGrain * nHop * nNum / nDen - nHop; }
+    int64_t Nominal(int64_t kGrain) const { return sInOrigin + kGrain * nHop * nNum / nDen - nOverlap; }
     float* Chan(uint8_t c) { return vIn.data() + static_cast<size_t>(c) * nCapacity; }
     const float* MixAt(int64_t s) const { return vMix.data() + (s - sBufStart); }
     void Ensure(LSoundSourceBase* pIn, int64_t sFrom, int64_t sTo);
@@ -86,13 +87,19 @@ struct LSRCTimeStretch::Impl
 void LSRCTimeStretch::Impl::Setup(int32_t nRate)
 {
     nDecim = std::max(1, nRate / kSearchRate);
-    nHop = std::max(nDecim, static_cast<int32_t>(static_cast<int64_t>(nRate) * kGrainMs / 2000) / nDecim * nDecim);
-    nGrain = 2 * nHop;
-    nSearch = static_cast<int32_t>(static_cast<int64_t>(nRate) * kSearchMs / 1000) / nDecim * nDecim;
-    // A periodic Hann window: two copies half a grain apart sum to exactly one.
-    vWindow.resize(nGrain);
-    for (int32_t n = 0; n < nGrain; ++n)
-        vWindow[n] = static_cast<float>(0.5 - 0.5 * std::cos(2.0 * M_PI * n / nGrain));
+    auto Frames = [nRate](int32_t nMs) { return static_cast<int32_t>(static_cast<int64_t>(nRate) * nMs / 1000); };
+    nOverlap = std::max(nDecim, Frames(kOverlapMs) / nDecim * nDecim);
+    nHop = std::max(nOverlap, Frames(kHopMs));
+    nGrain = nHop + nOverlap;
+    nSearch = Frames(kSearchMs) / nDecim * nDecim;
+    // Flat in the middle, raised-cosine edges: a falling edge and the next grain's rising edge
+    // sum to exactly one.
+    vWindow.assign(nGrain, 1.0f);
+    for (int32_t n = 0; n < nOverlap; ++n) {
+        const double fRise = 0.5 - 0.5 * std::cos(M_PI * (n + 0.5) / nOverlap);
+        vWindow[n] = static_cast<float>(fRise);
+        vWindow[nHop + n] = static_cast<float>(1.0 - fRise);
+    }
     // The widest span one grain needs: its search range, the previous grain's tail and a read.
     const int64_t nAnalysisHop = (nHop * nNum + nDen - 1) / nDen;
     nCapacity = static_cast<int32_t>(2 * nSearch + nGrain + nAnalysisHop + nHop + kReadBlock + 16);
@@ -101,8 +108,8 @@ void LSRCTimeStretch::Impl::Setup(int32_t nRate)
     vRead.assign(static_cast<size_t>(kReadBlock) * nChans, 0);
     vAcc.assign(static_cast<size_t>(nGrain) * nChans, 0.0f);
     vReady.assign(static_cast<size_t>(nHop) * nChans, 0);
-    vTarget.assign(nHop / nDecim, 0.0f);
-    vCand.assign((2 * nSearch + nHop) / nDecim + 1, 0.0f);
+    vTarget.assign(nOverlap / nDecim, 0.0f);
+    vCand.assign((2 * nSearch + nOverlap) / nDecim + 1, 0.0f);
 }
 
 void LSRCTimeStretch::Impl::Restart(int64_t sOut)
@@ -170,12 +177,12 @@ void LSRCTimeStretch::Impl::Append(LSoundSourceBase* pIn, int32_t nFrames)
     nValid += nFromInput;
 }
 
-// The grain start within nSearch of sNominal whose first half best matches the input that
+// The grain start within nSearch of sNominal whose rising edge best matches the input that
 // naturally follows the previous grain (starting at sTarget), by normalised correlation.
 int64_t LSRCTimeStretch::Impl::Search(int64_t sNominal, int64_t sTarget)
 {
     const int64_t sLow = sNominal - nSearch;
-    const int32_t nCoarse = nHop / nDecim;
+    const int32_t nCoarse = nOverlap / nDecim;
     const int32_t nCands = 2 * nSearch / nDecim + 1;
     const float* pTarget = MixAt(sTarget);
     const float* pLow = MixAt(sLow);
@@ -218,7 +225,8 @@ int64_t LSRCTimeStretch::Impl::Search(int64_t sNominal, int64_t sTarget)
     fBest = -1e300;
     for (int64_t s = sFrom; s <= sTo; ++s) {
         const float* pCand = MixAt(s);
-        const double fScore = Dot(pTarget, pCand, nHop) / std::sqrt(static_cast<double>(Dot(pCand, pCand, nHop)) + 1.0);
+        const double fScore =
+            Dot(pTarget, pCand, nOverlap) / std::sqrt(static_cast<double>(Dot(pCand, pCand, nOverlap)) + 1.0);
         if (fScore > fBest) {
             fBest = fScore;
             sBest = s;
@@ -233,7 +241,7 @@ void LSRCTimeStretch::Impl::ProduceGrain(LSoundSourceBase* pIn)
     int64_t q = sNominal;
     if (k > 0) {
         const int64_t sTarget = qPrev + nHop;
-        Ensure(pIn, std::min(sNominal - nSearch, sTarget), std::max(sNominal + nSearch, qPrev) + nGrain);
+        Ensure(pIn, std::min(sNominal - nSearch, sTarget), std::max(sNominal + nSearch + nGrain, sTarget + nOverlap));
         q = Search(sNominal, sTarget);
     } else {
         Ensure(pIn, sNominal, sNominal + nGrain);
@@ -244,17 +252,17 @@ void LSRCTimeStretch::Impl::ProduceGrain(LSoundSourceBase* pIn)
         for (int32_t n = 0; n < nGrain; ++n)
             pAcc[n] += vWindow[n] * pSrc[n];
     }
-    // The first half of the window is finished: no later grain reaches back into it.
+    // One hop is finished: the next grain starts where this one begins to fall.
     for (uint8_t c = 0; c < nChans; ++c) {
         float* pAcc = vAcc.data() + static_cast<size_t>(c) * nGrain;
         for (int32_t n = 0; n < nHop; ++n)
             vReady[static_cast<size_t>(n) * nChans + c] = ToSample(pAcc[n]);
-        std::memmove(pAcc, pAcc + nHop, nHop * sizeof(float));
-        std::fill(pAcc + nHop, pAcc + nGrain, 0.0f);
+        std::memmove(pAcc, pAcc + nHop, nOverlap * sizeof(float));
+        std::fill(pAcc + nOverlap, pAcc + nGrain, 0.0f);
     }
-    // The first grain's rising half lies before the origin and is dropped.
-    nReadyPos = 0;
-    nReadyCount = k == 0 ? 0 : nHop;
+    // The first grain's rising edge lies before the origin and is dropped.
+    nReadyPos = k == 0 ? nOverlap : 0;
+    nReadyCount = nHop;
     qPrev = q;
     ++k;
 }

@@ -1,5 +1,5 @@
 // Changes the speed of its input and keeps the pitch, by waveform-similarity overlap-add: the
-// output is built from Hann-windowed grains of the input laid down at a fixed hop, each grain
+// output is built from grains of the input laid down at a fixed hop and cross-faded, each grain
 // taken near its nominal input time where it best continues the grain before it. All channels
 // share one choice of grain position (made on their sum), so a stereo image stays where it was.
 // Speed is nSpeedNum / nSpeedDen of the original: 2/1 plays twice as fast and half as long.
@@ -13,9 +13,11 @@
 class LSRCTimeStretch : public LSoundSourceBase
 {
 public:
-    // Grain length, hop and search span in milliseconds; the hop is half the grain.
-    static constexpr int32_t kGrainMs = 40;
-    static constexpr int32_t kSearchMs = 12;
+    // In milliseconds: the output hop between grains, the cross-fade between neighbours (a grain
+    // is a hop plus a cross-fade long) and the search span each side of a grain's nominal time.
+    static constexpr int32_t kHopMs = 60;
+    static constexpr int32_t kOverlapMs = 12;
+    static constexpr int32_t kSearchMs = 15;
 
     // A speed outside 1/100 .. 100 latches the error (the stage then reads silence).
     LSRCTimeStretch(LSoundSourceBase* pInput, int32_t nSpeedNum, int32_t nSpeedDen);
