@@ -55,6 +55,43 @@ __attribute__((target("avx2,fma"))) float DotAvx(const float* pA, const float* p
     return ((s0[0] + s0[1]) + (s0[2] + s0[3])) + ((s0[4] + s0[5]) + (s0[6] + s0[7]));
 }
 
+// A symmetric kernel of 2 nHalf taps (the last one zero) folded about its centre tap
+// nHalf - 1: pFold holds its first nHalf taps, the centre halved, and pIn[k] pairs with
+// pIn[2 nHalf - 2 - k]. Half the multiplications of the plain dot product.
+float FoldedSse(const float* pFold, const float* pIn, int32_t nHalf)
+{
+    const float* pBack = pIn + 2 * nHalf - 2;
+    LVec4 s0 = {0, 0, 0, 0};
+    LVec4 s1 = s0;
+    for (int32_t k = 0; k < nHalf; k += 8) {
+        const LVec4 b0 = *reinterpret_cast<const LVec4*>(pBack - k - 3);
+        const LVec4 b1 = *reinterpret_cast<const LVec4*>(pBack - k - 7);
+        s0 += *reinterpret_cast<const LVec4*>(pFold + k) *
+              (*reinterpret_cast<const LVec4*>(pIn + k) + __builtin_shufflevector(b0, b0, 3, 2, 1, 0));
+        s1 += *reinterpret_cast<const LVec4*>(pFold + k + 4) *
+              (*reinterpret_cast<const LVec4*>(pIn + k + 4) + __builtin_shufflevector(b1, b1, 3, 2, 1, 0));
+    }
+    s0 += s1;
+    return (s0[0] + s0[1]) + (s0[2] + s0[3]);
+}
+
+__attribute__((target("avx2,fma"))) float FoldedAvx(const float* pFold, const float* pIn, int32_t nHalf)
+{
+    const float* pBack = pIn + 2 * nHalf - 2;
+    LVec8 s0 = {0, 0, 0, 0, 0, 0, 0, 0};
+    LVec8 s1 = s0;
+    for (int32_t k = 0; k < nHalf; k += 16) {
+        const LVec8 b0 = *reinterpret_cast<const LVec8*>(pBack - k - 7);
+        const LVec8 b1 = *reinterpret_cast<const LVec8*>(pBack - k - 15);
+        s0 += *reinterpret_cast<const LVec8*>(pFold + k) *
+              (*reinterpret_cast<const LVec8*>(pIn + k) + __builtin_shufflevector(b0, b0, 7, 6, 5, 4, 3, 2, 1, 0));
+        s1 += *reinterpret_cast<const LVec8*>(pFold + k + 8) *
+              (*reinterpret_cast<const LVec8*>(pIn + k + 8) + __builtin_shufflevector(b1, b1, 7, 6, 5, 4, 3, 2, 1, 0));
+    }
+    s0 += s1;
+    return ((s0[0] + s0[1]) + (s0[2] + s0[3])) + ((s0[4] + s0[5]) + (s0[6] + s0[7]));
+}
+
 using LDotFn = float (*)(const float*, const float*, int32_t);
 
 LDotFn ChooseDot()
@@ -64,6 +101,7 @@ LDotFn ChooseDot()
 }
 
 const LDotFn Dot = ChooseDot();
+const LDotFn Folded = Dot == DotAvx ? FoldedAvx : FoldedSse;
 
 inline int32_t ToSample(float f)
 {
@@ -111,6 +149,9 @@ struct LSRCConvertRate::State
     int32_t nTapsPadded = 0;
     int32_t nPhases = 0;
     bool bExact = true;
+    // An integer step down uses one phase, whose kernel is symmetric: it is folded.
+    bool bFolded = false;
+    std::vector<float> vFold;
     double fPhaseScale = 1.0;
     std::vector<float> vTable;
     // One float window of input per channel, nCapacity frames each.
@@ -165,6 +206,11 @@ void LSRCConvertRate::State::Design(int32_t nInRate, int32_t nOutRate)
         // Each phase sums to exactly one, so a constant passes at its own level.
         for (int32_t k = 0; k < nTaps; ++k)
             vTable[static_cast<size_t>(p) * nTapsPadded + k] = static_cast<float>(vRow[k] / fSum);
+    }
+    bFolded = nUp == 1 && nHalf % kTapAlign == 0;
+    if (bFolded) {
+        vFold.assign(vTable.begin(), vTable.begin() + nHalf);
+        vFold[nHalf - 1] *= 0.5f;
     }
     nCapacity = nTaps + kInputBlockFrames + kTapAlign;
 }
@@ -233,6 +279,8 @@ void LSRCConvertRate::State::Advance()
 
 float LSRCConvertRate::State::Interpolate(const float* pIn) const
 {
+    if (bFolded)
+        return Folded(vFold.data(), pIn, nHalf);
     if (bExact)
         return Dot(vTable.data() + static_cast<size_t>(nPhase) * nTapsPadded, pIn, nTapsPadded);
     const double fPos = static_cast<double>(nPhase) * fPhaseScale;
