@@ -18,7 +18,7 @@ public:
     static constexpr int32_t kHistoryFrames = 31;
     // Length constant of the base interpolation filter: 63 + 1 taps at the lower of the two rates.
     static constexpr int32_t kFilterLength = 63;
-    // Windowed for 80 dB and more, the base filter needs a transition band a fifth of the band
+    // Windowed for 90 dB and more, the base filter needs a transition band a fifth of the band
     // wide; twice as long, its stopband begins at the new Nyquist frequency and its passband
     // still reaches 90 % of the band. When the rate goes down the kernel also stretches by the ratio.
     static constexpr int32_t kKernelScale = 2;

@@ -258,7 +258,7 @@ bool MainDialog::IsCommandEnabled(int nId) const
     case CmGoToEndId:
         return bFile;
     default:
-        return IsEffectCommandEnabled(nId);
+        return IsEffectCommandEnabled(nId) || IsToolCommandEnabled(nId);
     }
 }
 
@@ -268,7 +268,7 @@ bool MainDialog::Command(int nId)
         LTRACE("MainDialog::Command %d not available", nId);
         return false;
     }
-    if (CmFile(nId) || CmEdit(nId) || CmControl(nId) || CmWindow(nId) || CmEffect(nId))
+    if (CmFile(nId) || CmEdit(nId) || CmControl(nId) || CmWindow(nId) || CmEffect(nId) || CmTools(nId))
         return true;
     LTRACE("MainDialog::Command %d has no handler", nId);
     return false;

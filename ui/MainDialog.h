@@ -148,6 +148,16 @@ private:
     // MainDialogControl.cpp
     bool CmControl(int nId);
 
+    // MainDialogTools.cpp
+    bool CmTools(int nId);
+    bool IsToolCommandEnabled(int nId) const;
+    void ShowSpectrumWindow();
+    void CmToneGenerator();
+    void CmTextToSpeech();
+    // Makes a source into a new file, or inserts it at the cursor of the current file (in its
+    // rate and channels) under the label; false when it could not be made.
+    bool PlaceGeneratedAudio(LSoundSourceBase* pSource, bool bInsert, const std::string& szLabel);
+
     // MainDialogWindow.cpp
     bool CmWindow(int nId);
     void OnSubWindowActivated(QMdiSubWindow* pSub);

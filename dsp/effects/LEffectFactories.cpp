@@ -8,6 +8,7 @@
 #include "dsp/LSRCCompressor.h"
 #include "dsp/LSRCEq.h"
 #include "dsp/LSRCNoiseGates.h"
+#include "dsp/LSRCTimeStretch.h"
 #include "dsp/effects/LSRCEcho.h"
 #include "core/LSRCConvertRate.h"
 #include "dsp/effects/LSRCEnvelope.h"
@@ -64,5 +65,18 @@ LSoundSourcePtr LSpeedPitchFactory::Create(LSoundSourceBase* pInput)
     const int32_t nRate = pInput->GetSampleRate();
     const int64_t nFaster = static_cast<int64_t>(nRate) * std::max(nParam1, 1) / 100;
     LSoundSourcePtr pRelabelled(new LSRCRelabelRate(pInput, static_cast<int32_t>(std::clamp<int64_t>(nFaster, 1, INT32_MAX))));
+    return LSoundSourcePtr(new LSRCConvertRate(pRelabelled.Get(), nRate));
+}
+
+LSoundSourcePtr LConstantChangeFactory::Create(LSoundSourceBase* pInput)
+{
+    const int32_t nPercent = std::max(nParam1, 1);
+    if (keep == KeepPitch)
+        return LSoundSourcePtr(new LSRCTimeStretch(pInput, nPercent, 100));
+    const int32_t nRate = pInput->GetSampleRate();
+    LSoundSourcePtr pStretched(new LSRCTimeStretch(pInput, 100, nPercent));
+    const int64_t nFaster = static_cast<int64_t>(nRate) * nPercent / 100;
+    LSoundSourcePtr pRelabelled(
+        new LSRCRelabelRate(pStretched.Get(), static_cast<int32_t>(std::clamp<int64_t>(nFaster, 1, INT32_MAX))));
     return LSoundSourcePtr(new LSRCConvertRate(pRelabelled.Get(), nRate));
 }

@@ -92,3 +92,21 @@ public:
     using LEffectFactory::LEffectFactory;
     LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
 };
+
+// Percent of the original speed with the pitch kept (a time-stretch), or of the original pitch
+// with the speed kept (stretched to the longer or shorter length, then played back faster or
+// slower through the rate converter so that the length comes back).
+class LConstantChangeFactory : public LEffectFactory
+{
+public:
+    enum Keep
+    {
+        KeepPitch,
+        KeepSpeed,
+    };
+    LConstantChangeFactory(Keep keep, int32_t nPercent) : LEffectFactory(nPercent, keep), keep(keep) {}
+    LSoundSourcePtr Create(LSoundSourceBase* pInput) override;
+
+private:
+    Keep keep;
+};

@@ -59,13 +59,7 @@ int32_t ApplyMix(LProgressDialog& dlg, const LEffectData& data, const LEffectArg
 
 bool LEffectRunner::IsAvailable(LEffectKind kind)
 {
-    switch (kind) {
-    case K::ConstPitchSpeed:
-    case K::ConstSpeedPitch:
-        return false;
-    default:
-        return true;
-    }
+    return true;
 }
 
 int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCutListAudio* pDoc, int32_t sStart,
@@ -120,6 +114,12 @@ int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCut
                                                    args.Value("CompressorLimit")));
     case K::SimpleSpeedPitch:
         return RunStreaming(dlg, info, data, new LSpeedPitchFactory(args.Value("SpSpeedPitch")));
+    case K::ConstPitchSpeed:
+        return RunStreaming(dlg, info, data,
+                            new LConstantChangeFactory(LConstantChangeFactory::KeepPitch, args.Value("ConstPitchSpeed")));
+    case K::ConstSpeedPitch:
+        return RunStreaming(dlg, info, data,
+                            new LConstantChangeFactory(LConstantChangeFactory::KeepSpeed, args.Value("ConstSpeedPitch")));
     case K::AutoGainControl:
         return LEfAutoGainControl::Run(dlg, info.szCaption, data);
     case K::AutoTrim:

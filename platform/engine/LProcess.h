@@ -25,4 +25,9 @@ public:
     // or -1 when it did not exit normally.
     static bool WaitExit(pid_t pid, int nMillis, int* pExit = nullptr);
     static void KillAndReap(pid_t pid);
+    // Starts vArgs[0] the same way and waits for it to end. False, with a reason, when it cannot
+    // be started (*pbMissing tells a program that is not installed); otherwise true with its exit
+    // status in *pnExit (-1 when a signal ended it).
+    static bool Run(const std::vector<std::string>& vArgs, int* pnExit, std::string* pError = nullptr,
+                    bool* pbMissing = nullptr);
 };

@@ -60,6 +60,8 @@ TEST(ConvertRate, PassesTonesInsideTheNewBandWithinATenthOfADecibel)
     const struct { int32_t nIn, nOut; double fHz; } aCases[] = {
         {44100, 22050, 1000}, {44100, 22050, 9000}, {48000, 44100, 440}, {48000, 44100, 18000},
         {22050, 44100, 100},  {22050, 44100, 9500}, {44100, 8000, 300},   {44100, 8000, 3400},
+        // The edge of the passband: 90 % of the lower Nyquist frequency.
+        {44100, 22050, 9922.5}, {44100, 48000, 19845}, {48000, 44100, 19845},
     };
     for (const auto& c : aCases) {
         const Response r = Convert(c.nIn, c.nOut, c.fHz);
@@ -69,14 +71,15 @@ TEST(ConvertRate, PassesTonesInsideTheNewBandWithinATenthOfADecibel)
     }
 }
 
-TEST(ConvertRate, RemovesTonesAboveTheNewNyquistFrequencyByEightyDecibels)
+TEST(ConvertRate, RemovesTonesAboveTheNewNyquistFrequencyByNinetyDecibels)
 {
     const struct { int32_t nIn, nOut; double fHz; } aCases[] = {
-        {44100, 22050, 11300}, {44100, 22050, 15000}, {48000, 44100, 22600},
-        {44100, 8000, 4100},   {44100, 8000, 9000},   {44100, 8000, 20000},
+        {44100, 22050, 11060}, {44100, 22050, 11300}, {44100, 22050, 15000}, {44100, 22050, 21000},
+        {48000, 44100, 22100}, {48000, 44100, 22600}, {44100, 8000, 4100},   {44100, 8000, 9000},
+        {44100, 8000, 20000},
     };
     for (const auto& c : aCases)
-        EXPECT_LT(Convert(c.nIn, c.nOut, c.fHz).fTotalDb, -80.0) << c.nIn << " -> " << c.nOut << " at " << c.fHz << " Hz";
+        EXPECT_LT(Convert(c.nIn, c.nOut, c.fHz).fTotalDb, -90.0) << c.nIn << " -> " << c.nOut << " at " << c.fHz << " Hz";
 }
 
 TEST(ConvertRate, LengthIsTheInputLengthScaledAndThePumpWritesExactlyThat)

@@ -68,6 +68,29 @@ private slots:
         QCOMPARE(Samples(pWindow->GetFile().GetDocument()), vOrig);
     }
 
+    void constantPitchSpeedChangeShortensTheSelection()
+    {
+        LEdFileWindow* pWindow = OpenRamp(44100);
+        QVERIFY(pWindow);
+        pWindow->SetSelection(0, 40000);
+        WhenDialogShows([](LEffectSettingsDlg& dlg) {
+            Type(dlg, "ConstPitchSpeed", "200");
+            dlg.accept();
+        });
+        QVERIFY(frame->Command(CmConstantPitchId));
+        QCOMPARE(UndoText(), QString("Undo Constant Pitch and Speed Change\tCtrl+Z"));
+        QCOMPARE(LStoredValues::Get("ConstPitchSpeed"), 200);
+        QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 20000 + 4100);
+        WhenDialogShows([this](LEffectSettingsDlg& dlg) {
+            Type(dlg, "ConstSpeedPitch", "301");
+            dlg.accept();
+            QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Speed Change Percent must be less than 300."));
+            dlg.reject();
+        });
+        QVERIFY(frame->Command(CmConstantSpeedId));
+        QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 24100);
+    }
+
     void refusedValueChangesNothing()
     {
         LEdFileWindow* pWindow = OpenRamp(4000);
@@ -105,7 +128,8 @@ private slots:
         QVERIFY(frame->GetAction(CmMonoId)->isEnabled());
 
         QVERIFY(frame->GetAction(CmSimpleSpeedId)->isEnabled());
-        QVERIFY(!frame->GetAction(CmConstantPitchId)->isEnabled());
+        QVERIFY(frame->GetAction(CmConstantPitchId)->isEnabled());
+        QVERIFY(frame->GetAction(CmConstantSpeedId)->isEnabled());
         QVERIFY(frame->GetAction(CmFadeOutTrimId)->isEnabled());
         QVERIFY(frame->Command(CmFadeOutTrimId));
         QCOMPARE(UndoText(), QString("Undo Fade Out and Trim\tCtrl+Z"));

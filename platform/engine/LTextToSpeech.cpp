@@ -1,0 +1,70 @@
+#include "platform/engine/LTextToSpeech.h"
+
+#include <cctype>
+#include <cstdio>
+
+#include "core/LTrace.h"
+#include "platform/engine/LProcess.h"
+
+const std::vector<std::string>& LTextToSpeech::CommonVoices()
+{
+    static const std::vector<std::string> v = {"en", "en-us", "en-gb-scotland", "en+f3", "en-us+f2", "de", "fr",
+                                               "es", "it", "nl", "pt", "sv"};
+    return v;
+}
+
+bool LTextToSpeech::IsVoiceName(const std::string& szVoice)
+{
+    if (szVoice.empty() || szVoice.size() > 64 || !std::isalnum(static_cast<unsigned char>(szVoice[0])))
+        return false;
+    for (char c : szVoice)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '+' && c != '-' && c != '_' && c != '/')
+            return false;
+    return true;
+}
+
+bool LTextToSpeech::Speak(const std::string& szText, const std::string& szVoice, int nWordsPerMinute,
+                          const std::string& szWavPath, std::string& szError)
+{
+    bool bBlank = true;
+    for (char c : szText)
+        bBlank = bBlank && std::isspace(static_cast<unsigned char>(c));
+    if (bBlank) {
+        szError = "Type or paste the text to speak.";
+        return false;
+    }
+    if (!IsVoiceName(szVoice)) {
+        szError = "\"" + szVoice + "\" is not a voice name.";
+        return false;
+    }
+    if (nWordsPerMinute < kMinWordsPerMinute || nWordsPerMinute > kMaxWordsPerMinute) {
+        szError = "The speed must be between 80 and 450 words per minute.";
+        return false;
+    }
+    const std::string szTextPath = szWavPath + ".txt";
+    FILE* f = std::fopen(szTextPath.c_str(), "wb");
+    if (!f || std::fwrite(szText.data(), 1, szText.size(), f) != szText.size() || std::fclose(f) != 0) {
+        if (f)
+            std::fclose(f);
+        szError = "Unable to write the text to " + szTextPath + ".";
+        return false;
+    }
+    int nExit = 0;
+    bool bMissing = false;
+    std::string szWhy;
+    const bool bRan = LProcess::Run({kProgram, "-v", szVoice, "-s", std::to_string(nWordsPerMinute), "-w", szWavPath,
+                                     "-f", szTextPath},
+                                    &nExit, &szWhy, &bMissing);
+    std::remove(szTextPath.c_str());
+    if (!bRan) {
+        LTRACE("LTextToSpeech::Speak %s", szWhy.c_str());
+        szError = bMissing ? kMsgMissing : "Unable to start espeak-ng: " + szWhy;
+        return false;
+    }
+    if (nExit != 0) {
+        LTRACE("LTextToSpeech::Speak espeak-ng exit %d", nExit);
+        szError = "espeak-ng could not speak the text (is \"" + szVoice + "\" one of its voices?).";
+        return false;
+    }
+    return true;
+}

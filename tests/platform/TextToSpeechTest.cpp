@@ -1,0 +1,55 @@
+// Speech through espeak-ng, and the waiting process runner under it.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/engine/LProcess.h"
+#include "platform/engine/LTextToSpeech.h"
+#include "support/TestSupport.h"
+
+using namespace testsupport;
+
+TEST(ProcessRun, WaitsAndReportsTheExitStatusOrAMissingProgram)
+{
+    int nExit = -5;
+    ASSERT_TRUE(LProcess::Run({"sh", "-c", "exit 3"}, &nExit));
+    EXPECT_EQ(nExit, 3);
+    std::string szError;
+    bool bMissing = false;
+    EXPECT_FALSE(LProcess::Run({"sonitra-no-such-program"}, &nExit, &szError, &bMissing));
+    EXPECT_TRUE(bMissing);
+    EXPECT_NE(szError.find("sonitra-no-such-program"), std::string::npos);
+}
+
+TEST(TextToSpeech, SpeaksIntoAWavFile)
+{
+    if (!HaveTool("espeak-ng"))
+        GTEST_SKIP() << "espeak-ng is not installed";
+    TempDir dir;
+    const std::string szWav = dir.File("speech; $(x).wav");
+    std::string szError;
+    // A text that looks like options is still only text.
+    ASSERT_TRUE(LTextToSpeech::Speak("-v de --help Hello there.", "en", 200, szWav, szError)) << szError;
+    EXPECT_GT(std::filesystem::file_size(szWav), 10000u);
+    EXPECT_FALSE(std::filesystem::exists(szWav + ".txt"));
+}
+
+TEST(TextToSpeech, RefusesBadRequestsAndSaysWhenTheProgramIsMissing)
+{
+    TempDir dir;
+    std::string szError;
+    EXPECT_FALSE(LTextToSpeech::Speak("  \n", "en", 175, dir.File("a.wav"), szError));
+    EXPECT_EQ(szError, "Type or paste the text to speak.");
+    EXPECT_FALSE(LTextToSpeech::Speak("Hi", "--help", 175, dir.File("a.wav"), szError));
+    EXPECT_FALSE(LTextToSpeech::Speak("Hi", "en", 20, dir.File("a.wav"), szError));
+    EXPECT_TRUE(LTextToSpeech::IsVoiceName("en-us+f3"));
+    EXPECT_FALSE(LTextToSpeech::IsVoiceName("en us"));
+    const char* szPath = std::getenv("PATH");
+    const std::string szOld = szPath ? szPath : "";
+    setenv("PATH", dir.Path().c_str(), 1);
+    const bool bSpoke = LTextToSpeech::Speak("Hi", "en", 175, dir.File("a.wav"), szError);
+    setenv("PATH", szOld.c_str(), 1);
+    EXPECT_FALSE(bSpoke);
+    EXPECT_EQ(szError, LTextToSpeech::kMsgMissing);
+}
