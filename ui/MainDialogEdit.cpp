@@ -68,6 +68,7 @@ void MainDialog::CmUndo()
     UpdateUndoMenuItem();
     UpdateMenuStates();
     UpdateTimeFields();
+    NoteChange();
 }
 
 void MainDialog::CmCut()

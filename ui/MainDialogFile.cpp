@@ -133,6 +133,7 @@ LEdFileWindow* MainDialog::AddFileToList(std::unique_ptr<LEdFile> pFile, const s
     pSub->show();
     pMdi->setActiveSubWindow(pSub);
     OnSubWindowActivated(pSub);
+    NoteChange();
     return pWindow;
 }
 
@@ -159,6 +160,7 @@ bool MainDialog::QueryCloseFile(LEdFileWindow* pWindow)
 void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
 {
     pTransport->ForgetWindow(pWindow);
+    ForgetBookmarksOf(pWindow);
     for (QMdiSubWindow* pSub : pMdi->subWindowList()) {
         if (pSub->widget() != pWindow)
             continue;
@@ -167,6 +169,7 @@ void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
         pSub->deleteLater();
     }
     OnSubWindowActivated(pMdi->currentSubWindow());
+    NoteChange();
 }
 
 bool MainDialog::CloseAllFiles()
@@ -221,6 +224,7 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
     }
     pWindow->GetFile().SetModified(false);
     pWindow->setWindowTitle(pWindow->Caption());
+    NoteChange();
     return true;
 }
 
@@ -257,6 +261,7 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
     }
     const std::string szOldPath = pWindow->GetPath();
     const std::string szOldName = pWindow->GetName();
+    const std::string szOldKey = FileKey(pWindow);
     const LAudioEncoding oldEncoding = pWindow->GetSaveEncoding();
     pWindow->SetPath(szNew);
     pWindow->SetSaveEncoding(encoding);
@@ -268,6 +273,7 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
     recent.Add(szNew, static_cast<int64_t>(std::time(nullptr)));
     RebuildRecentMenu();
     SetWindowCaption();
+    RekeyBookmarks(szOldKey, szNew);
     return true;
 }
 
