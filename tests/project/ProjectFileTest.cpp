@@ -85,6 +85,16 @@ TEST(ProjectRecords, ARegionIs528BytesAndDescribesItselfWithTimes)
     EXPECT_TRUE(r.bAssemble);
 }
 
+TEST(ProjectRecords, ARegionOfAnyRateAndLengthDescribesItselfWithoutOverflow)
+{
+    LEdRegion r;
+    r.SetName("odd");
+    r.pDoc->SetFormat(1, 1);
+    r.sStart = -2000000000;
+    r.sEnd = 2000000000;
+    EXPECT_EQ(r.Describe(), "odd@-596:31:23.647-596:31:23.647");
+}
+
 class ProjectFileTest : public ProjectTest
 {
 };
