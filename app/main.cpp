@@ -7,6 +7,7 @@
 #include "platform/qtcore/LQtNotifyPoster.h"
 #include "platform/qtcore/LQtSettingsStore.h"
 #include "ui/LInstanceChannel.h"
+#include "ui/LTestScript.h"
 #include "ui/MainDialog.h"
 #include "work/LSystemLockMutex.h"
 
@@ -31,15 +32,21 @@ int main(int argc, char** argv)
     if (LInstanceChannel::SendToRunning(szChannel, files))
         return 0;
 
+    std::unique_ptr<LTestScript> pScript = LTestScript::FromEnvironment();
+    if (pScript)
+        pScript->InstallPrompts();
     MainDialog frame;
     frame.show();
     LInstanceChannel channel;
     QObject::connect(&channel, &LInstanceChannel::FilesReceived, &frame, &MainDialog::HandOver);
     channel.Listen(szChannel);
     runMutex.Unlock();
+    frame.StartRecovery();
 
     for (const QString& s : files)
         frame.LoadFile(s.toStdString());
+    if (pScript)
+        pScript->Start(frame);
     const int nResult = app.exec();
     LSettings::SetStore(nullptr);
     return nResult;

@@ -62,12 +62,17 @@ LAudioCutTank::~LAudioCutTank()
     Sweep();
 }
 
-std::string LAudioCutTank::DefaultFolder()
+std::string LAudioCutTank::DefaultBase()
 {
     std::string szBase = LSettings::GetString("Folders", "WorkingFolder");
     if (szBase.empty())
         szBase = CacheBase() + "/sonitra";
-    szBase = WithSeparator(szBase);
+    return WithSeparator(szBase);
+}
+
+std::string LAudioCutTank::DefaultFolder()
+{
+    const std::string szBase = DefaultBase();
     const std::string szPrefix = FolderPrefix();
     SweepAbandoned(szBase, szPrefix);
     return WithSeparator(szBase + szPrefix + std::to_string(::getpid()));
@@ -95,6 +100,8 @@ void LAudioCutTank::SweepAbandoned(const std::string& szBase, const std::string&
         const pid_t pid = static_cast<pid_t>(std::stol(szPid));
         if (pid == ::getpid() || ::kill(pid, 0) == 0 || errno != ESRCH)
             continue;
+        if (LFile::Exists((it->path() / kKeepMarker).string()))
+            continue; // the editor offers to recover it, and sweeps it then
         LTRACE("LAudioCutTank::SweepAbandoned %s", szName.c_str());
         auto pAbandoned = std::make_unique<LAudioCutTank>(it->path().string());
         pAbandoned->bOwnsFolder = true;

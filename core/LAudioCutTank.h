@@ -49,12 +49,19 @@ public:
     // Deletes every "*.aud" and "*.grf" file in the working folder; false when one could not go.
     bool Sweep();
 
+    // Where the program's per-process folders go ("Folders"/"WorkingFolder" or the cache), with
+    // a separator, and how their names begin ("segments-<host>-"; the process id follows).
+    // A folder left by a run that ended abnormally is swept at the next start unless it holds
+    // a file named kKeepMarker (the editor's recovery project), which the editor deals with.
+    static std::string DefaultBase();
+    static std::string FolderPrefix();
+    static constexpr const char* kKeepMarker = "recovery.snp";
+
 private:
     LAudioCutTank();
     std::string SegmentPath(uint16_t nRef, const char* szExt);
     void DeleteSegmentFiles(uint16_t nRef);
     static std::string DefaultFolder();
-    static std::string FolderPrefix();
     static void SweepAbandoned(const std::string& szBase, const std::string& szPrefix);
 
     std::mutex mtxFolder;

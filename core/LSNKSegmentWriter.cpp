@@ -35,6 +35,10 @@ LSNKSegmentWriter::LSNKSegmentWriter(LCutListAudio* pTargetDoc, int32_t nRate, u
         return;
     }
     cut = LAudioCut::Adopt(nRef, 0, kGainUnity, 0);
+    // Old files under the number are unlinked rather than emptied: one may be a hard link that a
+    // saved project still holds.
+    LFile::Delete(tank.GetAudFilePath(cut.nRef));
+    LFile::Delete(tank.GetGrfFilePath(cut.nRef));
     if (!fileAud.Open(tank.GetAudFilePath(cut.nRef), LFile::ReadWriteCreate) ||
         !fileGrf.Open(tank.GetGrfFilePath(cut.nRef), LFile::ReadWriteCreate)) {
         LTRACE("LSNKSegmentWriter::LSNKSegmentWriter cannot create segment %u", cut.nRef);

@@ -1,6 +1,8 @@
 #include "core/LSoundTime.h"
 
+#include <algorithm>
 #include <cctype>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
@@ -13,7 +15,11 @@ void LSoundTime::SetSamples(int32_t sSamples, int32_t nSampleRate)
         nMilliseconds = 0;
         return;
     }
-    nMilliseconds = (sSamples / nSampleRate) * 1000 + ((sSamples % nSampleRate) * 1000) / nSampleRate;
+    // Worked in 64 bits: a very low rate (files read from outside may claim any) must not
+    // overflow; times beyond the 32-bit range are held at its ends.
+    const int64_t nMs = static_cast<int64_t>(sSamples / nSampleRate) * 1000 +
+                        (static_cast<int64_t>(sSamples % nSampleRate) * 1000) / nSampleRate;
+    nMilliseconds = static_cast<int32_t>(std::clamp<int64_t>(nMs, -INT32_MAX, INT32_MAX));
 }
 
 int32_t LSoundTime::MsToSamples(int32_t nMs, int32_t nSampleRate)

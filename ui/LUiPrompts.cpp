@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 
 #include "ui/LSaveFormatOptions.h"
@@ -60,6 +61,15 @@ QString LQtUiPrompts::GetSaveFileName(QWidget* pParent, const QString& szTitle, 
     // The replace question is asked by the editor itself, with its own words.
     return QFileDialog::getSaveFileName(pParent, szTitle, szFolder, szFilter, nullptr,
                                         QFileDialog::DontConfirmOverwrite);
+}
+
+bool LQtUiPrompts::AskText(QWidget* pParent, const QString& szCaption, const QString& szLabel, QString& szText)
+{
+    bool bOk = false;
+    const QString s = QInputDialog::getText(pParent, szCaption, szLabel, QLineEdit::Normal, szText, &bOk);
+    if (bOk)
+        szText = s;
+    return bOk;
 }
 
 bool LQtUiPrompts::AskNumber(QWidget* pParent, const QString& szCaption, const QString& szLabel, double& fValue,

@@ -39,6 +39,12 @@ public:
     virtual QString GetSaveFileName(QWidget* pParent, const QString& szTitle, const QString& szFolder,
                                     const QString& szFilter) = 0;
 
+    // A line of text from the user, starting from szText; false when cancelled (scripted
+    // prompts cancel unless they say otherwise).
+    virtual bool AskText(QWidget* pParent, const QString& szCaption, const QString& szLabel, QString& szText)
+    {
+        return false;
+    }
     // A number from the user; false when cancelled.
     virtual bool AskNumber(QWidget* pParent, const QString& szCaption, const QString& szLabel, double& fValue,
                            double fMin, double fMax, int nDecimals) = 0;
@@ -70,6 +76,7 @@ public:
                                  const QString& szFilter) override;
     QString GetSaveFileName(QWidget* pParent, const QString& szTitle, const QString& szFolder,
                             const QString& szFilter) override;
+    bool AskText(QWidget* pParent, const QString& szCaption, const QString& szLabel, QString& szText) override;
     bool AskNumber(QWidget* pParent, const QString& szCaption, const QString& szLabel, double& fValue, double fMin,
                    double fMax, int nDecimals) override;
     bool AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans) override;

@@ -16,6 +16,8 @@
 #include "core/LEdFile.h"
 #include "core/LSettings.h"
 #include "core/LTrace.h"
+#include "project/LProjectSegments.h"
+#include "project/LRecovery.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LQtProgressHost.h"
@@ -141,6 +143,7 @@ void MainDialog::EndModifyCurrentFile(int32_t sPosition, int32_t nPreRoll)
     UpdateUndoMenuItem();
     UpdateMenuStates();
     UpdateTimeFields();
+    NoteChange();
     if (bPlay)
         pTransport->Play(true);
 }
@@ -183,6 +186,10 @@ bool MainDialog::IsCommandEnabled(int nId) const
     int32_t sStart = 0, sEnd = 0;
     const bool bSel = GetSelection(sStart, sEnd);
     const bool bBusy = pTransport->IsRecording();
+    bool bProjectCommand = false;
+    const bool bProjectEnabled = IsProjectCommandEnabled(nId, bProjectCommand);
+    if (bProjectCommand)
+        return bProjectEnabled && !bBusy;
     if (nId >= CmRecentFirstId && nId <= CmRecentLastId)
         return !bBusy;
     switch (nId) {
@@ -268,7 +275,8 @@ bool MainDialog::Command(int nId)
         LTRACE("MainDialog::Command %d not available", nId);
         return false;
     }
-    if (CmFile(nId) || CmEdit(nId) || CmControl(nId) || CmWindow(nId) || CmEffect(nId) || CmTools(nId))
+    if (CmFile(nId) || CmEdit(nId) || CmControl(nId) || CmWindow(nId) || CmEffect(nId) || CmTools(nId) ||
+        CmProject(nId))
         return true;
     LTRACE("MainDialog::Command %d has no handler", nId);
     return false;
@@ -308,10 +316,11 @@ void MainDialog::closeEvent(QCloseEvent* pEvent)
 {
     if (pTransport->IsRecording())
         pTransport->Stop();
-    if (!CloseAllFiles()) {
+    if (!QueryCloseProject() || !CloseAllFiles()) {
         pEvent->ignore();
         return;
     }
+    StopRecovery();
     const char* const kPlace = "MainWindow";
     LSettings::SetBool(kPlace, "Maximized", isMaximized());
     LSettings::SetInt(kPlace, "Width", normalGeometry().width());

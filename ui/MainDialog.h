@@ -7,13 +7,20 @@
 #include <QMainWindow>
 
 #include <map>
+#include <set>
+#include <vector>
 #include <memory>
 #include <string>
 
 #include "core/LCutListAudio.h"
+#include "project/LEdBookMark.h"
+#include "project/LEdRegion.h"
 #include "ui/LRecentFiles.h"
 
 class LEdFile;
+class LEdProject;
+class LProjectSegments;
+class LRecoveryLock;
 class QDialog;
 class LEdFileWindow;
 class LQtProgressHostFactory;
@@ -86,6 +93,36 @@ public:
     void SetWindowCaption();
     void UpdateTimeFields();
 
+    // Projects, bookmarks and regions (MainDialogProject.cpp).
+    // Opens a project in place of the current one; false (the user told why) when it cannot.
+    bool OpenProject(const std::string& szPath);
+    // Saves everything open as the project at szPath, which becomes the current project.
+    bool SaveProjectTo(const std::string& szPath);
+    // Asks "Save changes to current project?" when it has changed; false when the user cancels.
+    bool QueryCloseProject();
+    bool CloseProject();
+    const std::string& GetProjectPath() const { return szProjectPath; }
+    std::vector<LEdBookMark>& GetBookmarks() { return vBookmarks; }
+    std::vector<LEdRegion>& GetRegions() { return vRegions; }
+    // Makes the bookmark's (or region's) file current, opening it when needed, and moves there.
+    bool GoToBookmark(size_t nIndex);
+    bool GoToRegion(size_t nIndex);
+    // A bookmark or region changed by a list: its file's bookmark list is saved.
+    void BookmarksChanged(const std::string& szKey);
+    void RegionsChanged();
+    // A new document of the regions marked for it, in order, with "AutoGapTime" ms of silence
+    // between them when "AutoGap" is set; null when there is none.
+    LCutListAudioPtr AssembleRegions();
+    // What bookmarks and regions call a file: its path, or its name while it has none.
+    static std::string FileKey(const LEdFileWindow* pWindow);
+
+    // Recovery after a crash: offers the documents of sessions that ended abnormally, then keeps
+    // a recovery project of this one, rewritten after every finished change.
+    void StartRecovery();
+    void WriteRecovery();
+    // A change the project and the recovery project must follow.
+    void NoteChange();
+
 signals:
     void CurrentFileChanged();
 
@@ -140,6 +177,23 @@ private:
     LCutListAudioPtr ReadFileConformed(const std::string& szPath, int32_t nRate, uint8_t nChans);
     LCutListAudioPtr ConformDocument(const LCutListAudio& other, int32_t nRate, uint8_t nChans);
 
+    // MainDialogProject.cpp
+    bool CmProject(int nId);
+    bool IsProjectCommandEnabled(int nId, bool& bKnown) const;
+    void CmOpenProject();
+    void CmSaveProject();
+    void CmSaveProjectAs();
+    void CmSetBookmark();
+    void CmAddRegion();
+    void CmAssembleRegions();
+    void CollectProject(LEdProject& project) const;
+    void AddProjectFiles(LEdProject& project, bool bRecovered);
+    void LoadBookmarksFor(LEdFileWindow* pWindow);
+    void ForgetBookmarksOf(LEdFileWindow* pWindow);
+    void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey);
+    LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
+    void StopRecovery();
+
     // MainDialogClipboard.cpp
     bool RenderToWindowClipboard();
     void CmPasteFromClipboard();
@@ -189,4 +243,12 @@ private:
     bool bClosing = false;
     QStringList lstHandedOver;
     bool bLoadingHandedOver = false;
+    std::string szProjectPath;
+    std::unique_ptr<LProjectSegments> pProjectSegments;
+    bool bProjectChanged = false;
+    std::vector<LEdBookMark> vBookmarks;
+    std::vector<LEdRegion> vRegions;
+    std::set<std::string> setBookmarksRead; // files whose bookmark list has been read
+    std::unique_ptr<LRecoveryLock> pRecoveryLock;
+    std::string szRecoveryPath;
 };

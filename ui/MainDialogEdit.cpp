@@ -69,6 +69,7 @@ void MainDialog::CmUndo()
     UpdateUndoMenuItem();
     UpdateMenuStates();
     UpdateTimeFields();
+    NoteChange();
 }
 
 void MainDialog::CmCut()

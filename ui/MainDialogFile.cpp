@@ -139,6 +139,7 @@ LEdFileWindow* MainDialog::AddFileToList(std::unique_ptr<LEdFile> pFile, const s
     pSub->show();
     pMdi->setActiveSubWindow(pSub);
     OnSubWindowActivated(pSub);
+    NoteChange();
     return pWindow;
 }
 
@@ -165,6 +166,7 @@ bool MainDialog::QueryCloseFile(LEdFileWindow* pWindow)
 void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
 {
     pTransport->ForgetWindow(pWindow);
+    ForgetBookmarksOf(pWindow);
     for (QMdiSubWindow* pSub : pMdi->subWindowList()) {
         if (pSub->widget() != pWindow)
             continue;
@@ -173,6 +175,7 @@ void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
         pSub->deleteLater();
     }
     OnSubWindowActivated(pMdi->currentSubWindow());
+    NoteChange();
 }
 
 bool MainDialog::CloseAllFiles()
@@ -230,6 +233,7 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
     }
     pWindow->GetFile().SetModified(false);
     pWindow->setWindowTitle(pWindow->Caption());
+    NoteChange();
     return true;
 }
 
@@ -266,6 +270,7 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
     }
     const std::string szOldPath = pWindow->GetPath();
     const std::string szOldName = pWindow->GetName();
+    const std::string szOldKey = FileKey(pWindow);
     const LAudioEncoding oldEncoding = pWindow->GetSaveEncoding();
     pWindow->SetPath(szNew);
     pWindow->SetSaveEncoding(encoding);
@@ -277,6 +282,7 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
     recent.Add(szNew, static_cast<int64_t>(std::time(nullptr)));
     RebuildRecentMenu();
     SetWindowCaption();
+    RekeyBookmarks(szOldKey, szNew);
     return true;
 }
 

@@ -65,6 +65,7 @@ bool MainDialog::CmWindow(int nId)
 
 void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
 {
+    LoadBookmarksFor(GetCurrentFileWindow());
     SetWindowCaption();
     UpdateMenuStates();
     UpdateTimeFields();

@@ -1,0 +1,35 @@
+// The bookmark list kept beside an audio file: the file's name with ".snm" for its extension,
+// holding a version byte (0), a count byte (the low 8 bits of the number of records) and the
+// 529-byte records.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "project/LEdBookMark.h"
+
+class LByteReader;
+
+namespace LBookmarkFile {
+
+constexpr uint8_t kVersion = 0;
+
+enum Result
+{
+    Loaded,
+    NoFile,     // there is no list beside the file (or it cannot be opened)
+    BadVersion, // the version byte is not 0: nothing is read
+};
+
+std::string PathFor(const std::string& szAudioPath);
+
+// Appends the records of the list beside the audio file. A short record ends the list and is dropped.
+Result Load(const std::string& szAudioPath, std::vector<LEdBookMark>& vOut);
+Result Read(LByteReader& in, std::vector<LEdBookMark>& vOut);
+
+// Writes the bookmarks among vAll whose path is szAudioPath; when vAll is empty the list beside
+// the file is deleted instead. False when the file cannot be written.
+bool Save(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll);
+std::vector<uint8_t> Serialize(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll);
+
+} // namespace LBookmarkFile

@@ -1,0 +1,112 @@
+#include "project/LEdProject.h"
+
+#include <set>
+
+#include "core/LTrace.h"
+#include "project/LBytes.h"
+
+std::string LEdProject::FileKey(const LEdFileEntry& entry)
+{
+    const std::string szPath = entry.GetPath();
+    return szPath.empty() ? entry.GetName() : szPath;
+}
+
+bool LEdProject::Write(LByteWriter& out, const LCutListSerial::RefOut& mapRef, void (*fnStage)(void*, Stage),
+                       void* pStageArg) const
+{
+    if (fnStage)
+        fnStage(pStageArg, StageFiles);
+    out.U8(kVersion);
+    out.U8(static_cast<uint8_t>(vFiles.size() & 0xFF));
+    for (const LEdProjectFile& f : vFiles) {
+        f.entry.Write(out);
+        if (!LCutListSerial::Write(f.pDoc ? *f.pDoc : LCutListAudio(), out, mapRef))
+            return false;
+    }
+    out.U8(nState);
+    if (fnStage)
+        fnStage(pStageArg, StageBookmarks);
+    out.U8(static_cast<uint8_t>(vBookmarks.size() & 0xFF));
+    // Grouped by file; a file open twice gets its bookmarks once.
+    std::set<std::string> setDone;
+    for (const LEdProjectFile& f : vFiles) {
+        const std::string szKey = FileKey(f.entry);
+        if (!setDone.insert(szKey).second)
+            continue;
+        for (const LEdBookMark& b : vBookmarks)
+            if (b.GetPath() == szKey)
+                b.Write(out);
+    }
+    if (fnStage)
+        fnStage(pStageArg, StageRegions);
+    out.U8(static_cast<uint8_t>(vRegions.size() & 0xFF));
+    for (const LEdRegion& r : vRegions) {
+        r.Write(out);
+        if (!LCutListSerial::Write(r.pDoc ? *r.pDoc : LCutListAudio(), out, mapRef))
+            return false;
+    }
+    return true;
+}
+
+LEdProject::ReadResult LEdProject::Read(LByteReader& in, const LCutListSerial::RefIn& mapRef, std::string* pszWhy,
+                                        void (*fnStage)(void*, Stage), void* pStageArg)
+{
+    vFiles.clear();
+    nState = kNoCurrentFile;
+    vBookmarks.clear();
+    vRegions.clear();
+    auto damaged = [pszWhy](const std::string& szWhy) {
+        LTRACE("LEdProject::Read %s", szWhy.c_str());
+        if (pszWhy)
+            *pszWhy = szWhy;
+        return ReadDamaged;
+    };
+    uint8_t nVersion = 0;
+    if (!in.U8(nVersion))
+        return damaged("empty file");
+    if (nVersion != kVersion)
+        return ReadBadVersion;
+    if (fnStage)
+        fnStage(pStageArg, StageFiles);
+    uint8_t nFiles = 0;
+    if (!in.U8(nFiles))
+        return damaged("no file count");
+    for (unsigned i = 0; i < nFiles; ++i) {
+        LEdProjectFile f;
+        f.pDoc = new LCutListAudio;
+        std::string szWhy;
+        if (!f.entry.Read(in))
+            return damaged("file entry cut short");
+        if (!LCutListSerial::Read(in, *f.pDoc, mapRef, &szWhy))
+            return damaged(szWhy);
+        vFiles.push_back(std::move(f));
+    }
+    if (!in.U8(nState))
+        return damaged("no state");
+    if (fnStage)
+        fnStage(pStageArg, StageBookmarks);
+    uint8_t nBookmarks = 0;
+    if (!in.U8(nBookmarks))
+        return damaged("no bookmark count");
+    for (unsigned i = 0; i < nBookmarks; ++i) {
+        LEdBookMark b;
+        if (!b.Read(in))
+            return ReadDone; // a short record ends the list and is dropped
+        vBookmarks.push_back(b);
+    }
+    if (fnStage)
+        fnStage(pStageArg, StageRegions);
+    uint8_t nRegions = 0;
+    if (!in.U8(nRegions))
+        return ReadDone;
+    for (unsigned i = 0; i < nRegions; ++i) {
+        LEdRegion r;
+        std::string szWhy;
+        if (!r.Read(in))
+            return damaged("region cut short");
+        if (!LCutListSerial::Read(in, *r.pDoc, mapRef, &szWhy))
+            return damaged(szWhy);
+        vRegions.push_back(std::move(r));
+    }
+    return ReadDone;
+}

@@ -1,0 +1,99 @@
+// The project and bookmarks verbs: a project made of audio files lists and renders its documents
+// after the files it was made from are gone; bookmark lists beside audio files are listed.
+#include <gtest/gtest.h>
+
+#include "formats/LAudioFile.h"
+#include "project/LBookmarkFile.h"
+#include "support/TestSupport.h"
+
+using testsupport::RunCommand;
+using testsupport::TempDir;
+using testsupport::WriteFileBytes;
+using testsupport::WriteSimpleWav;
+
+namespace {
+int Cli(const std::string& szArgs, std::string* pOutput = nullptr)
+{
+    std::string szOut;
+    const int nExit = RunCommand("'" SONITRA_CLI_PATH "' " + szArgs + " 2>&1", &szOut);
+    if (pOutput)
+        *pOutput = szOut;
+    return nExit;
+}
+
+std::vector<int32_t> FileSamples(const std::string& szPath)
+{
+    LSoundSourcePtr p = LAudioFile::OpenSource(szPath);
+    std::vector<int32_t> v(static_cast<size_t>(p->GetLength()) * p->GetChannels());
+    if (!v.empty())
+        p->Read(v.data(), p->GetLength());
+    return v;
+}
+
+std::vector<int32_t> Ramp(int nSamples, int nStep)
+{
+    std::vector<int32_t> v(nSamples);
+    for (int i = 0; i < nSamples; ++i)
+        v[i] = ((i * nStep) % 60000) - 30000;
+    return v;
+}
+} // namespace
+
+TEST(ProjectCli, AProjectListsAndRendersItsDocumentsWithoutItsSourceFiles)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("a.wav"), 8000, 1, 16, Ramp(16000, 3));
+    WriteSimpleWav(dir.File("b.wav"), 11025, 2, 16, Ramp(2 * 11025, 7));
+    const std::vector<int32_t> vA = FileSamples(dir.File("a.wav"));
+    const std::vector<int32_t> vB = FileSamples(dir.File("b.wav"));
+    std::string szOut;
+    ASSERT_EQ(Cli("project new " + dir.File("p.snp") + " " + dir.File("a.wav") + " " + dir.File("b.wav") +
+                      " --bookmark 1@0.5=Start --bookmark 2@1=Mid --region 1@0.25-1.5=Hook",
+                  &szOut),
+              0)
+        << szOut;
+    ASSERT_EQ(std::remove(dir.File("a.wav").c_str()), 0);
+    ASSERT_EQ(std::remove(dir.File("b.wav").c_str()), 0);
+    ASSERT_EQ(Cli("project info " + dir.File("p.snp"), &szOut), 0) << szOut;
+    EXPECT_NE(szOut.find("file 1: " + dir.File("a.wav") + ", 8000 Hz, 1 channel, 16000 frames, 0:00:02.000"),
+              std::string::npos)
+        << szOut;
+    EXPECT_NE(szOut.find("file 2: " + dir.File("b.wav") + ", 11025 Hz, 2 channels, 11025 frames"), std::string::npos);
+    EXPECT_NE(szOut.find("bookmark: Start, 0:00:00.500, visited 1"), std::string::npos) << szOut;
+    EXPECT_NE(szOut.find("bookmark: Mid, 0:00:01.000, visited 1"), std::string::npos) << szOut;
+    EXPECT_NE(szOut.find("region: Hook@0:00:00.250-0:00:01.500"), std::string::npos) << szOut;
+
+    ASSERT_EQ(Cli("project render " + dir.File("p.snp") + " 1 " + dir.File("a2.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(Cli("project render " + dir.File("p.snp") + " 2 " + dir.File("b2.wav"), &szOut), 0) << szOut;
+    EXPECT_EQ(FileSamples(dir.File("a2.wav")), vA);
+    EXPECT_EQ(FileSamples(dir.File("b2.wav")), vB);
+    EXPECT_EQ(Cli("project render " + dir.File("p.snp") + " 3 " + dir.File("c.wav"), &szOut), 2);
+}
+
+TEST(ProjectCli, AWrongVersionAndBadUsageAreRefused)
+{
+    TempDir dir;
+    WriteFileBytes(dir.File("old.snp"), {7, 0, 255, 0, 0});
+    std::string szOut;
+    EXPECT_EQ(Cli("project info " + dir.File("old.snp"), &szOut), 2);
+    EXPECT_NE(szOut.find("does not have the same version"), std::string::npos) << szOut;
+    EXPECT_EQ(Cli("project new " + dir.File("x.snp"), &szOut), 64);
+    EXPECT_EQ(Cli("project new " + dir.File("x.snp") + " a.wav --bookmark 2@1=X", &szOut), 64);
+    EXPECT_EQ(Cli("project frobnicate", &szOut), 64);
+}
+
+TEST(BookmarksCli, ListsTheBookmarksBesideAnAudioFile)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("song.wav"), 8000, 1, 16, Ramp(8000, 1));
+    std::vector<LEdBookMark> v = {LEdBookMark("Intro", dir.File("song.wav"), 4000)};
+    v[0].Visit(0);
+    v[0].nLastVisited = 86400;
+    ASSERT_TRUE(LBookmarkFile::Save(dir.File("song.wav"), v));
+    std::string szOut;
+    ASSERT_EQ(Cli("bookmarks " + dir.File("song.wav"), &szOut), 0) << szOut;
+    EXPECT_EQ(szOut, "Intro, 0:00:00.500, visited 2, last 1970-01-02 00:00:00\n");
+    WriteFileBytes(dir.File("song.snm"), {3, 0});
+    EXPECT_EQ(Cli("bookmarks " + dir.File("song.wav"), &szOut), 2);
+    EXPECT_NE(szOut.find("does not have the same version"), std::string::npos);
+}

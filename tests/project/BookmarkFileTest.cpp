@@ -1,0 +1,141 @@
+// Bookmark records and the bookmark list beside an audio file.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "project/LBookmarkFile.h"
+#include "project/LBytes.h"
+#include "support/TestSupport.h"
+
+using testsupport::ReadFileBytes;
+using testsupport::TempDir;
+using testsupport::WriteFileBytes;
+
+namespace {
+std::vector<uint8_t> RecordBytes(const LEdBookMark& b)
+{
+    LByteWriter out;
+    b.Write(out);
+    return out.Bytes();
+}
+} // namespace
+
+TEST(BookmarkRecord, LaysOutItsFieldsPackedLittleEndian)
+{
+    LEdBookMark b("Chorus", "/music/song.wav", 0x01020304);
+    b.nTimesVisited = 7;
+    b.nLastVisited = 0xA0B0C0D0;
+    const std::vector<uint8_t> v = RecordBytes(b);
+    ASSERT_EQ(v.size(), LEdBookMark::kRecordSize);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&v[0])), "Chorus");
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&v[260])), "/music/song.wav");
+    EXPECT_EQ(v[520], 0x04);
+    EXPECT_EQ(v[523], 0x01);
+    EXPECT_EQ(v[524], 7);
+    EXPECT_EQ(v[525], 0xD0);
+    EXPECT_EQ(v[528], 0xA0);
+}
+
+TEST(BookmarkRecord, ANewBookmarkHasBeenVisitedOnceAndNeverStamped)
+{
+    LEdBookMark b("x", "/a.wav", 5);
+    EXPECT_EQ(b.nTimesVisited, 1);
+    EXPECT_EQ(b.nLastVisited, 0u);
+    b.Visit(1234);
+    EXPECT_EQ(b.nTimesVisited, 2);
+    EXPECT_EQ(b.nLastVisited, 1234u);
+    b.nTimesVisited = 255;
+    b.Visit(1);
+    EXPECT_EQ(b.nTimesVisited, 255) << "the count stays at its top";
+}
+
+TEST(BookmarkList, RoundTripsByteForByteIncludingBytesAfterTheTerminators)
+{
+    TempDir dir;
+    std::vector<uint8_t> bytes = {0, 2};
+    for (int r = 0; r < 2; ++r) {
+        std::vector<uint8_t> rec(529);
+        for (size_t i = 0; i < rec.size(); ++i)
+            rec[i] = static_cast<uint8_t>(i * 7 + r);
+        const char szPath[] = "/x/song.wav";
+        std::memcpy(&rec[260], szPath, sizeof(szPath));
+        rec[259] = 0;
+        rec[519] = 0;
+        bytes.insert(bytes.end(), rec.begin(), rec.end());
+    }
+    WriteFileBytes(dir.File("song.snm"), bytes);
+    std::vector<LEdBookMark> v;
+    ASSERT_EQ(LBookmarkFile::Load(dir.File("song.wav"), v), LBookmarkFile::Loaded);
+    ASSERT_EQ(v.size(), 2u);
+    EXPECT_EQ(LBookmarkFile::Serialize("/x/song.wav", v), bytes);
+}
+
+TEST(BookmarkList, AnUnterminatedNameReadsBackEndedAtByte259)
+{
+    std::vector<uint8_t> bytes = {0, 1};
+    std::vector<uint8_t> rec(529, 'A');
+    bytes.insert(bytes.end(), rec.begin(), rec.end());
+    std::vector<LEdBookMark> v;
+    LByteReader in(bytes.data(), bytes.size());
+    ASSERT_EQ(LBookmarkFile::Read(in, v), LBookmarkFile::Loaded);
+    ASSERT_EQ(v.size(), 1u);
+    EXPECT_EQ(v[0].GetName(), std::string(259, 'A'));
+    EXPECT_EQ(v[0].GetPath(), std::string(259, 'A'));
+    EXPECT_EQ(v[0].szName[259], '\0');
+}
+
+TEST(BookmarkList, AWrongVersionLoadsNothing)
+{
+    std::vector<uint8_t> bytes = {1, 1};
+    std::vector<uint8_t> rec(529, 0);
+    bytes.insert(bytes.end(), rec.begin(), rec.end());
+    std::vector<LEdBookMark> v;
+    LByteReader in(bytes.data(), bytes.size());
+    EXPECT_EQ(LBookmarkFile::Read(in, v), LBookmarkFile::BadVersion);
+    EXPECT_TRUE(v.empty());
+}
+
+TEST(BookmarkList, CountZeroAndShortRecordsLoadWhatIsWhole)
+{
+    std::vector<LEdBookMark> v;
+    const std::vector<uint8_t> empty = {0, 0, 'j', 'u', 'n', 'k'};
+    LByteReader in(empty.data(), empty.size());
+    EXPECT_EQ(LBookmarkFile::Read(in, v), LBookmarkFile::Loaded);
+    EXPECT_TRUE(v.empty());
+
+    std::vector<uint8_t> shortList = {0, 3};
+    shortList.resize(2 + 529 + 100, 0);
+    LByteReader in2(shortList.data(), shortList.size());
+    EXPECT_EQ(LBookmarkFile::Read(in2, v), LBookmarkFile::Loaded);
+    EXPECT_EQ(v.size(), 1u) << "the short second record is dropped";
+}
+
+TEST(BookmarkList, CountsAbove255WrapWhileEveryRecordIsWritten)
+{
+    TempDir dir;
+    const std::string szAudio = dir.File("long.wav");
+    std::vector<LEdBookMark> v;
+    for (int i = 0; i < 300; ++i)
+        v.emplace_back("b" + std::to_string(i), szAudio, i * 10);
+    ASSERT_TRUE(LBookmarkFile::Save(szAudio, v));
+    const std::vector<uint8_t> bytes = ReadFileBytes(dir.File("long.snm"));
+    ASSERT_EQ(bytes.size(), 2u + 300u * 529u);
+    EXPECT_EQ(bytes[1], 300 & 0xFF);
+    std::vector<LEdBookMark> back;
+    ASSERT_EQ(LBookmarkFile::Load(szAudio, back), LBookmarkFile::Loaded);
+    ASSERT_EQ(back.size(), 44u) << "the wrapped count reads back short";
+    EXPECT_EQ(back[43].GetName(), "b43");
+}
+
+TEST(BookmarkList, AFileWithNoBookmarksOfItsOwnGetsCountZeroAndAnEmptyListDeletesIt)
+{
+    TempDir dir;
+    const std::string szMine = dir.File("mine.wav");
+    std::vector<LEdBookMark> v = {LEdBookMark("other", dir.File("other.wav"), 3)};
+    ASSERT_TRUE(LBookmarkFile::Save(szMine, v));
+    EXPECT_EQ(ReadFileBytes(dir.File("mine.snm")), (std::vector<uint8_t>{0, 0}));
+    ASSERT_TRUE(LBookmarkFile::Save(szMine, {}));
+    EXPECT_FALSE(LFile::Exists(dir.File("mine.snm")));
+    std::vector<LEdBookMark> back;
+    EXPECT_EQ(LBookmarkFile::Load(szMine, back), LBookmarkFile::NoFile);
+}
