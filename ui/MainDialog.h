@@ -70,6 +70,9 @@ public:
     bool CmEffect(int nCommandId);
     bool IsEffectCommandEnabled(int nCommandId) const;
 
+    // Tools > Batch Converter; filled in by MainDialogBatch.cpp.
+    bool CmBatchConverter(int nId);
+
     // Runs a file name handed over by a second start of the program.
     void EvLoad(const QString& szPath);
 
