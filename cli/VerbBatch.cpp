@@ -178,12 +178,15 @@ bool RunHere(const Request& req, const std::vector<CommandDataItem>& vScript, st
              LFilesBar* pBar)
 {
     LInterruptOnlyFactory quiet;
+    std::vector<std::string> vWhy;
+    const std::vector<std::string> vOutputs = EdBatchConverter::OutputPathsFor(req.vFiles, req.output, vWhy);
     for (size_t i = 0; i < req.vFiles.size(); ++i) {
         LBatchResult& r = vResults[i];
         r.szInput = req.vFiles[i];
-        r.szOutput = EdBatchConverter::OutputPathFor(r.szInput, req.output);
+        r.szOutput = vOutputs[i];
+        r.szError = vWhy[i];
         LPRConvertOne proc(vScript, r, req.output.encoding);
-        const int32_t nResult = proc.Run(&quiet);
+        const int32_t nResult = r.szOutput.empty() ? LProgressDialog::ResultError : proc.Run(&quiet);
         if (nResult == LProgressDialog::ResultCancelled || LTerminalProgressHostFactory::InterruptRequested())
             return false;
         r.bOk = nResult == LProgressDialog::ResultDone;
@@ -216,13 +219,24 @@ bool RunInWorkers(const Request& req, std::vector<LBatchResult>& vResults, LFile
 {
     const size_t nWorkers = std::min<size_t>(static_cast<size_t>(req.nJobs), req.vFiles.size());
     std::vector<Worker> vWorkers(nWorkers);
+    std::vector<std::string> vWhy;
+    const std::vector<std::string> vOutputs = EdBatchConverter::OutputPathsFor(req.vFiles, req.output, vWhy);
+    size_t nNext = 0;
     for (size_t i = 0; i < req.vFiles.size(); ++i) {
         vResults[i].szInput = req.vFiles[i];
-        vResults[i].szOutput = EdBatchConverter::OutputPathFor(req.vFiles[i], req.output);
+        vResults[i].szOutput = vOutputs[i];
+        if (vOutputs[i].empty()) {
+            // Never handed to a worker, whose own check could not see the other files.
+            vResults[i].szError = vWhy[i];
+            bar.FileDone(false);
+            continue;
+        }
         vResults[i].szError = "not converted: the worker process ended early";
-        vWorkers[i % nWorkers].vIndex.push_back(i);
+        vWorkers[nNext++ % nWorkers].vIndex.push_back(i);
     }
     for (Worker& w : vWorkers) {
+        if (w.vIndex.empty())
+            continue;
         std::vector<std::string> vArgv = {SelfPath(), "batch", req.szScript, "--to", req.output.szExtension, "--jobs", "1", "--worker"};
         if (!req.output.szFolder.empty()) {
             vArgv.push_back("--out");

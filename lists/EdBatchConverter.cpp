@@ -44,6 +44,26 @@ std::string EdBatchConverter::OutputPathFor(const std::string& szInput, const LB
     return LFile::FilePathCat(szOut, szFolder, szName) ? szOut : "";
 }
 
+std::vector<std::string> EdBatchConverter::OutputPathsFor(const std::vector<std::string>& vInputs,
+                                                          const LBatchOutput& output, std::vector<std::string>& vWhy)
+{
+    std::vector<std::string> vPaths;
+    vWhy.assign(vInputs.size(), "");
+    for (size_t i = 0; i < vInputs.size(); ++i) {
+        std::string szOut = OutputPathFor(vInputs[i], output);
+        for (size_t k = 0; k < i && !szOut.empty(); ++k) {
+            if (!vPaths[k].empty() && (vPaths[k] == szOut || SameFile(vPaths[k], szOut))) {
+                vWhy[i] = "another file of this batch is written to " + szOut;
+                szOut.clear();
+            }
+        }
+        if (szOut.empty() && vWhy[i].empty())
+            vWhy[i] = "the output path is too long";
+        vPaths.push_back(szOut);
+    }
+    return vPaths;
+}
+
 bool EdBatchConverter::CheckScript(const std::vector<CommandDataItem>& vScript, std::string* pszError)
 {
     for (const CommandDataItem& item : vScript) {
@@ -106,6 +126,8 @@ int32_t EdBatchConverter::ConvertFile(LProgressDialog& dlg, const std::vector<Co
 int32_t EdBatchConverter::Process()
 {
     vResults.clear();
+    std::vector<std::string> vWhy;
+    const std::vector<std::string> vOutputs = OutputPathsFor(vFiles, output, vWhy);
     for (size_t i = 0; i < vFiles.size(); ++i) {
         SetText("Converting " + LFile::FileNameOf(vFiles[i]) + " (" + std::to_string(i + 1) + " of " +
                     std::to_string(vFiles.size()) + ")",
@@ -113,8 +135,10 @@ int32_t EdBatchConverter::Process()
         SetProgress(static_cast<double>(i) / static_cast<double>(vFiles.size()));
         LBatchResult r;
         r.szInput = vFiles[i];
-        r.szOutput = OutputPathFor(vFiles[i], output);
-        const int32_t nResult = ConvertFile(*this, vScript, r.szInput, r.szOutput, output.encoding, &r.szError);
+        r.szOutput = vOutputs[i];
+        const int32_t nResult = r.szOutput.empty()
+                                    ? (r.szError = vWhy[i], ResultError)
+                                    : ConvertFile(*this, vScript, r.szInput, r.szOutput, output.encoding, &r.szError);
         if (nResult == ResultCancelled || IsCancelled())
             return ResultCancelled;
         r.bOk = nResult == ResultDone;

@@ -39,6 +39,10 @@ public:
 
     // The output of one input: its name with the new extension, in the folder (or beside it).
     static std::string OutputPathFor(const std::string& szInput, const LBatchOutput& output);
+    // The outputs of all inputs; an input whose output an earlier one already writes gets an
+    // empty path and the reason in vWhy (so two inputs of the same name never overwrite each other).
+    static std::vector<std::string> OutputPathsFor(const std::vector<std::string>& vInputs, const LBatchOutput& output,
+                                                   std::vector<std::string>& vWhy);
     // Converts one file inside a running process. 0 done, 1 cancelled, 2 error with the reason.
     static int32_t ConvertFile(LProgressDialog& dlg, const std::vector<CommandDataItem>& vScript,
                                const std::string& szInput, const std::string& szOutput,

@@ -180,6 +180,16 @@ TEST_F(BatchCli, OneWorkerAndTwoGiveTheSameBytesAndOutputsNeverReplaceInputs)
     EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0] + " --to wav"), 2);
     EXPECT_NE(Out().find("the output would replace the input"), std::string::npos) << Out();
     EXPECT_EQ(testsupport::ReadFileBytes(vIn[0]), vBefore);
+    // Two inputs of the same name into one folder: the second is refused, not written over the first.
+    testsupport::RunCommand("mkdir -p " + dir.File("other") + " && cp " + vIn[1] + " " + dir.File("other/f0.wav"));
+    EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0] + " " + dir.File("other/f0.wav") + " " + vIn[2] + " --to wav --out " +
+                  dir.File("same") + " --jobs 2"),
+              2);
+    EXPECT_NE(Out().find("2 of 3 files converted; 1 failed:\n  " + dir.File("other/f0.wav") +
+                         ": another file of this batch is written to"),
+              std::string::npos)
+        << Out();
+    EXPECT_EQ(testsupport::ReadFileBytes(dir.File("same/f0.wav")), testsupport::ReadFileBytes(dir.File("one/f0.wav")));
     EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0] + " --to xyz"), 64);
     EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0]), 64);
     EXPECT_EQ(Cli("batch " + dir.File("missing.snb") + " " + vIn[0] + " --to wav --out " + dir.File("o")), 2);
