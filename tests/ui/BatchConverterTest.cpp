@@ -7,10 +7,12 @@
 #include <QTimer>
 #include <QtTest>
 
+#include "core/LEdFile.h"
 #include "dsp/effects/LStoredValues.h"
 #include "lists/EdBatchConverter.h"
 #include "lists/LBatchScript.h"
 #include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
 #include "ui/batch/LSelectBatchCommandDlg.h"
 #include "ui/batch/LSelectBatchFileDlg.h"
 #include "ui/batch/LSelectSaveFormatDlg.h"
@@ -19,15 +21,71 @@
 
 using namespace uitest;
 
-class BatchConverterTest : public QObject
+class BatchConverterTest : public QObject, public FrameFixture
 {
     Q_OBJECT
-private:
-    std::unique_ptr<Harness> h;
-
 private slots:
-    void init() { h = std::make_unique<Harness>(); }
-    void cleanup() { h.reset(); }
+    void init() { QVERIFY(Start()); }
+    void cleanup() { Stop(); }
+
+    // Tools > Batch Converter from start to end, on the file that is open.
+    void toolsMenuConvertsTheCurrentFile()
+    {
+        LEdFileWindow* pWindow = OpenRamp(4000);
+        QVERIFY(pWindow);
+        QVERIFY(frame->GetAction(CmBatchConverterId)->isEnabled());
+        h->prompts.answers.push_back(LUiPrompts::AnswerNo); // the new script is not kept
+        const QString szOut = h->File("converted");
+        int nStep = 0;
+        QTimer step;
+        connect(&step, &QTimer::timeout, [&] {
+            QWidget* p = QApplication::activeModalWidget();
+            if (auto* pCommands = qobject_cast<LSelectBatchCommandDlg*>(p); pCommands && nStep == 0) {
+                ++nStep;
+                pCommands->AddCommandToList(CmReverseId);
+                pCommands->accept();
+            } else if (auto* pFiles = qobject_cast<LSelectBatchFileDlg*>(p); pFiles && nStep == 1) {
+                ++nStep;
+                QCOMPARE(pFiles->GetList()->count(), 1);
+                pFiles->accept();
+            } else if (auto* pFormat = qobject_cast<LSelectSaveFormatDlg*>(p); pFormat && nStep == 2) {
+                ++nStep;
+                pFormat->GetFolder()->setText(szOut);
+                pFormat->accept();
+            }
+        });
+        step.start(10);
+        QVERIFY(frame->Command(CmBatchConverterId));
+        step.stop();
+        QCOMPARE(nStep, 3);
+        QCOMPARE(h->prompts.informs.last(), QString("Batch Converter: 1 of 1 files converted."));
+        // The file reversed, and the open file left as it was.
+        const QString szResult = szOut + "/ramp.wav";
+        QVERIFY(QFile::exists(szResult));
+        h->prompts.openNames.push_back({szResult});
+        QVERIFY(frame->Command(CmOpenId));
+        std::vector<int16_t> vReversed(vOrig.rbegin(), vOrig.rend());
+        QCOMPARE(Samples(frame->GetCurrentFileWindow()->GetFile().GetDocument()), vReversed);
+        QCOMPARE(Samples(pWindow->GetFile().GetDocument()), vOrig);
+    }
+
+    void commandsAreReorderedByDragging()
+    {
+        LSelectBatchCommandDlg dlg(nullptr);
+        QVERIFY(dlg.AddCommandToList(CmNormalizeId));
+        QVERIFY(dlg.AddCommandToList(CmHighPassId));
+        QVERIFY(dlg.AddCommandToList(CmFadeInId));
+        dlg.SaveFileTo(h->File("order.snb").toStdString());
+        QVERIFY(!dlg.IsModified());
+        // What a drop of the last row onto the first does to the list's model.
+        QVERIFY(dlg.GetList()->model()->moveRow(QModelIndex(), 2, QModelIndex(), 0));
+        const std::vector<CommandDataItem> v = dlg.GetItems();
+        QCOMPARE(v.size(), size_t(3));
+        QCOMPARE(v[0].uCommandId, uint32_t(CmFadeInId));
+        QCOMPARE(v[1].uCommandId, uint32_t(CmNormalizeId));
+        QCOMPARE(v[2].vData.size(), size_t(4));
+        QVERIFY(dlg.IsModified());
+    }
 
     void scriptIsEditedSavedAndOpenedAgain()
     {
