@@ -136,8 +136,9 @@ int32_t EdBatchConverter::Process()
         LBatchResult r;
         r.szInput = vFiles[i];
         r.szOutput = vOutputs[i];
+        r.szError = vWhy[i];
         const int32_t nResult = r.szOutput.empty()
-                                    ? (r.szError = vWhy[i], ResultError)
+                                    ? ResultError
                                     : ConvertFile(*this, vScript, r.szInput, r.szOutput, output.encoding, &r.szError);
         if (nResult == ResultCancelled || IsCancelled())
             return ResultCancelled;

@@ -67,7 +67,6 @@ bool LKeyMacroRunner::Run(const LKeyMacro& macro)
 {
     bool bAll = true;
     for (uint32_t uId : macro.vCommands) {
-        pFrame->UpdateMenuStates();
         if (uId > 100000 || !pFrame->Command(static_cast<int>(uId))) {
             LTRACE("LKeyMacroRunner::Run command %u not available", uId);
             bAll = false;
