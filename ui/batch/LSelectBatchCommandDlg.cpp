@@ -58,6 +58,9 @@ LSelectBatchCommandDlg::LSelectBatchCommandDlg(QWidget* pParent) : QDialog(pPare
     pList = new QListWidget(this);
     pList->setObjectName("BatchCommands");
     // StartDrag: the commands are reordered by dragging them.
+    pList->setDragEnabled(true);
+    pList->setAcceptDrops(true);
+    pList->setDropIndicatorShown(true);
     pList->setDragDropMode(QAbstractItemView::InternalMove);
     pList->setDefaultDropAction(Qt::MoveAction);
     connect(pList, &QListWidget::currentRowChanged, this, &LSelectBatchCommandDlg::UpdateCommandDescription);
