@@ -24,6 +24,7 @@
 #include "ui/LTimeFields.h"
 #include "ui/LTransport.h"
 #include "ui/LTransportBar.h"
+#include "ui/macros/LKeyMacroRunner.h"
 
 MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
 {
@@ -52,6 +53,7 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
             [this](int32_t sPos) { pTimeFields->SetCurrent(sPos, GetCurrentFile() ? GetCurrentFile()->GetDocument().GetSampleRate() : 0); });
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainDialog::UpdateMenuStates);
     qApp->installEventFilter(this);
+    new LKeyMacroRunner(this);
 
     const char* const kPlace = "MainWindow";
     resize(LSettings::GetInt(kPlace, "Width", 1000), LSettings::GetInt(kPlace, "Height", 700));
@@ -264,6 +266,8 @@ bool MainDialog::IsCommandEnabled(int nId) const
     case CmGoToStartId:
     case CmGoToEndId:
         return bFile;
+    case CmBatchConverterId:
+        return !bBusy;
     default:
         return IsEffectCommandEnabled(nId) || IsToolCommandEnabled(nId);
     }
@@ -276,7 +280,7 @@ bool MainDialog::Command(int nId)
         return false;
     }
     if (CmFile(nId) || CmEdit(nId) || CmControl(nId) || CmWindow(nId) || CmEffect(nId) || CmTools(nId) ||
-        CmProject(nId))
+        CmProject(nId) || CmBatchConverter(nId))
         return true;
     LTRACE("MainDialog::Command %d has no handler", nId);
     return false;

@@ -77,6 +77,9 @@ public:
     bool CmEffect(int nCommandId);
     bool IsEffectCommandEnabled(int nCommandId) const;
 
+    // Tools > Batch Converter; filled in by MainDialogBatch.cpp.
+    bool CmBatchConverter(int nId);
+
     // Runs a file name handed over by a second start of the program.
     void EvLoad(const QString& szPath);
     // Takes the files of a second start (none: only comes to the front). They are loaded later,

@@ -5,6 +5,7 @@
 
 #include "core/LSettings.h"
 #include "dsp/CompressorRatioList.h"
+#include "dsp/effects/LEffectArgs.h"
 #include "dsp/effects/LStoredValues.h"
 
 namespace {
@@ -90,7 +91,12 @@ const LEffectInfo* LEffectCatalog::ByCliName(const std::string& szName)
 
 std::string LEffectCatalog::Describe(LEffectKind kind)
 {
-    auto V = [](const char* szKey) { return LStoredValues::Get(szKey); };
+    return Describe(kind, LEffectArgs());
+}
+
+std::string LEffectCatalog::Describe(LEffectKind kind, const LEffectArgs& args)
+{
+    auto V = [&args](const char* szKey) { return args.Value(szKey); };
     // The conversion targets are read from the older section name, with the same defaults.
     auto Old = [](const char* szKey, int32_t nDefault) {
         return LSettings::GetInt(LStoredValues::kDescriptionSection, szKey, nDefault);

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+struct LEffectArgs;
+
 enum class LEffectKind
 {
     Amplify,
@@ -60,4 +62,6 @@ public:
 
     // The one-line description of a batch command's effect, from the stored values.
     static std::string Describe(LEffectKind kind);
+    // The same from the given values (a value not given takes its stored value).
+    static std::string Describe(LEffectKind kind, const LEffectArgs& args);
 };

@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "dsp/CompressorRatioList.h"
+#include "dsp/effects/LEffectSettingsRecord.h"
 #include "dsp/effects/LStoredValues.h"
 #include "ui/LUiPrompts.h"
 
@@ -56,25 +57,28 @@ const char* LabelOf(const char* szKey)
 const char* const kLongerChoices[] = {"Insert silence", "Extend the selection", "Fade the mix out"};
 } // namespace
 
-LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i) : QDialog(pParent), info(i)
+LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i, const std::vector<uint8_t>* pRecord)
+    : QDialog(pParent), info(i), vRecord(pRecord ? *pRecord : LEffectSettingsRecord::FromStored(i)), bStore(!pRecord)
 {
     QString szTitle = QString::fromLatin1(info.szMenuText);
     szTitle.remove("...");
     setWindowTitle(szTitle);
     setObjectName("LEffectSettingsDlg");
     auto* pForm = new QFormLayout(this);
+    // A record too short for the effect opens with the stored values.
+    LEffectArgs args;
+    LEffectSettingsRecord::Read(info, vRecord.data(), vRecord.size(), args);
     for (const char* szKey : info.vKeys)
-        AddField(pForm, szKey);
+        AddField(pForm, szKey, args.Value(szKey));
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(pButtons, &QDialogButtonBox::accepted, this, &LEffectSettingsDlg::accept);
     connect(pButtons, &QDialogButtonBox::rejected, this, &LEffectSettingsDlg::reject);
     pForm->addRow(pButtons);
 }
 
-void LEffectSettingsDlg::AddField(QFormLayout* pForm, const char* szKey)
+void LEffectSettingsDlg::AddField(QFormLayout* pForm, const char* szKey, int32_t nValue)
 {
     Field f{szKey};
-    const int32_t nValue = LStoredValues::Get(szKey);
     if (!std::strcmp(szKey, "CompressorRatio")) {
         f.pCombo = new QComboBox(this);
         for (int32_t i = 0; i < kCompressorRatioCount; ++i)
@@ -156,8 +160,12 @@ void LEffectSettingsDlg::accept()
         }
         vValues.push_back(nValue);
     }
+    LEffectArgs args;
     for (size_t i = 0; i < vFields.size(); ++i)
-        LStoredValues::Set(vFields[i].szKey, vValues[i]);
+        args.mapValues[vFields[i].szKey] = vValues[i];
+    vRecord = LEffectSettingsRecord::Write(info, args);
+    if (bStore)
+        args.Store(info);
     QDialog::accept();
 }
 
@@ -165,4 +173,13 @@ bool LEffectSettingsDlg::Edit(QWidget* pParent, const LEffectInfo& info)
 {
     LEffectSettingsDlg dlg(pParent, info);
     return dlg.exec() == QDialog::Accepted;
+}
+
+bool LEffectSettingsDlg::EditRecord(QWidget* pParent, const LEffectInfo& info, std::vector<uint8_t>& vRecordInOut)
+{
+    LEffectSettingsDlg dlg(pParent, info, &vRecordInOut);
+    if (dlg.exec() != QDialog::Accepted)
+        return false;
+    vRecordInOut = dlg.GetRecord();
+    return true;
 }

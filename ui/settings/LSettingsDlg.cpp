@@ -8,6 +8,7 @@
 #include "ui/settings/LFoldersPage.h"
 #include "ui/settings/LGeneralPage.h"
 #include "ui/settings/LRecorderPage.h"
+#include "ui/macros/LKeysPage.h"
 
 LSettingsDlg::LSettingsDlg(QWidget* pParent) : QDialog(pParent)
 {
@@ -15,7 +16,7 @@ LSettingsDlg::LSettingsDlg(QWidget* pParent) : QDialog(pParent)
     setObjectName("SettingsDlg");
     pTabs = new QTabWidget(this);
     pFolders = new LFoldersPage(pTabs);
-    vPages = {new LGeneralPage(pTabs), new LDevicesPage(pTabs), new LRecorderPage(pTabs), pFolders};
+    vPages = {new LGeneralPage(pTabs), new LDevicesPage(pTabs), new LRecorderPage(pTabs), pFolders, new LKeysPage(pTabs)};
     for (LSettingsPage* p : vPages)
         pTabs->addTab(p, p->Title());
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);

@@ -1,0 +1,143 @@
+// Key macros through the real frame: a key bound on the settings page runs its commands as if
+// chosen from the menus, and the macro dialog refuses keys the menus already take.
+#include <QAction>
+#include <QKeySequenceEdit>
+#include <QLabel>
+#include <QListWidget>
+#include <QTimer>
+#include <QtTest>
+
+#include "core/LEdFile.h"
+#include "dsp/effects/LStoredValues.h"
+#include "lists/LKeyMacroFile.h"
+#include "ui/LCommandIds.h"
+#include "ui/LEdFileWindow.h"
+#include "ui/MainDialog.h"
+#include "ui/effects/LEffectSettingsDlg.h"
+#include "ui/macros/AddKeysCommandDlg.h"
+#include "ui/macros/LKeyMacroRunner.h"
+#include "ui/macros/LKeysPage.h"
+#include "ui/macros/SelectKeysMacroDlg.h"
+#include "UiTestSupport.h"
+
+using namespace uitest;
+
+namespace {
+// Accepts the next effect settings dialog as it opens. A polling timer, not a waiting one: the
+// dialog may open in an event loop nested inside whatever is waiting.
+void AcceptNextSettingsDialog()
+{
+    auto* pTimer = new QTimer;
+    QObject::connect(pTimer, &QTimer::timeout, [pTimer] {
+        if (auto* pDlg = qobject_cast<LEffectSettingsDlg*>(QApplication::activeModalWidget())) {
+            pTimer->stop();
+            pTimer->deleteLater();
+            pDlg->accept();
+        }
+    });
+    pTimer->start(10);
+}
+
+const QKeyCombination kMacroKey(Qt::ControlModifier, Qt::Key_J);
+} // namespace
+
+class KeyMacroTest : public QObject, public FrameFixture
+{
+    Q_OBJECT
+private slots:
+    void init()
+    {
+        QVERIFY(Start());
+        LSettings::SetString("Folders", "Current", h->dir.path().toStdString());
+    }
+    void cleanup() { Stop(); }
+
+    void macroKeyRunsItsCommandsLikeTheMenus()
+    {
+        LStoredValues::Set("NormalizePeakLevel", 70);
+        // By hand on one copy...
+        LEdFileWindow* pHand = OpenRamp(6000);
+        QVERIFY(pHand);
+        pHand->SetSelection(100, 200);
+        QVERIFY(frame->Command(CmSelectAllId));
+        AcceptNextSettingsDialog();
+        QVERIFY(frame->Command(CmNormalizeId));
+        QVERIFY(frame->Command(CmFadeOutId));
+        const std::vector<int16_t> vHand = Samples(pHand->GetFile().GetDocument());
+        QVERIFY(vHand != vOrig);
+
+        // ...and through a macro made on the settings page on another.
+        LKeysPage page(nullptr);
+        page.PutMacro(-1, LKeyMacro{static_cast<uint32_t>(kMacroKey.toCombined()), {CmSelectAllId, CmNormalizeId, CmFadeOutId}});
+        page.Save();
+        QVERIFY(QFile::exists(h->File("keys.dat")));
+        QCOMPARE(page.GetList()->item(0)->text(), QKeySequence(kMacroKey).toString(QKeySequence::NativeText) +
+                                                       ": Select All, Normalize..., Fade Out");
+        LEdFileWindow* pMacro = OpenRamp(6000);
+        QVERIFY(pMacro && pMacro != pHand);
+        pMacro->SetSelection(100, 200);
+        QVERIFY(QTest::qWaitForWindowActive(frame.get()));
+        AcceptNextSettingsDialog();
+        QTest::keyClick(frame.get(), kMacroKey.key(), kMacroKey.keyboardModifiers());
+        QTRY_COMPARE(frame->GetAction(CmUndoId)->text(), QString("Undo Fade Out\tCtrl+Z"));
+        QCOMPARE(Samples(pMacro->GetFile().GetDocument()), vHand);
+        QCOMPARE(pMacro->GetFile().GetSelStart(), 0);
+        QCOMPARE(pMacro->GetFile().GetSelEnd(), 6000);
+    }
+
+    void keysTakenElsewhereAreRefused()
+    {
+        SelectKeysMacroDlg dlg(nullptr, LKeyMacro{0, {CmPlayId}}, {static_cast<uint32_t>(QKeyCombination(Qt::Key_F3).toCombined())});
+        dlg.GetKeyField()->setKeySequence(QKeySequence(Qt::CTRL | Qt::Key_A));
+        dlg.CmOk();
+        QCOMPARE(dlg.result(), 0);
+        QVERIFY(h->prompts.informs.last().contains("already used by the menu command \"Select All\""));
+        dlg.GetKeyField()->setKeySequence(QKeySequence(Qt::Key_Space));
+        dlg.CmOk();
+        QVERIFY(h->prompts.informs.last().contains("already used by"));
+        dlg.GetKeyField()->setKeySequence(QKeySequence(Qt::Key_Left));
+        dlg.CmOk();
+        QVERIFY(h->prompts.informs.last().contains("already used by the transport"));
+        QCOMPARE(dlg.result(), 0);
+        dlg.GetKeyField()->setKeySequence(QKeySequence(Qt::Key_F3));
+        dlg.CmOk();
+        QVERIFY(h->prompts.informs.last().contains("already runs another macro"));
+        dlg.GetKeyField()->setKeySequence(QKeySequence(Qt::Key_F4));
+        dlg.CmOk();
+        QCOMPARE(dlg.result(), int(QDialog::Accepted));
+        QCOMPARE(dlg.GetMacro().uKey, static_cast<uint32_t>(QKeyCombination(Qt::Key_F4).toCombined()));
+    }
+
+    void commandsAreAddedSeveralAtOnceRemovedAndMoved()
+    {
+        AddKeysCommandDlg pick(nullptr, {CmSelectAllId, CmNormalizeId, CmFadeInId, CmFadeOutId});
+        QVERIFY(pick.findChild<QLabel*>() && pick.findChild<QLabel*>()->text() == "Select command(s) to add to the Macro.");
+        pick.GetList()->item(3)->setSelected(true);
+        pick.GetList()->item(0)->setSelected(true);
+        const std::vector<uint32_t> vPicked = pick.GetSelected();
+        QCOMPARE(vPicked, (std::vector<uint32_t>{CmSelectAllId, CmFadeOutId}));
+        SelectKeysMacroDlg dlg(nullptr, LKeyMacro{0, {CmPlayId}}, {});
+        dlg.AddCommands(vPicked);
+        QCOMPARE(dlg.GetMacro().vCommands, (std::vector<uint32_t>{CmPlayId, CmSelectAllId, CmFadeOutId}));
+        dlg.GetCommandList()->setCurrentRow(0);
+        dlg.CmRemoveCommand();
+        dlg.GetCommandList()->setCurrentRow(1);
+        dlg.CmMoveCommand(-1);
+        QCOMPARE(dlg.GetMacro().vCommands, (std::vector<uint32_t>{CmFadeOutId, CmSelectAllId}));
+    }
+
+    void versionMismatchIsToldAndTheListStaysEmpty()
+    {
+        QFile f(h->File("keys.dat"));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray(1, '\x01'));
+        f.close();
+        LKeysPage page(nullptr);
+        QVERIFY(page.GetMacros().empty());
+        QCOMPARE(h->prompts.informs.last(),
+                 QString("File Error: This file does not have the same version with the current Sonitra version or it is corrupted."));
+    }
+};
+
+QTEST_MAIN(KeyMacroTest)
+#include "KeyMacroTest.moc"

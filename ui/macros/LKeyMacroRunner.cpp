@@ -1,0 +1,76 @@
+#include "ui/macros/LKeyMacroRunner.h"
+
+#include <QAction>
+#include <QTimer>
+
+#include <algorithm>
+
+#include "core/LTrace.h"
+#include "ui/LUiPrompts.h"
+#include "ui/MainDialog.h"
+#include "ui/macros/LMacroCommands.h"
+
+namespace {
+std::vector<LKeyMacroRunner*>& Runners()
+{
+    static std::vector<LKeyMacroRunner*> v;
+    return v;
+}
+} // namespace
+
+LKeyMacroRunner::LKeyMacroRunner(MainDialog* pF) : QObject(pF), pFrame(pF)
+{
+    setObjectName("KeyMacroRunner");
+    Runners().push_back(this);
+    Reload();
+}
+
+LKeyMacroRunner::~LKeyMacroRunner()
+{
+    auto& v = Runners();
+    v.erase(std::remove(v.begin(), v.end(), this), v.end());
+}
+
+void LKeyMacroRunner::ReloadAll()
+{
+    for (LKeyMacroRunner* p : Runners())
+        p->Reload();
+}
+
+void LKeyMacroRunner::Reload()
+{
+    for (QAction* p : vActions)
+        delete p;
+    vActions.clear();
+    if (LKeyMacroFile::Load(LKeyMacroFile::DefaultPath(), vMacros) == LListLoad::BadVersion)
+        LUiPrompts::Get().Inform(pFrame, LListFile::kCaption, LListFile::kVersionMessage, LUiPrompts::IconError);
+    for (size_t i = 0; i < vMacros.size(); ++i) {
+        // A key the menus took meanwhile stays theirs.
+        if (!LMacroCommands::WhyRefused(vMacros[i].uKey).isEmpty()) {
+            LTRACE("LKeyMacroRunner::Reload key %08x is taken", vMacros[i].uKey);
+            continue;
+        }
+        auto* pAction = new QAction(this);
+        pAction->setObjectName(QString("macro%1").arg(i));
+        pAction->setShortcut(LMacroCommands::KeyOf(vMacros[i].uKey));
+        pAction->setShortcutContext(Qt::WindowShortcut);
+        const LKeyMacro macro = vMacros[i];
+        // The commands may open dialogs and run processes: not inside the key's signal.
+        connect(pAction, &QAction::triggered, this,
+                [this, macro] { QTimer::singleShot(0, this, [this, macro] { Run(macro); }); });
+        pFrame->addAction(pAction);
+        vActions.push_back(pAction);
+    }
+}
+
+bool LKeyMacroRunner::Run(const LKeyMacro& macro)
+{
+    bool bAll = true;
+    for (uint32_t uId : macro.vCommands) {
+        if (uId > 100000 || !pFrame->Command(static_cast<int>(uId))) {
+            LTRACE("LKeyMacroRunner::Run command %u not available", uId);
+            bAll = false;
+        }
+    }
+    return bAll;
+}
