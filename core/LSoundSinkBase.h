@@ -16,6 +16,10 @@ public:
 
     virtual void Write(const int32_t* pBuffer, int32_t nFrames) = 0;
     virtual void SetPosition(int32_t sNewPosition) {}
+    // Finishes the output now (a file writer's closing header) instead of in the destructor, so
+    // that its failure can be seen: false, with the latch set, when it did not all reach its
+    // target. Later writes are not expected; the destructor then has nothing left to do.
+    virtual bool Complete() { return !IsError(); }
 
     int32_t GetPosition() const { return sPosition; }
     int32_t GetSampleRate() const { return nSampleRate; }

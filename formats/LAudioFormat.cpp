@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/LFile.h"
+#include "formats/LExternalFormat.h"
 #include "formats/LWaveFormat.h"
 
 namespace {
@@ -30,7 +31,19 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
     // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
-    static const std::vector<const LAudioFormat*> vFormats = {&wave};
+    static const LExternalFormat other({"Other",
+                                        {{"Real Audio Files(*.rm;*.ram;*.rm)", "*.rm;*.ram;*.ra"},
+                                         {"Olympus Files(*.dss)", "*.dss"},
+                                         {"Windows Media Audio Files(*.wma)", "*.wma"},
+                                         {"Dictation Files(*.dct)", "*.dct"},
+                                         {"AAC Files(*.aac)", "*.aac;*.m4a"},
+                                         {"Opus Files(*.opus)", "*.opus"}},
+                                        nullptr, true, {"ffmpeg"}, {}, nullptr, 0});
+    static const LExternalFormat flac({"FLAC", {{"FLAC Files(*.flac)", "*.flac"}}, "fLaC", false, {"flac", "ffmpeg"},
+                                       {"flac", "ffmpeg-flac"}, "FlacCompression", 5});
+    static const LExternalFormat ogg({"OGG", {{"OGG Files(*.ogg)", "*.ogg;*.oga"}}, "OggS", false,
+                                      {"oggdec", "ffmpeg"}, {"oggenc", "ffmpeg-vorbis"}, "OggQuality", 5});
+    static const std::vector<const LAudioFormat*> vFormats = {&wave, &other, &flac, &ogg};
     return vFormats;
 }
 

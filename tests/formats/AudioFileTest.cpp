@@ -78,7 +78,7 @@ TEST(AudioFile, OpenSourceNamesTheFormatOrTheReason)
     const Bytes vWav = Build(WavShape());
     const std::tuple<std::string, Bytes, std::string> cases[] = {
         {"empty.wav", {}, "the file is empty"},
-        {"text.txt", Bytes(50, 'x'), "not a known audio file format (known: WAV)"},
+        {"text.txt", Bytes(50, 'x'), "not a known audio file format (known: WAV, Other, FLAC, OGG)"},
         {"cut.wav", Bytes(vWav.begin(), vWav.begin() + 30), "damaged WAV file: format chunk cut short"},
     };
     for (const auto& [szName, vBytes, szReason] : cases) {
@@ -125,7 +125,7 @@ TEST(AudioFile, FailedOrCancelledSaveKeepsTheOldFile)
     EXPECT_EQ(sixToOne.szError, "cannot convert 6 channels to 1");
     SaveProcess unknown(Ramp(10, 1).Get(), dir.File("x.xyz"));
     EXPECT_EQ(unknown.Run(), 2);
-    EXPECT_EQ(unknown.szError, "unknown file type '.xyz' (known: WAV)");
+    EXPECT_EQ(unknown.szError, "unknown file type '.xyz' (known: WAV, Other, FLAC, OGG)");
     SaveProcess noFolder(Ramp(10, 1).Get(), dir.File("none/x.wav"));
     EXPECT_EQ(noFolder.Run(), 2);
     EXPECT_EQ(noFolder.szError, "cannot write the file: No such file or directory");
