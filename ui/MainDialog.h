@@ -103,6 +103,7 @@ private:
     void CmClose();
     void CmSave();
     void CmSaveAs();
+    void CmSend();
     void CmExit();
     void CmSetting();
     void CmRecent(int nIndex);
