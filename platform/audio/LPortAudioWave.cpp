@@ -2,6 +2,11 @@
 
 #ifndef SONITRA_HAVE_PORTAUDIO
 
+const char* LPortAudioVersionText()
+{
+    return "no sound library";
+}
+
 LWaveDriver* LPortAudioDriverGet()
 {
     return nullptr;
@@ -266,6 +271,11 @@ LWaveDriver* LPortAudioDriverGet()
         return &driver;
     }();
     return pDriver;
+}
+
+const char* LPortAudioVersionText()
+{
+    return Pa_GetVersionText();
 }
 
 #endif
