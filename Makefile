@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 CMAKE_GEN = -G Ninja
 
-.PHONY: all deps build run test test-debug test-asan test-tsan fuzz bench clean
+.PHONY: all deps build run test test-debug test-asan test-tsan fuzz bench install package clean
 
 all: build
 
@@ -49,6 +49,23 @@ bench: build
 	cmake -S . -B build/release $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSONITRA_TESTS=OFF -DSONITRA_BENCH=ON
 	cmake --build build/release -j $(JOBS)
 	bench/run-all.sh build/release
+
+# Installs under PREFIX (default /usr/local): the programs, desktop entry, icons, file types, manuals.
+PREFIX ?= /usr/local
+install: deps
+	cmake -S . -B build/install $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSONITRA_TESTS=OFF -DSONITRA_BENCH=OFF \
+	  -DCMAKE_INSTALL_PREFIX=$(PREFIX)
+	cmake --build build/install -j $(JOBS)
+	cmake --install build/install
+	-update-mime-database $(PREFIX)/share/mime
+	-update-desktop-database $(PREFIX)/share/applications
+
+# A Debian package, build/package/sonitra_*.deb: apt-get install ./build/package/sonitra_*.deb
+package: deps
+	cmake -S . -B build/package $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DSONITRA_TESTS=OFF -DSONITRA_BENCH=OFF \
+	  -DCMAKE_INSTALL_PREFIX=/usr
+	cmake --build build/package -j $(JOBS)
+	cd build/package && cpack -G DEB
 
 clean:
 	rm -rf build

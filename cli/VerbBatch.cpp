@@ -246,7 +246,7 @@ bool RunInWorkers(const Request& req, std::vector<LBatchResult>& vResults, LFile
             vArgv.push_back(req.vFiles[i]);
         w.vReported.assign(w.vIndex.size(), false);
         std::string szError;
-        if (!w.child.Start(vArgv, &szError))
+        if (!w.child.Start(vArgv, LChildProcess::PipeOut, &szError))
             for (size_t i : w.vIndex)
                 vResults[i].szError = "no worker process: " + szError;
     }
@@ -285,7 +285,7 @@ bool RunInWorkers(const Request& req, std::vector<LBatchResult>& vResults, LFile
         }
     }
     for (Worker& w : vWorkers)
-        w.child.Wait();
+        w.child.Wait(-1);
     return !LTerminalProgressHostFactory::InterruptRequested();
 }
 

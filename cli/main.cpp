@@ -47,8 +47,10 @@ int main(int argc, char** argv)
         PrintHelp();
         return argc < 2 ? CliUsage : CliDone;
     }
+    // "--version" as every command-line program takes it.
+    const char* szVerb = std::strcmp(argv[1], "--version") ? argv[1] : "version";
     for (const LCliVerb* p : Verbs()) {
-        if (std::strcmp(p->szName, argv[1]) != 0)
+        if (std::strcmp(p->szName, szVerb) != 0)
             continue;
         std::vector<std::string> vArgs(argv + 2, argv + argc);
         for (const std::string& s : vArgs) {

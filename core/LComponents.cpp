@@ -37,6 +37,20 @@ std::string LComponents::FindOnPath(const std::string& szProgram)
     return std::string();
 }
 
+std::string LComponents::Find(const std::string& szProgram)
+{
+    const std::string szSet = GetPath(szProgram);
+    if (!szSet.empty() && ::access(szSet.c_str(), X_OK) == 0)
+        return szSet;
+    return FindOnPath(szProgram);
+}
+
+std::string LComponents::MissingText(const std::string& szProgram, const std::string& szPackage)
+{
+    return "the program '" + szProgram + "' is not installed (install the package '" + szPackage +
+           "', e.g. sudo apt-get install " + szPackage + ")";
+}
+
 std::string LComponents::ProgramFor(const std::string& szName)
 {
     return szName == kMp3Encoder ? "lame" : szName;

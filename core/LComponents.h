@@ -18,6 +18,11 @@ public:
     // The program that provides a component on this system ("lame" for "mp3el"), which is also
     // the name of its package.
     static std::string ProgramFor(const std::string& szName);
+    // A program Sonitra hands work to (a decoder, an encoder): the path registered under its own
+    // name when that path is there, else the one found on PATH; empty when it is not installed.
+    static std::string Find(const std::string& szProgram);
+    // Why a program cannot be used, for the user: what to install, and how.
+    static std::string MissingText(const std::string& szProgram, const std::string& szPackage);
     // "The component "mp3el" has not yet been installed. ..."
     static std::string NotInstalledMessage(const std::string& szName);
 };

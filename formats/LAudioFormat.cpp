@@ -5,6 +5,7 @@
 #include "core/LFile.h"
 #include "formats/LAifFormat.h"
 #include "formats/LAuFormat.h"
+#include "formats/LExternalFormat.h"
 #include "formats/LGSMFormat.h"
 #include "formats/LVoxRawFormat.h"
 #include "formats/LWaveFormat.h"
@@ -35,13 +36,6 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
     // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
-    static const LMP3Format mp3;
-    static const LVoxRawFormat vox(true);
-    static const LGSMFormat gsm;
-    static const LVoxRawFormat raw(false);
-    static const LAifFormat aif;
-    static const LAuFormat au;
-    static const std::vector<const LAudioFormat*> vFormats = {&wave, &mp3, &vox, &gsm, &raw, &aif, &au};
     return vFormats;
 }
 

@@ -2,7 +2,8 @@
 # Fails when a source file includes what its folder's layer may not use:
 #   engine folders (core, work, formats, dsp, devices, platform/engine, platform/audio) never
 #   include Qt, ui/, app/, cli/ or platform/qtcore/; core/ and work/ only each other; formats/ and
-#   dsp/ never each other; devices/ never platform/ (backends register themselves) nor formats/.
+#   dsp/ never each other; formats/ may start other programs through platform/engine/ but uses no
+#   other platform code; devices/ never platform/ (backends register themselves) nor formats/.
 # usage: tools/check-layers.sh [SOURCE_ROOT]
 root=${1:-$(dirname "$0")/..}
 cd "$root" || exit 2
@@ -24,7 +25,7 @@ for dir in core work formats dsp devices platform/engine platform/audio; do
 done
 forbid core 'formats/|dsp/|devices/|platform/' "core/ builds on the standard library and work/ only"
 forbid work 'formats/|dsp/|devices/|platform/' "work/ builds on the standard library and core/ only"
-forbid formats 'dsp/|devices/|platform/' "formats/ never includes dsp/, devices/ or platform/"
+forbid formats 'dsp/|devices/|platform/audio/|platform/qtcore/' "formats/ never includes dsp/, devices/ or platform/ beyond its engine part"
 forbid dsp 'formats/|devices/|platform/' "dsp/ never includes formats/, devices/ or platform/"
 forbid devices 'platform/|formats/' "devices/ never includes platform/ (a backend registers itself) nor formats/"
 exit $status

@@ -7,7 +7,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libgl-dev
   portaudio19-dev
   clang libclang-rt-14-dev
-  sox ffmpeg mpg123 lame libgsm-tools espeak-ng
+  sox ffmpeg mpg123 lame libgsm-tools flac vorbis-tools espeak-ng xdg-utils
   pulseaudio pulseaudio-utils
   xvfb xauth xdotool imagemagick
 )

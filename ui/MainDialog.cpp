@@ -209,6 +209,7 @@ bool MainDialog::IsCommandEnabled(int nId) const
     case CmSaveId:
     case CmSaveAsId:
     case CmCloseAllId:
+    case CmSendId:
         return bFile && !bBusy;
     case CmSettingsId:
         return !bBusy && !pTransport->IsPlaying();

@@ -149,6 +149,7 @@ private:
     void CmClose();
     void CmSave();
     void CmSaveAs();
+    void CmSend();
     void CmExit();
     void CmSetting();
     void CmRecent(int nIndex);

@@ -19,6 +19,7 @@
 #include "ui/LComponentPrompt.h"
 #include "ui/LAudioFilters.h"
 #include "ui/LCommandIds.h"
+#include "ui/LSendFile.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LEdSaveProcess.h"
 #include "ui/LTransport.h"
@@ -50,6 +51,7 @@ bool MainDialog::CmFile(int nId)
     case CmCloseId: CmClose(); return true;
     case CmSaveId: CmSave(); return true;
     case CmSaveAsId: CmSaveAs(); return true;
+    case CmSendId: CmSend(); return true;
     case CmExitId: CmExit(); return true;
     case CmCloseAllId: CloseAllFiles(); return true;
     case CmSettingsId: CmSetting(); return true;
@@ -215,8 +217,10 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
                                                   false);
         return answer == LUiPrompts::AnswerYes && SaveFileAs(pWindow);
     }
-    const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
-    if (pFormat && !LComponentPrompt::Ensure(this, pFormat->GetWriteComponent()))
+    // A file that was only read (decoded by another program) is written in a format of the user's choosing.
+    if (const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath); !pFormat || !pFormat->CanWrite())
+        return SaveFileAs(pWindow);
+    if (!LComponentPrompt::Ensure(this, LAudioFormat::ByExtension(szPath)->GetWriteComponent()))
         return false; // nothing is written without the program that writes it
     if (pTransport->GetActiveWindow() == pWindow && pTransport->IsRecording())
         pTransport->Stop();
@@ -284,6 +288,43 @@ bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
     SetWindowCaption();
     RekeyBookmarks(szOldKey, szNew);
     return true;
+}
+
+// The whole file goes as it is on disk, saved first when it has changes; a selection goes as a
+// copy of its own.
+void MainDialog::CmSend()
+{
+    LEdFileWindow* pWindow = GetCurrentFileWindow();
+    if (!pWindow)
+        return;
+    const std::string szWhyNot = LSendFile::CheckMailProgram();
+    if (!szWhyNot.empty()) {
+        LUiPrompts::Get().Inform(this, "Sonitra", QString::fromStdString(szWhyNot), LUiPrompts::IconWarning);
+        return;
+    }
+    LEdFile& file = pWindow->GetFile();
+    std::string szAttach;
+    if (file.GetSelEnd() > file.GetSelStart()) {
+        const std::string szFolder = LSendFile::NewSendFolder();
+        const std::string szBase = QFileInfo(QString::fromStdString(pWindow->GetName())).completeBaseName().toStdString();
+        szAttach = szFolder + "/" + (szBase.empty() ? std::string("Selection") : szBase + " (selection)") + ".wav";
+        LCutListAudio selection;
+        file.GetDocument().EfCopy(file.GetSelStart(), file.GetSelEnd(), selection);
+        LEdSaveProcess save("Saving...", selection, szAttach, LAudioEncoding::Named("pcm16"));
+        if (szFolder.empty() || save.Run() != LProgressDialog::ResultDone) {
+            LUiPrompts::Get().Inform(this, "File Error", "Unable to make a copy of the selection to send.",
+                                     LUiPrompts::IconError);
+            return;
+        }
+    } else {
+        if ((file.IsModified() || pWindow->GetPath().empty()) && !SaveFile(pWindow))
+            return;
+        szAttach = pWindow->GetPath();
+    }
+    std::string szError;
+    if (!LSendFile::Attach(szAttach, &szError))
+        LUiPrompts::Get().Inform(this, "Sonitra", QString("Unable to start the mail program:\n%1").arg(QString::fromStdString(szError)),
+                                 LUiPrompts::IconError);
 }
 
 void MainDialog::CmRecent(int nIndex)

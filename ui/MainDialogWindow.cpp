@@ -6,12 +6,25 @@
 #include <QMessageBox>
 
 #include "core/LEdFile.h"
+#include "core/LVersion.h"
+#include "platform/audio/LPortAudioWave.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LHelpDlg.h"
 #include "ui/LTimeFields.h"
 #include "ui/LTransport.h"
 #include "ui/MainDialog.h"
+
+namespace {
+
+QString AboutText()
+{
+    return QString("%1\n\nA sound editor.\n\nVersion %2 (%3)\nRuns on Qt %4 and %5.")
+        .arg(LVersion::Text(), LVersion::Number(), LVersion::Build(), qVersion(),
+             LPortAudioVersionText());
+}
+
+} // namespace
 
 bool MainDialog::CmWindow(int nId)
 {
@@ -45,7 +58,7 @@ bool MainDialog::CmWindow(int nId)
         return true;
     }
     case CmAboutId:
-        QMessageBox::about(this, "About Sonitra", "Sonitra v 1.10\n\nA sound editor.");
+        QMessageBox::about(this, "About Sonitra", AboutText());
         return true;
     default: break;
     }

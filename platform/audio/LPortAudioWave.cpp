@@ -2,6 +2,11 @@
 
 #ifndef SONITRA_HAVE_PORTAUDIO
 
+const char* LPortAudioVersionText()
+{
+    return "no sound library";
+}
+
 LWaveDriver* LPortAudioDriverGet()
 {
     return nullptr;
@@ -293,5 +298,10 @@ LWaveDriver* LPortAudioDriverGet()
 // The wave-device layer learns of this backend here; the build keeps this object linked in
 // wherever the devices are (it names this symbol as undefined).
 extern "C" const bool sonitra_portaudio_registered = (LWaveDevices::RegisterBackend(&LPortAudioDriverGet), true);
+
+const char* LPortAudioVersionText()
+{
+    return Pa_GetVersionText();
+}
 
 #endif

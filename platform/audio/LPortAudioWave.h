@@ -5,3 +5,5 @@
 
 // The driver, or null when PortAudio is not built in, cannot start, or finds no device.
 LWaveDriver* LPortAudioDriverGet();
+// The sound library's name and version, for the About box.
+const char* LPortAudioVersionText();

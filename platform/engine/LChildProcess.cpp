@@ -1,93 +1,253 @@
 #include "platform/engine/LChildProcess.h"
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 #include "core/LTrace.h"
 
 extern char** environ;
 
-LChildProcess::~LChildProcess()
+namespace {
+
+void SetReason(std::string* pError, const std::string& sz)
 {
-    if (hOut >= 0)
-        ::close(hOut);
-    hOut = -1;
-    if (nPid > 0)
-        Wait();
+    if (pError)
+        *pError = sz;
 }
 
-bool LChildProcess::Start(const std::vector<std::string>& vArgs, std::string* pError)
+std::string ErrorFileName()
 {
-    if (vArgs.empty() || nPid > 0) {
-        if (pError)
-            *pError = "no program named";
+    static std::atomic<int> nCounter{0};
+    const char* szTmp = std::getenv("TMPDIR");
+    return std::string(szTmp && *szTmp ? szTmp : "/tmp") + "/sonitra-child-" + std::to_string(::getpid()) + "-" +
+           std::to_string(++nCounter) + ".err";
+}
+
+// A write to a child that went away must fail with EPIPE, not end this program.
+void IgnoreSigPipe()
+{
+    static const bool bDone = [] {
+        std::signal(SIGPIPE, SIG_IGN);
+        return true;
+    }();
+    (void)bDone;
+}
+
+} // namespace
+
+LChildProcess::~LChildProcess()
+{
+    if (IsRunning())
+        Kill();
+    CloseFd(fdIn);
+    CloseFd(fdOut);
+    if (!szErrorFile.empty())
+        ::unlink(szErrorFile.c_str());
+}
+
+void LChildProcess::CloseFd(int& fd)
+{
+    if (fd >= 0)
+        ::close(fd);
+    fd = -1;
+}
+
+bool LChildProcess::Start(const std::vector<std::string>& vArgs, int nPipes, std::string* pError)
+{
+    if (IsRunning()) {
+        SetReason(pError, "already running");
         return false;
     }
-    int hPipe[2];
-    if (::pipe2(hPipe, O_CLOEXEC) != 0) {
-        if (pError)
-            *pError = std::string("pipe: ") + std::strerror(errno);
+    if (vArgs.empty() || vArgs[0].empty()) {
+        SetReason(pError, "no program named");
         return false;
     }
+    IgnoreSigPipe();
+    int inPipe[2] = {-1, -1};
+    int outPipe[2] = {-1, -1};
+    if (((nPipes & PipeIn) && ::pipe2(inPipe, O_CLOEXEC) != 0) || ((nPipes & PipeOut) && ::pipe2(outPipe, O_CLOEXEC) != 0)) {
+        SetReason(pError, std::string("cannot make a pipe: ") + std::strerror(errno));
+        for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1]})
+            if (fd >= 0)
+                ::close(fd);
+        return false;
+    }
+    if (szErrorFile.empty())
+        szErrorFile = ErrorFileName();
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, hPipe[1], STDOUT_FILENO);
+    if (nPipes & PipeIn)
+        posix_spawn_file_actions_adddup2(&actions, inPipe[0], 0);
+    else
+        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    if (nPipes & PipeOut)
+        posix_spawn_file_actions_adddup2(&actions, outPipe[1], 1);
+    else
+        posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, 2, szErrorFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+
     std::vector<char*> vArgv;
     for (const std::string& s : vArgs)
         vArgv.push_back(const_cast<char*>(s.c_str()));
     vArgv.push_back(nullptr);
-    pid_t pid = 0;
     const int nError = posix_spawnp(&pid, vArgv[0], &actions, nullptr, vArgv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    ::close(hPipe[1]);
+    for (int fd : {inPipe[0], outPipe[1]})
+        if (fd >= 0)
+            ::close(fd);
     if (nError != 0) {
-        ::close(hPipe[0]);
         LTRACE("LChildProcess::Start posix_spawnp %s: %s", vArgs[0].c_str(), std::strerror(nError));
-        if (pError)
-            *pError = vArgs[0] + ": " + std::strerror(nError);
+        pid = -1;
+        for (int fd : {inPipe[1], outPipe[0]})
+            if (fd >= 0)
+                ::close(fd);
+        SetReason(pError, vArgs[0] + ": " + std::strerror(nError));
         return false;
     }
-    nPid = pid;
-    hOut = hPipe[0];
+    fdIn = inPipe[1];
+    fdOut = outPipe[0];
+    nExitCode = -1;
     return true;
+}
+
+int64_t LChildProcess::Read(void* pBuffer, size_t nBytes, int nTimeoutMs)
+{
+    if (fdOut < 0)
+        return ReadFailed;
+    pollfd pfd{fdOut, POLLIN, 0};
+    int nReady;
+    while ((nReady = ::poll(&pfd, 1, nTimeoutMs)) < 0 && errno == EINTR) {
+    }
+    if (nReady == 0)
+        return ReadTimeout;
+    if (nReady < 0)
+        return ReadFailed;
+    ssize_t n;
+    while ((n = ::read(fdOut, pBuffer, nBytes)) < 0 && errno == EINTR) {
+    }
+    return n < 0 ? ReadFailed : n;
+}
+
+size_t LChildProcess::ReadFull(void* pBuffer, size_t nBytes, int nTimeoutMs)
+{
+    size_t nDone = 0;
+    while (nDone < nBytes) {
+        const int64_t n = Read(static_cast<char*>(pBuffer) + nDone, nBytes - nDone, nTimeoutMs);
+        if (n <= 0)
+            break;
+        nDone += static_cast<size_t>(n);
+    }
+    return nDone;
 }
 
 bool LChildProcess::ReadLines(std::vector<std::string>& vLines)
 {
-    if (hOut < 0)
-        return false;
     char buf[4096];
-    ssize_t n;
-    do {
-        n = ::read(hOut, buf, sizeof buf);
-    } while (n < 0 && errno == EINTR);
+    const int64_t n = Read(buf, sizeof(buf), -1);
     if (n <= 0) {
-        if (!szPartial.empty())
-            vLines.push_back(szPartial);
-        szPartial.clear();
-        ::close(hOut);
-        hOut = -1;
+        if (!szPartLine.empty())
+            vLines.push_back(szPartLine);
+        szPartLine.clear();
+        CloseFd(fdOut);
         return false;
     }
-    szPartial.append(buf, static_cast<size_t>(n));
+    szPartLine.append(buf, static_cast<size_t>(n));
     size_t nStart = 0;
-    for (size_t nEnd; (nEnd = szPartial.find('\n', nStart)) != std::string::npos; nStart = nEnd + 1)
-        vLines.push_back(szPartial.substr(nStart, nEnd - nStart));
-    szPartial.erase(0, nStart);
+    for (size_t nEnd; (nEnd = szPartLine.find('\n', nStart)) != std::string::npos; nStart = nEnd + 1)
+        vLines.push_back(szPartLine.substr(nStart, nEnd - nStart));
+    szPartLine.erase(0, nStart);
     return true;
 }
 
-int LChildProcess::Wait()
+bool LChildProcess::Write(const void* pBuffer, size_t nBytes)
 {
-    if (nPid <= 0)
-        return -1;
-    int nStatus = 0;
-    while (::waitpid(nPid, &nStatus, 0) < 0 && errno == EINTR) {
+    const char* p = static_cast<const char*>(pBuffer);
+    while (nBytes > 0 && fdIn >= 0) {
+        const ssize_t n = ::write(fdIn, p, nBytes);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            LTRACE("LChildProcess::Write %s", std::strerror(errno));
+            return false;
+        }
+        p += n;
+        nBytes -= static_cast<size_t>(n);
     }
-    nPid = -1;
-    return WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
+    return nBytes == 0;
+}
+
+void LChildProcess::CloseInput()
+{
+    CloseFd(fdIn);
+}
+
+bool LChildProcess::Reap(bool bBlock)
+{
+    if (pid <= 0)
+        return true;
+    int nStatus = 0;
+    pid_t r;
+    while ((r = ::waitpid(pid, &nStatus, bBlock ? 0 : WNOHANG)) < 0 && errno == EINTR) {
+    }
+    if (r == 0)
+        return false;
+    nExitCode = r > 0 && WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
+    pid = -1;
+    return true;
+}
+
+bool LChildProcess::Wait(int nTimeoutMs)
+{
+    if (nTimeoutMs < 0)
+        return Reap(true);
+    const auto tEnd = std::chrono::steady_clock::now() + std::chrono::milliseconds(nTimeoutMs);
+    while (!Reap(false)) {
+        if (std::chrono::steady_clock::now() >= tEnd)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+void LChildProcess::Kill()
+{
+    if (pid <= 0)
+        return;
+    ::kill(pid, SIGKILL);
+    Reap(true);
+    nExitCode = -1;
+}
+
+std::string LChildProcess::GetLastErrorLine() const
+{
+    FILE* f = szErrorFile.empty() ? nullptr : std::fopen(szErrorFile.c_str(), "rb");
+    if (!f)
+        return std::string();
+    // The tail is enough: the last line is what tells why a tool gave up.
+    std::fseek(f, 0, SEEK_END);
+    const long nSize = std::ftell(f);
+    const long nTail = nSize > 4096 ? 4096 : nSize;
+    std::fseek(f, nSize - nTail, SEEK_SET);
+    std::string sz(static_cast<size_t>(nTail < 0 ? 0 : nTail), '\0');
+    sz.resize(std::fread(sz.data(), 1, sz.size(), f));
+    std::fclose(f);
+    for (char& c : sz)
+        if (c == '\r')
+            c = '\n';
+    while (!sz.empty() && (sz.back() == '\n' || sz.back() == ' '))
+        sz.pop_back();
+    const size_t nLine = sz.find_last_of('\n');
+    return nLine == std::string::npos ? sz : sz.substr(nLine + 1);
 }

@@ -1,0 +1,101 @@
+// Programs run as children with pipes: what goes in and out, how they end, and that none is
+// left behind.
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+
+#include "platform/engine/LChildProcess.h"
+#include "support/TestSupport.h"
+
+using namespace testsupport;
+
+namespace {
+
+// Whether a process of that id exists at all, a zombie included.
+bool ProcessExists(pid_t pid)
+{
+    return ::kill(pid, 0) == 0 || errno != ESRCH;
+}
+
+pid_t ReadPid(const std::string& szPath)
+{
+    pid_t pid = 0;
+    for (int i = 0; i < 500 && pid == 0; ++i) {
+        std::ifstream f(szPath);
+        f >> pid;
+        if (pid == 0)
+            ::usleep(10000);
+    }
+    return pid;
+}
+
+} // namespace
+
+TEST(ChildProcess, BytesGoThroughBothPipesAndTheExitCodeAndLastErrorLineAreKept)
+{
+    LChildProcess child;
+    ASSERT_TRUE(child.Start({"sh", "-c", "cat; echo first >&2; echo 'why it failed' >&2; exit 3"},
+                            LChildProcess::PipeIn | LChildProcess::PipeOut));
+    const std::string szIn = "a b * $HOME\n";
+    ASSERT_TRUE(child.Write(szIn.data(), szIn.size()));
+    child.CloseInput();
+    std::string szOut(64, '\0');
+    szOut.resize(child.ReadFull(szOut.data(), szOut.size()));
+    EXPECT_EQ(szOut, szIn);
+    EXPECT_EQ(child.Read(szOut.data(), 1, 1000), LChildProcess::ReadEnd);
+    ASSERT_TRUE(child.Wait(10000));
+    EXPECT_EQ(child.GetExitCode(), 3);
+    EXPECT_EQ(child.GetLastErrorLine(), "why it failed");
+    EXPECT_FALSE(child.IsRunning());
+}
+
+TEST(ChildProcess, AQuietChildTimesOutAndAKilledOneIsReaped)
+{
+    TempDir dir;
+    const std::string szPid = dir.File("pid");
+    pid_t pid = 0;
+    {
+        LChildProcess child;
+        ASSERT_TRUE(child.Start({"sh", "-c", "echo $$ > \"$1\"; exec sleep 60", "sh", szPid}, LChildProcess::PipeOut));
+        pid = ReadPid(szPid);
+        ASSERT_GT(pid, 0);
+        char c;
+        EXPECT_EQ(child.Read(&c, 1, 50), LChildProcess::ReadTimeout);
+        EXPECT_FALSE(child.Wait(50));
+        EXPECT_TRUE(child.IsRunning());
+    } // the destructor kills and reaps it
+    EXPECT_FALSE(ProcessExists(pid));
+}
+
+TEST(ChildProcess, OutputComesBackLineByLineWithTheLastPartLineAtTheEnd)
+{
+    LChildProcess child;
+    ASSERT_TRUE(child.Start({"printf", "one\\ntwo\\nthree"}, LChildProcess::PipeOut));
+    std::vector<std::string> vLines;
+    while (child.ReadLines(vLines)) {
+    }
+    EXPECT_EQ(vLines, (std::vector<std::string>{"one", "two", "three"}));
+    EXPECT_EQ(child.GetOutputFd(), -1);
+    ASSERT_TRUE(child.Wait(10000));
+    EXPECT_EQ(child.GetExitCode(), 0);
+}
+
+TEST(ChildProcess, AChildThatStopsReadingFailsTheWriteWithoutEndingUs)
+{
+    LChildProcess child;
+    ASSERT_TRUE(child.Start({"sh", "-c", "exit 0"}, LChildProcess::PipeIn));
+    ASSERT_TRUE(child.Wait(10000));
+    std::vector<char> v(1 << 20, 'x');
+    EXPECT_FALSE(child.Write(v.data(), v.size()));
+}
+
+TEST(ChildProcess, MissingProgramsAreFoundMissing)
+{
+    LChildProcess child;
+    std::string szError;
+    EXPECT_FALSE(child.Start({"sonitra-no-such-program"}, 0, &szError));
+    EXPECT_NE(szError.find("sonitra-no-such-program"), std::string::npos);
+    EXPECT_FALSE(child.Start({}, 0, &szError));
+}
