@@ -176,6 +176,8 @@ LSoundSourcePtr LAudioFile::OpenSource(const std::string& szPath, std::string* p
     }
     std::string szReason;
     LSoundSourcePtr pSource = pFormat->OpenSource(szPath, &szReason, pDetails);
+    if (pDetails)
+        pDetails->encoding.szFormat = pFormat->GetName();
     if (pSource->IsError())
         SetReason(pszError, szReason.empty() ? std::string("cannot read the file") : szReason);
     return pSource;

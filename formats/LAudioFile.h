@@ -16,8 +16,11 @@ struct LAudioEncoding
 {
     std::string szName;           // a short name the format knows ("pcm16", "pcm8"); empty: the format's default
     std::vector<uint8_t> vRecord; // settings the format keeps in a layout of its own; empty when unused
+    // The format a file was read in, when the encoding describes that file: it then carries over
+    // only to the same format (a .gsm saved as .wav becomes PCM, not GSM in WAV). Empty: any.
+    std::string szFormat;
 
-    static LAudioEncoding Named(const std::string& szName) { return LAudioEncoding{szName, {}}; }
+    static LAudioEncoding Named(const std::string& szName) { return LAudioEncoding{szName, {}, {}}; }
 };
 
 // What a file holds, for showing to the user and for keeping its form when saving.

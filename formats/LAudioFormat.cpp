@@ -36,6 +36,26 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
 {
     // A new format module is added here; the order is the order of the file dialogs' filters.
     static const LWaveFormat wave;
+    static const LMP3Format mp3;
+    static const LVoxRawFormat vox(true);
+    static const LGSMFormat gsm;
+    static const LExternalFormat other({"Other",
+                                        {{"Real Audio Files(*.rm;*.ram;*.rm)", "*.rm;*.ram;*.ra"},
+                                         {"Olympus Files(*.dss)", "*.dss"},
+                                         {"Windows Media Audio Files(*.wma)", "*.wma"},
+                                         {"Dictation Files(*.dct)", "*.dct"},
+                                         {"AAC Files(*.aac)", "*.aac;*.m4a"},
+                                         {"Opus Files(*.opus)", "*.opus"}},
+                                        nullptr, true, {"ffmpeg"}, {}, nullptr, 0});
+    static const LVoxRawFormat raw(false);
+    static const LAifFormat aif;
+    static const LAuFormat au;
+    static const LExternalFormat flac({"FLAC", {{"FLAC Files(*.flac)", "*.flac"}}, "fLaC", false, {"flac", "ffmpeg"},
+                                       {"flac", "ffmpeg-flac"}, "FlacCompression", 5});
+    static const LExternalFormat ogg({"OGG", {{"OGG Files(*.ogg)", "*.ogg;*.oga"}}, "OggS", false,
+                                      {"oggdec", "ffmpeg"}, {"oggenc", "ffmpeg-vorbis"}, "OggQuality", 5});
+    static const std::vector<const LAudioFormat*> vFormats = {&wave, &mp3, &vox, &gsm, &other,
+                                                              &raw,  &aif, &au,  &flac, &ogg};
     return vFormats;
 }
 
@@ -51,7 +71,7 @@ bool LAudioFormat::HasExtension(const std::string& szExt) const
 bool LAudioFormat::CanWrite(const LAudioEncoding& encoding) const
 {
     const std::vector<std::string> v = GetEncodings();
-    if (v.empty())
+    if (v.empty() || (!encoding.szFormat.empty() && encoding.szFormat != GetName()))
         return false;
     return encoding.szName.empty() || std::find(v.begin(), v.end(), encoding.szName) != v.end();
 }

@@ -62,15 +62,6 @@ LSoundSourcePtr Ramp(int nFrames, uint8_t nChans)
     return LSoundSourcePtr(new LSRCMemory(v, 11025, nChans));
 }
 
-// "WAV, ..." as the messages list the known formats.
-std::string KnownFormats()
-{
-    std::string sz;
-    for (const LAudioFormat* p : LAudioFormat::All())
-        sz += std::string(sz.empty() ? "" : ", ") + p->GetName();
-    return sz;
-}
-
 // Only the files the test made itself: no part file is ever left behind.
 size_t FilesIn(const TempDir& dir)
 {
