@@ -83,6 +83,9 @@ void MainDialog::CmOpen()
 
 bool MainDialog::LoadFile(const std::string& szPath)
 {
+    // A project named on the command line, by a file manager or a second start opens as a project.
+    if (LFile::ExtensionOf(szPath) == ".snp")
+        return OpenProject(szPath);
     const std::string szName = LFile::FileNameOf(szPath);
     // A format read by settings of its own (a headerless file) offers them first.
     const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);

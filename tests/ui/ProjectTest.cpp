@@ -177,6 +177,13 @@ private slots:
         QVERIFY(frame->Command(CmCloseProjectId));
         QCOMPARE(h->prompts.questions.value(0), QString("Save changes to current project?"));
         QCOMPARE(frame->GetFileWindows().size(), size_t(3));
+
+        // Named like any file (the command line, a file manager, a second start), it opens as a project.
+        h->prompts.answers = {LUiPrompts::AnswerNo, LUiPrompts::AnswerNo, LUiPrompts::AnswerNo};
+        QVERIFY(frame->Command(CmCloseProjectId));
+        QVERIFY(frame->LoadFile(h->File("moved/song.snp").toStdString()));
+        QCOMPARE(frame->GetProjectPath(), h->File("moved/song.snp").toStdString());
+        QVERIFY(WindowNamed("a.wav") && WindowNamed("b.wav"));
     }
 
     void aWrongVersionIsRefusedWithItsMessage()
