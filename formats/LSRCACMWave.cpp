@@ -37,11 +37,13 @@ LSRCACMWave::LSRCACMWave(LFile&& fileIn, const LWaveFormatRecord& record, uint32
         return;
     }
     uint32_t nOneBlock = 0;
-    if (pStream->Size(nBlockAlign, nOneBlock, LCodecStream::kSizeSource))
+    if (!pStream->GetShape().bVariable && pStream->Size(nBlockAlign, nOneBlock, LCodecStream::kSizeSource))
         nBlockFrames = nOneBlock / (2u * nChans);
     nDataStart = file.Tell();
     if (nDataSize == kStreamingSize)
         nDataSize = static_cast<uint32_t>(std::clamp<int64_t>(file.Size() - nDataStart, 0, UINT32_MAX));
+    // Past the file's end the header's length would read as silence.
+    nHeldBytes = static_cast<uint32_t>(std::clamp<int64_t>(file.Size() - nDataStart, 0, nDataSize));
     vSrc.resize(nSrcBytes);
     vDst.resize(nDstBytes / 2);
     header.pbSrc = vSrc.data();
@@ -61,36 +63,47 @@ void LSRCACMWave::ResetStream()
 
 bool LSRCACMWave::Refill(int32_t nWanted)
 {
+    // A decoder that finds its own frames may use bytes (no frame in them) and give nothing yet:
+    // it is fed on until it gives frames or uses nothing more.
+    for (;;) {
+        ReadSource();
+        header.cbSrcLength = nSrcFill;
+        header.cbDstLength = static_cast<uint32_t>(vDst.size() * 2);
+        bool bOk = pStream->Convert(header, LCodecStream::kConvertBlockAlign);
+        if (!bOk)
+            LTRACE("LSRCACMWave::Read acmStreamConvert FAILED");
+        if (bOk && header.cbDstLengthUsed == 0 && nSrcFill < vSrc.size()) {
+            bOk = pStream->Convert(header, LCodecStream::kConvertEnd);
+            if (!bOk)
+                LTRACE("LSRCACMWave::Read acmStreamConvert(ACM_STREAMCONVERTF_END) FAILED");
+        }
+        if (!bOk || (header.cbDstLengthUsed == 0 && header.cbSrcLengthUsed == 0)) {
+            LTRACE("LSRCACMWave::Read End Reached");
+            sEndFrame = std::max<int64_t>(0, static_cast<int64_t>(sPosition) - nWanted);
+            return false;
+        }
+        nSrcFill -= header.cbSrcLengthUsed;
+        std::copy(vSrc.begin() + header.cbSrcLengthUsed, vSrc.begin() + header.cbSrcLengthUsed + nSrcFill, vSrc.begin());
+        if (header.cbDstLengthUsed > 0) {
+            nDstHeld = header.cbDstLengthUsed / 2;
+            nDstNext = 0;
+            return true;
+        }
+    }
+}
+
+void LSRCACMWave::ReadSource()
+{
     const int64_t nFree = static_cast<int64_t>(vSrc.size()) - nSrcFill;
     const int64_t nLeft = static_cast<int64_t>(nDataSize) - nBytesRead;
     const int64_t nAsk = std::min(nFree, nLeft);
-    if (nAsk > 0) {
-        const int64_t nGot = file.Read(vSrc.data() + nSrcFill, nAsk);
-        nSrcFill += static_cast<uint32_t>(nGot);
-        nBytesRead += static_cast<uint32_t>(nGot);
-        if (nGot < nAsk)
-            nDataSize = nBytesRead; // the file is shorter than its header says
-    }
-    header.cbSrcLength = nSrcFill;
-    header.cbDstLength = static_cast<uint32_t>(vDst.size() * 2);
-    bool bOk = pStream->Convert(header, LCodecStream::kConvertBlockAlign);
-    if (!bOk)
-        LTRACE("LSRCACMWave::Read acmStreamConvert FAILED");
-    if (bOk && header.cbDstLengthUsed == 0 && nSrcFill < vSrc.size()) {
-        bOk = pStream->Convert(header, LCodecStream::kConvertEnd);
-        if (!bOk)
-            LTRACE("LSRCACMWave::Read acmStreamConvert(ACM_STREAMCONVERTF_END) FAILED");
-    }
-    if (!bOk || header.cbDstLengthUsed == 0) {
-        LTRACE("LSRCACMWave::Read End Reached");
-        sEndFrame = std::max<int64_t>(0, static_cast<int64_t>(sPosition) - nWanted);
-        return false;
-    }
-    nSrcFill -= header.cbSrcLengthUsed;
-    std::copy(vSrc.begin() + header.cbSrcLengthUsed, vSrc.begin() + header.cbSrcLengthUsed + nSrcFill, vSrc.begin());
-    nDstHeld = header.cbDstLengthUsed / 2;
-    nDstNext = 0;
-    return true;
+    if (nAsk <= 0)
+        return;
+    const int64_t nGot = file.Read(vSrc.data() + nSrcFill, nAsk);
+    nSrcFill += static_cast<uint32_t>(nGot);
+    nBytesRead += static_cast<uint32_t>(nGot);
+    if (nGot < nAsk)
+        nDataSize = nBytesRead; // the file is shorter than its header says
 }
 
 void LSRCACMWave::Read(int32_t* pBuffer, int32_t nFrames)
@@ -133,6 +146,8 @@ int64_t LSRCACMWave::FrameOfByte(uint64_t nByte) const
 
 int64_t LSRCACMWave::FramesIn(uint32_t nBytes) const
 {
+    if (nBlockFrames == 0)
+        return FrameOfByte(nBytes);
     uint32_t nPCMBytes = 0;
     pStream->Size(nBytes, nPCMBytes, LCodecStream::kSizeSource);
     return nPCMBytes / (2 * nChans);
@@ -205,4 +220,11 @@ int32_t LSRCACMWave::GetLength()
     const uint32_t nUnread = nDataSize - (nBytesRead - nSrcFill);
     const int64_t nLength = std::max(sPosition, 0) + static_cast<int64_t>(nDstHeld / nChans) + FramesIn(nUnread);
     return static_cast<int32_t>(std::min<int64_t>(nLength, INT32_MAX));
+}
+
+int32_t LSRCACMWave::GetLengthInFile()
+{
+    if (IsError())
+        return 0;
+    return static_cast<int32_t>(std::min<int64_t>(FramesIn(nHeldBytes), GetLength()));
 }

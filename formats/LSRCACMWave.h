@@ -24,10 +24,13 @@ public:
     // Exact once the end has been met; until then an estimate from the bytes left.
     int32_t GetLength() override;
     void SetPosition(int32_t sNewPosition) override;
+    // What the bytes the file really holds decode to, when its header claims more.
+    int32_t GetLengthInFile() override;
 
 private:
     // Decodes into the destination buffer; false when nothing more comes.
     bool Refill(int32_t nWanted);
+    void ReadSource();
     void Discard(int64_t nFrames);
     void ResetStream();
     // The frame that a byte of the data starts (the block's first frame for block codecs).
@@ -39,6 +42,7 @@ private:
     LFile file;
     uint32_t nDataSize = 0;
     uint32_t nBytesRead = 0;
+    uint32_t nHeldBytes = 0; // of the data, those the file really holds
     int64_t nDataStart = 0;
     std::unique_ptr<LCodecStream> pStream;
     LCodecStreamHeader header;

@@ -52,7 +52,7 @@ std::vector<std::string> LWaveFormat::GetEncodings() const
     for (const LWidth& w : kWidths)
         v.push_back(w.szName);
     for (const LCodec* p : LCodec::All())
-        if (std::find(v.begin(), v.end(), p->GetShortName()) == v.end())
+        if (p->CanEncode() && std::find(v.begin(), v.end(), p->GetShortName()) == v.end())
             v.push_back(p->GetShortName());
     return v;
 }
@@ -72,7 +72,7 @@ bool LWaveFormat::RecordFor(const LAudioEncoding& encoding, int32_t nSampleRate,
         }
     }
     const LCodec* pCodec = LCodec::ByShortName(encoding.szName);
-    return pCodec && pCodec->MakeRecord(nRate, nChans, record);
+    return pCodec && pCodec->CanEncode() && pCodec->MakeRecord(nRate, nChans, record);
 }
 
 LAudioEncoding LWaveFormat::EncodingOf(const LWaveFormatRecord& record)
@@ -89,7 +89,7 @@ LAudioEncoding LWaveFormat::EncodingOf(const LWaveFormatRecord& record)
         szName = "pcm32";
     else if (record.wBitsPerSample == 64 && szName == "float")
         szName = "float64";
-    return LAudioEncoding{szName, record.vBytes};
+    return LAudioEncoding{szName, record.vBytes, {}};
 }
 
 void LWaveFormat::FitShape(const LAudioEncoding& encoding, int32_t& nSampleRate, uint8_t& nChans) const

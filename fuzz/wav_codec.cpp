@@ -50,7 +50,8 @@ struct LReader
     }
 };
 
-const uint16_t kTags[] = {0x0001, 0x0003, 0xFFFE, 0x0011, 0x0002, 0x0006, 0x0007, 0x0031};
+const uint16_t kTags[] = {0x0001, 0x0003, 0xFFFE, 0x0011, 0x0002, 0x0006, 0x0007, 0x0031, 0x0055};
+const uint32_t kMp3Rates[] = {8000, 22050, 44100, 48000};
 
 // The record: mostly sane shapes for the chosen tag, with every field open to the fuzzer now and then.
 std::vector<uint8_t> MakeRecord(LReader& in)
@@ -59,7 +60,7 @@ std::vector<uint8_t> MakeRecord(LReader& in)
     const uint16_t nTag = kTags[nPick % (sizeof(kTags) / sizeof(kTags[0]))];
     const bool bWild = (nPick & 0x80) != 0;
     const uint16_t nChans = static_cast<uint16_t>(bWild ? in.Take(1) : 1 + in.Take(1) % 2);
-    const uint32_t nRate = bWild ? in.Take(3) : 8000;
+    uint32_t nRate = bWild ? in.Take(3) : 8000;
     uint16_t nBlock = static_cast<uint16_t>(in.Take(2));
     uint16_t nBits = static_cast<uint16_t>(in.Take(1));
     if (!bWild) {
@@ -67,6 +68,7 @@ std::vector<uint8_t> MakeRecord(LReader& in)
         case 0x0011: nBits = 4; nBlock = static_cast<uint16_t>((nBlock % 64 + 2) * 4 * nChans); break;
         case 0x0002: nBits = 4; nBlock = static_cast<uint16_t>(nBlock % 1100 + 7 * nChans + 1); break;
         case 0x0031: nBits = 0; nBlock = 65; break;
+        case 0x0055: nBits = 0; nRate = kMp3Rates[nBlock % 4]; nBlock = 1; break;
         case 0x0006:
         case 0x0007: nBits = 8; nBlock = nChans; break;
         default: nBits = (nBits & 1) ? 32 : (nTag == 3 ? 64 : 24); nBlock = static_cast<uint16_t>(nChans * nBits / 8);

@@ -7,6 +7,7 @@
 #include "formats/codec/LCodecG711.h"
 #include "formats/codec/LCodecGSM.h"
 #include "formats/codec/LCodecIMA.h"
+#include "formats/codec/LCodecMP3.h"
 #include "formats/codec/LCodecMSADPCM.h"
 #include "formats/codec/LCodecPCM.h"
 
@@ -19,7 +20,8 @@ const std::vector<const LCodec*>& LCodec::All()
     static const LCodecMSADPCM msadpcm;
     static const LCodecG711 alaw(LCodecG711::ALaw), ulaw(LCodecG711::ULaw);
     static const LCodecGSM gsm;
-    static const std::vector<const LCodec*> vCodecs = {&pcm, &ieeeFloat, &ima, &msadpcm, &alaw, &ulaw, &gsm};
+    static const LCodecMP3 mp3;
+    static const std::vector<const LCodec*> vCodecs = {&pcm, &ieeeFloat, &ima, &msadpcm, &alaw, &ulaw, &gsm, &mp3};
     return vCodecs;
 }
 

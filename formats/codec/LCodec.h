@@ -19,6 +19,9 @@ struct LCodecShape
     // For codecs whose decoder carries memory from block to block: how many blocks ahead of a
     // seek's target decoding should start so that the memory has settled by the target.
     uint32_t nSettleBlocks = 0;
+    // Blocks of varying size (MPEG frames): nBlockBytes and nBlockFrames give only the average
+    // ratio, and the decoder finds its own blocks in the bytes (DecodeStream).
+    bool bVariable = false;
 };
 
 class LCodecDecoder
@@ -32,6 +35,14 @@ public:
     // The frames a block cut short to nBytes still holds, and their decoding; none by default.
     virtual uint32_t PartFrames(uint32_t nBytes) const { return 0; }
     virtual void DecodePart(const uint8_t* pIn, uint32_t nBytes, int16_t* pOut) {}
+    // For a variable shape: decodes whole blocks of the nIn bytes while their frames fit in
+    // nOutFrames, and reports the bytes used (a block cut off by the buffer's end is left for the
+    // next call unless bEnd) and the frames made.
+    virtual void DecodeStream(const uint8_t* pIn, uint32_t nIn, bool bEnd, int16_t* pOut, uint32_t nOutFrames,
+                              uint32_t& nUsed, uint32_t& nMade)
+    {
+        nUsed = nMade = 0;
+    }
 };
 
 class LCodecEncoder
@@ -57,6 +68,8 @@ public:
 
     virtual const char* GetName() const = 0;      // "IMA ADPCM", as the format chooser lists it
     virtual const char* GetShortName() const = 0; // "ima": the encoding's name when saving
+    // False for codecs that only decode: they are never offered for saving.
+    virtual bool CanEncode() const { return true; }
     // Whether the record is one of this codec's and, if so, its block layout.
     virtual bool Describe(const LWaveFormatRecord& record, LCodecShape& shape) const = 0;
     // The record this codec writes for a rate and channel count, with its usual block size;

@@ -6,6 +6,9 @@
 
 namespace {
 
+// Twice the largest MPEG frame: a variable block and the beginning of the next always fit.
+constexpr uint32_t kVariableBlockRoom = 2 * 2886;
+
 bool IsPCM16(const LWaveFormatRecord& r)
 {
     return r.IsPCM() && r.wBitsPerSample == 16 && r.nChannels >= 1 && r.nBlockAlign == r.nChannels * 2;
@@ -17,12 +20,12 @@ bool SameShape(const LWaveFormatRecord& a, const LWaveFormatRecord& b)
 }
 
 // The codec for the coded side, when the pair is one the layer converts.
-const LCodec* CodecFor(const LWaveFormatRecord& pcm, const LWaveFormatRecord& coded, LCodecShape& shape)
+const LCodec* CodecFor(const LWaveFormatRecord& pcm, const LWaveFormatRecord& coded, bool bDecode, LCodecShape& shape)
 {
     if (!IsPCM16(pcm) || !SameShape(pcm, coded))
         return nullptr;
     const LCodec* pCodec = LCodec::ForRecord(coded, &shape);
-    if (!pCodec || shape.nBlockBytes == 0 || shape.nBlockFrames == 0 || shape.nBlockFrames > LCodec::kMaxBlockFrames ||
+    if (!pCodec || (!bDecode && !pCodec->CanEncode()) || shape.nBlockBytes == 0 || shape.nBlockFrames == 0 || shape.nBlockFrames > LCodec::kMaxBlockFrames ||
         shape.nChans != coded.nChannels)
         return nullptr;
     return pCodec;
@@ -36,7 +39,7 @@ bool LCodecStream::Open(std::unique_ptr<LCodecStream>* ppStream, const LWaveForm
     LCodecShape shape;
     // Decoding when the destination is the PCM side; a PCM-to-PCM pair is the plain readers' work.
     const bool bDecode = IsPCM16(dst) && !IsPCM16(src);
-    const LCodec* pCodec = bDecode ? CodecFor(dst, src, shape) : CodecFor(src, dst, shape);
+    const LCodec* pCodec = bDecode ? CodecFor(dst, src, true, shape) : CodecFor(src, dst, false, shape);
     if (!pCodec) {
         LTRACE("LCodecStream::Open no codec for tags %u -> %u", src.wFormatTag, dst.wFormatTag);
         return false;
@@ -66,6 +69,9 @@ bool LCodecStream::Size(uint32_t nInput, uint32_t& nOutput, uint32_t nFlags) con
             static_cast<uint64_t>(decoder->PartFrames(nInput % shape.nBlockBytes)) * FrameBytes();
     } else if (nFlags == kSizeDestination && decoder) {
         n = nInput / nBlockPCM * shape.nBlockBytes;
+        // Blocks of varying size need room for the largest one and the start of the next.
+        if (shape.bVariable)
+            n = std::max<uint64_t>(n, kVariableBlockRoom);
     } else if (nFlags == kSizeSource && encoder) {
         n = (nInput / FrameBytes() + shape.nBlockFrames - 1) / shape.nBlockFrames * uint64_t{shape.nBlockBytes};
     } else if (nFlags == kSizeDestination && encoder) {
@@ -90,6 +96,14 @@ bool LCodecStream::ConvertDecode(LCodecStreamHeader& header, uint32_t nFlags)
 {
     if (nFlags & kConvertStart)
         decoder->Reset();
+    if (shape.bVariable) {
+        uint32_t nUsed = 0, nMade = 0;
+        decoder->DecodeStream(header.pbSrc, header.cbSrcLength, (nFlags & kConvertEnd) != 0,
+                              reinterpret_cast<int16_t*>(header.pbDst), header.cbDstLength / FrameBytes(), nUsed, nMade);
+        header.cbSrcLengthUsed = std::min(nUsed, header.cbSrcLength);
+        header.cbDstLengthUsed = std::min(nMade * FrameBytes(), header.cbDstLength);
+        return true;
+    }
     const uint32_t nBlockPCM = shape.nBlockFrames * FrameBytes();
     const uint32_t nWhole = header.cbSrcLength / shape.nBlockBytes;
     const uint32_t nBlocks = std::min(nWhole, header.cbDstLength / nBlockPCM);

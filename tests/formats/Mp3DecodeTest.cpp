@@ -170,8 +170,9 @@ TEST(Mp3Decode, SeekIsExactInSamplesOnTheFrameTheAverageSizeFinds)
         src.Read(v.data(), 2000);
         EXPECT_EQ(src.GetPosition(), sAt + 2000);
         EXPECT_LE(std::min(MaxDiffAt(v, sAt), MaxDiffAt(v, sAt + 1152)), 1);
-        if (sAt < 1152 * 5) // no search: the warm-up starts at the file's first byte
+        if (sAt < 1152 * 5) { // no search: the warm-up starts at the file's first byte
             EXPECT_LE(MaxDiffAt(v, sAt), 1);
+        }
     }
     const int32_t nLength = src.GetLength();
     src.SetPosition(nLength + 5000); // held to the length
