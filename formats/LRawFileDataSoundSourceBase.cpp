@@ -93,3 +93,11 @@ void LRawFileDataSoundSourceBase::SetPosition(int32_t sNewPosition)
     if (!IsError())
         SeekFileTo(sNewPosition > 0 ? std::min(sNewPosition, sLength) : 0);
 }
+
+int32_t LRawFileDataSoundSourceBase::GetLengthInFile()
+{
+    if (IsError())
+        return 0;
+    const int64_t nHeld = std::max<int64_t>(0, file.Size() - nDataStart) / nFrameSize;
+    return static_cast<int32_t>(std::min<int64_t>(nHeld, sLength));
+}

@@ -20,6 +20,8 @@ public:
     int32_t GetPosition() override { return sPosition; }
     int32_t GetLength() override { return sLength; }
     void SetPosition(int32_t sNewPosition) override;
+    // The whole frames the file really holds, when a header's size claims more.
+    int32_t GetLengthInFile() override;
 
 protected:
     virtual void Convert(const uint8_t* pBytes, int32_t* pOut, size_t nSamples) const = 0;

@@ -137,6 +137,15 @@ void LMP3Source::EstimateLength()
         fAverageFrameBytes = 1.0;
 }
 
+int32_t LMP3Source::GetLengthInFile()
+{
+    if (IsError() || nVbrFrames == 0)
+        return sLength;
+    const double fLeastFrameBytes = (first.nVersion == 0 ? 144.0 * 32000 : 72.0 * 8000) / first.SampleRate();
+    const double fMostFrames = std::trunc(static_cast<double>(in.GetStreamBytes()) / fLeastFrameBytes) + 1;
+    return std::min(sLength, ClampToLength(fMostFrames * nSamplesPerFrame));
+}
+
 void LMP3Source::RefineLength()
 {
     if (nVbrFrames > 0)

@@ -20,6 +20,9 @@ public:
     void Read(int32_t* pBuffer, int32_t nFrames) override;
     int32_t GetPosition() override { return sPosition; }
     int32_t GetLength() override { return sLength; }
+    // A frame count in the first frame may claim more frames than the bytes could hold even at
+    // the lowest bit rate: what they can hold.
+    int32_t GetLengthInFile() override;
     void SetPosition(int32_t sNewPosition) override;
 
     // What the first frames tell about the file.

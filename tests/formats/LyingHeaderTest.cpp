@@ -7,7 +7,10 @@
 
 #include "core/LCutListAudioLoadSource.h"
 #include "formats/LAudioFile.h"
+#include "formats/codec/LCodec.h"
 #include "support/DocSupport.h"
+#include "tests/formats/CodecFiles.h"
+#include "tests/formats/Mp3Support.h"
 #include "tests/formats/WavBytes.h"
 #include "work/LProgressDialog.h"
 
@@ -108,4 +111,121 @@ TEST(LyingHeader, LoadingStoresOnlyWhatIsThereAndTheRestAsOneSilentCut)
     LSoundSourcePtr pPlay = pDoc->OpenSource();
     pPlay->SetPosition(static_cast<int32_t>(kClaimedFrames) - 10);
     EXPECT_EQ(ReadFrames(*pPlay, 10), std::vector<int32_t>(10, 0));
+}
+
+namespace {
+
+void PutBE(Bytes& v, uint32_t x, int nBytes)
+{
+    for (int i = nBytes - 1; i >= 0; --i)
+        v.push_back(static_cast<uint8_t>(x >> (8 * i)));
+}
+
+// Each maker writes a small file of its format whose header claims 37 hours and returns the frames
+// the file really holds.
+int32_t WriteLyingAu(const std::string& szPath)
+{
+    Bytes v = {'.', 's', 'n', 'd'};
+    for (uint32_t x : {24u, kClaimedFrames * 2, 3u, kRate, 1u})
+        PutBE(v, x, 4);
+    const Bytes vData = Samples16(RealSamples());
+    for (size_t i = 0; i < vData.size(); i += 2)
+        v.insert(v.end(), {vData[i + 1], vData[i]});
+    testsupport::WriteFileBytes(szPath, v);
+    return kRealFrames;
+}
+
+int32_t WriteLyingAiff(const std::string& szPath)
+{
+    Bytes vComm = {'C', 'O', 'M', 'M'};
+    PutBE(vComm, 18, 4);
+    PutBE(vComm, 1, 2);
+    PutBE(vComm, kClaimedFrames, 4);
+    PutBE(vComm, 16, 2);
+    vComm.insert(vComm.end(), {0x40, 0x0B, 0xFA, 0, 0, 0, 0, 0, 0, 0}); // 8000 as an extended number
+    Bytes vSsnd = {'S', 'S', 'N', 'D'};
+    PutBE(vSsnd, 8 + kClaimedFrames * 2, 4);
+    PutBE(vSsnd, 0, 4);
+    PutBE(vSsnd, 0, 4);
+    for (int16_t x : RealSamples())
+        PutBE(vSsnd, static_cast<uint16_t>(x), 2);
+    Bytes v = {'F', 'O', 'R', 'M'};
+    PutBE(v, static_cast<uint32_t>(4 + vComm.size() + 8 + kClaimedFrames * 2), 4);
+    v.insert(v.end(), {'A', 'I', 'F', 'F'});
+    v.insert(v.end(), vComm.begin(), vComm.end());
+    v.insert(v.end(), vSsnd.begin(), vSsnd.end());
+    testsupport::WriteFileBytes(szPath, v);
+    return kRealFrames;
+}
+
+int32_t WriteLyingImaWav(const std::string& szPath)
+{
+    LWaveFormatRecord record;
+    LCodec::ByShortName("ima")->MakeRecord(kRate, 1, record);
+    const uint32_t nBlocks = 4;
+    Bytes vData(nBlocks * record.nBlockAlign, 0x17);
+    const uint32_t nClaimed = kClaimedFrames / 2; // four bits a sample
+    testsupport::WriteFileBytes(szPath, codecfiles::FileOf(record, vData, {}, &nClaimed));
+    LCodecShape shape;
+    LCodec::ForRecord(record, &shape);
+    return static_cast<int32_t>(nBlocks * shape.nBlockFrames);
+}
+
+// An MP3 file whose first frame counts far more frames than follow it.
+int32_t WriteLyingMp3(const std::string& szPath)
+{
+    const std::string szWav = szPath + ".wav";
+    testsupport::WriteSimpleWav(szWav, 44100, 1, 16, testsupport::Sine16(44100, 1, 22050, 440.0));
+    if (testsupport::RunCommand("lame --quiet -b 64 " + mp3test::Quote(szWav) + " " + mp3test::Quote(szPath)) != 0)
+        return -1;
+    Bytes v = testsupport::ReadFileBytes(szPath);
+    for (size_t i = 0; i + 12 < v.size(); ++i) {
+        if (!std::memcmp(v.data() + i, "Info", 4) || !std::memcmp(v.data() + i, "Xing", 4)) {
+            std::memcpy(v.data() + i, "Xing", 4); // a constant-rate file's count is not read
+            const uint32_t nCount = kClaimedFrames / 1152;
+            for (int k = 0; k < 4; ++k)
+                v[i + 8 + k] = static_cast<uint8_t>(nCount >> (24 - 8 * k));
+            testsupport::WriteFileBytes(szPath, v);
+            return static_cast<int32_t>((v.size() / 104 + 1) * 1152); // 32 kbit/s frames are the least
+        }
+    }
+    return -1;
+}
+
+} // namespace
+
+TEST(LyingHeader, EveryFormatWhoseHeaderStatesALengthLoadsOnlyWhatItHolds)
+{
+    testsupport::UsePrivateTankFolder();
+    TempDir dir;
+    const std::string szWork = LAudioCutTank::Instance().GetWorkingFolder();
+    struct Maker
+    {
+        const char* szName;
+        int32_t (*pWrite)(const std::string&);
+    } makers[] = {{"liar.au", WriteLyingAu}, {"liar.aif", WriteLyingAiff}, {"liar-ima.wav", WriteLyingImaWav},
+                  {"liar.mp3", WriteLyingMp3}};
+    for (const Maker& m : makers) {
+        const std::string szPath = dir.File(m.szName);
+        const int32_t nMost = m.pWrite(szPath);
+        if (nMost < 0) {
+            ADD_FAILURE() << m.szName << " could not be made";
+            continue;
+        }
+        LSoundSourcePtr pSource = LAudioFile::OpenSource(szPath);
+        ASSERT_FALSE(pSource->IsError()) << m.szName;
+        const int32_t nClaimed = pSource->GetLength();
+        EXPECT_GT(nClaimed, 1000000000 / 2) << m.szName;
+        const int32_t nHeld = pSource->GetLengthInFile();
+        EXPECT_GT(nHeld, 0) << m.szName;
+        EXPECT_LE(nHeld, nMost) << m.szName;
+
+        const uintmax_t nBefore = BytesIn(szWork);
+        LCutListAudioPtr pDoc(new LCutListAudio);
+        LCutListAudioLoadSource load("Loading", pDoc.Get(), pSource.Get());
+        ASSERT_EQ(load.Run(), 0) << m.szName;
+        EXPECT_LT(BytesIn(szWork) - nBefore, 1u << 20) << m.szName;
+        EXPECT_EQ(pDoc->GetLength(), nClaimed) << m.szName;
+        EXPECT_EQ(pDoc->GetCuts().Last()->nRef, LAudioCutTank::kSilentRef) << m.szName;
+    }
 }
