@@ -6,7 +6,7 @@
 
 #include "core/LComponents.h"
 #include "platform/engine/LChildProcess.h"
-#include "platform/engine/LProcess.h"
+#include "platform/engine/LChildProcess.h"
 
 std::string LSendFile::CheckMailProgram()
 {
@@ -31,7 +31,7 @@ std::string LSendFile::CheckMailProgram()
 
 bool LSendFile::Attach(const std::string& szPath, std::string* pszError)
 {
-    return LProcess::StartDetached({LComponents::Find("xdg-email"), "--attach", szPath}, pszError);
+    return LChildProcess::StartDetached({LComponents::Find("xdg-email"), "--attach", szPath}, pszError);
 }
 
 std::string LSendFile::NewSendFolder()

@@ -1,12 +1,11 @@
 #include "formats/mp3/LMP3EncodePipe.h"
 
 #include <algorithm>
-#include <unistd.h>
 
 #include "core/LComponents.h"
 #include "core/LFixed.h"
 #include "core/LTrace.h"
-#include "platform/engine/LProcess.h"
+#include "platform/engine/LChildProcess.h"
 
 LMP3EncodePipe::LMP3EncodePipe(const std::string& szOutput, const LMP3EncoderSettings& settings, uint8_t nChannels,
                                int32_t nRate)
@@ -24,7 +23,7 @@ LMP3EncodePipe::LMP3EncodePipe(const std::string& szOutput, const LMP3EncoderSet
     vBuffer.resize(static_cast<size_t>(nChans) * kBufferFrames * 2);
     const std::vector<std::string> vArgs = settings.CommandLine(szEncoder, nChans, nSampleRate, szOutput);
     std::string szError;
-    if (!LProcess::StartWithInput(vArgs, kPipeBytes, fdInput, pidEncoder, &szError)) {
+    if (!encoder.Start(vArgs, LChildProcess::PipeIn, &szError)) {
         LTRACE("LMP3EncodePipe::LMP3EncodePipe() CreateProcess FAILED");
         szReason = "cannot start the MP3 encoder: " + szError;
         SetError();
@@ -33,18 +32,17 @@ LMP3EncodePipe::LMP3EncodePipe(const std::string& szOutput, const LMP3EncoderSet
 
 LMP3EncodePipe::~LMP3EncodePipe()
 {
-    if (fdInput >= 0)
-        ::close(fdInput); // the encoder sees the end of its input
-    if (pidEncoder > 0 && !LProcess::WaitExit(pidEncoder, kCloseWaitMs)) {
+    encoder.CloseInput(); // the encoder sees the end of its input
+    if (encoder.IsRunning() && !encoder.Wait(kCloseWaitMs)) {
         LTRACE("LMP3EncodePipe::~LMP3EncodePipe() WaitForSingleObject(hEncoderProcess) FAILED - lame did not exit!");
-        LProcess::KillAndReap(pidEncoder);
+        encoder.Kill();
     }
 }
 
 void LMP3EncodePipe::Write(const int32_t* pBuffer, int32_t nFrames)
 {
     sPosition += std::max(nFrames, 0);
-    if (fdInput < 0)
+    if (!encoder.IsRunning())
         return;
     while (nFrames > 0) {
         const int32_t n = std::min(nFrames, kBufferFrames);
@@ -56,7 +54,7 @@ void LMP3EncodePipe::Write(const int32_t* pBuffer, int32_t nFrames)
             vBuffer[2 * i + 1] = static_cast<uint8_t>(v);
         }
         // An encoder that died loses the bytes; the missing file reports the failure.
-        LProcess::WriteAll(fdInput, vBuffer.data(), nSamples * 2);
+        encoder.Write(vBuffer.data(), nSamples * 2);
         pBuffer += nSamples;
         nFrames -= n;
     }

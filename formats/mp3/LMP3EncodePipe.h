@@ -4,11 +4,11 @@
 #pragma once
 
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 #include "core/LSoundSinkBase.h"
 #include "formats/mp3/LMP3EncoderSettings.h"
+#include "platform/engine/LChildProcess.h"
 
 class LMP3EncodePipe : public LSoundSinkBase
 {
@@ -21,15 +21,13 @@ public:
     void SetPosition(int32_t sNewPosition) override;
 
     static constexpr int kBufferFrames = 8192;
-    static constexpr int kPipeBytes = 32768;
     static constexpr int kCloseWaitMs = 5000;
 
     // Why construction failed, for the user.
     const std::string& GetReason() const { return szReason; }
 
 private:
-    int fdInput = -1;
-    pid_t pidEncoder = 0;
+    LChildProcess encoder;
     std::vector<uint8_t> vBuffer;
     std::string szReason;
 };

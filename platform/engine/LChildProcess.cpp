@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/stat.h>
@@ -75,6 +76,7 @@ bool LChildProcess::Start(const std::vector<std::string>& vArgs, int nPipes, std
         return false;
     }
     IgnoreSigPipe();
+    bMissing = false;
     int inPipe[2] = {-1, -1};
     int outPipe[2] = {-1, -1};
     if (((nPipes & PipeIn) && ::pipe2(inPipe, O_CLOEXEC) != 0) || ((nPipes & PipeOut) && ::pipe2(outPipe, O_CLOEXEC) != 0)) {
@@ -110,6 +112,7 @@ bool LChildProcess::Start(const std::vector<std::string>& vArgs, int nPipes, std
     if (nError != 0) {
         LTRACE("LChildProcess::Start posix_spawnp %s: %s", vArgs[0].c_str(), std::strerror(nError));
         pid = -1;
+        bMissing = nError == ENOENT;
         for (int fd : {inPipe[1], outPipe[0]})
             if (fd >= 0)
                 ::close(fd);
@@ -119,6 +122,29 @@ bool LChildProcess::Start(const std::vector<std::string>& vArgs, int nPipes, std
     fdIn = inPipe[1];
     fdOut = outPipe[0];
     nExitCode = -1;
+    return true;
+}
+
+bool LChildProcess::StartDetached(const std::vector<std::string>& vArgs, std::string* pError)
+{
+    auto pChild = std::make_unique<LChildProcess>();
+    if (!pChild->Start(vArgs, 0, pError))
+        return false;
+    std::thread([pOwned = std::move(pChild)] { pOwned->Wait(-1); }).detach();
+    return true;
+}
+
+bool LChildProcess::Run(const std::vector<std::string>& vArgs, int* pnExit, std::string* pError, bool* pbMissing)
+{
+    LChildProcess child;
+    const bool bStarted = child.Start(vArgs, 0, pError);
+    if (pbMissing)
+        *pbMissing = child.IsMissing();
+    if (!bStarted)
+        return false;
+    child.Wait(-1);
+    if (pnExit)
+        *pnExit = child.GetExitCode();
     return true;
 }
 

@@ -34,6 +34,17 @@ public:
     // Starts vArgs[0] (an absolute path, or looked up on PATH) with the rest as its arguments.
     // Pipes not asked for are connected to /dev/null. False, with a reason, when it cannot start.
     bool Start(const std::vector<std::string>& vArgs, int nPipes, std::string* pError = nullptr);
+    // After a failed Start: whether the program is not installed.
+    bool IsMissing() const { return bMissing; }
+
+    // Starts a program that goes on on its own (a mail program, a mixer); it is reaped in the
+    // background. False, with a reason, when it cannot start.
+    static bool StartDetached(const std::vector<std::string>& vArgs, std::string* pError = nullptr);
+    // Starts a program and waits for it to end: false, with a reason, when it cannot start
+    // (*pbMissing tells one that is not installed); else true with its exit code in *pnExit
+    // (-1 when a signal ended it).
+    static bool Run(const std::vector<std::string>& vArgs, int* pnExit, std::string* pError = nullptr,
+                    bool* pbMissing = nullptr);
 
     // Up to nBytes of its output, waiting at most nTimeoutMs (-1: as long as it takes).
     int64_t Read(void* pBuffer, size_t nBytes, int nTimeoutMs);
@@ -66,6 +77,7 @@ private:
     int fdIn = -1;
     int fdOut = -1;
     int nExitCode = -1;
+    bool bMissing = false;
     std::string szErrorFile;
     std::string szPartLine;
 };

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "core/LTrace.h"
-#include "platform/engine/LProcess.h"
+#include "platform/engine/LChildProcess.h"
 
 const std::vector<std::string>& LTextToSpeech::CommonVoices()
 {
@@ -52,7 +52,7 @@ bool LTextToSpeech::Speak(const std::string& szText, const std::string& szVoice,
     int nExit = 0;
     bool bMissing = false;
     std::string szWhy;
-    const bool bRan = LProcess::Run({kProgram, "-v", szVoice, "-s", std::to_string(nWordsPerMinute), "-w", szWavPath,
+    const bool bRan = LChildProcess::Run({kProgram, "-v", szVoice, "-s", std::to_string(nWordsPerMinute), "-w", szWavPath,
                                      "-f", szTextPath},
                                     &nExit, &szWhy, &bMissing);
     std::remove(szTextPath.c_str());

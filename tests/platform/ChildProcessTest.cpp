@@ -1,10 +1,12 @@
-// Programs run as children with pipes: what goes in and out, how they end, and that none is
-// left behind.
+// Programs run as children, with pipes or on their own: what goes in and out, how they end, and
+// that none is left behind.
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <csignal>
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 #include "platform/engine/LChildProcess.h"
 #include "support/TestSupport.h"
@@ -96,6 +98,41 @@ TEST(ChildProcess, MissingProgramsAreFoundMissing)
     LChildProcess child;
     std::string szError;
     EXPECT_FALSE(child.Start({"sonitra-no-such-program"}, 0, &szError));
+    EXPECT_TRUE(child.IsMissing());
     EXPECT_NE(szError.find("sonitra-no-such-program"), std::string::npos);
     EXPECT_FALSE(child.Start({}, 0, &szError));
+}
+
+TEST(ChildProcess, ArgumentsReachTheProgramUnreadByAShell)
+{
+    TempDir dir;
+    const std::string szOut = dir.File("out; rm -rf x $(true)");
+    ASSERT_TRUE(LChildProcess::StartDetached({"sh", "-c", "printf '%s' \"$1\" > \"$2\"", "sh", "a b * $HOME", szOut}));
+    std::string szGot;
+    for (int i = 0; i < 200 && szGot.empty(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        std::ifstream f(szOut);
+        std::getline(f, szGot);
+    }
+    EXPECT_EQ(szGot, "a b * $HOME");
+}
+
+TEST(ChildProcess, MissingProgramsAreReportedWhenStartedOnTheirOwn)
+{
+    std::string szError;
+    EXPECT_FALSE(LChildProcess::StartDetached({"sonitra-no-such-program"}, &szError));
+    EXPECT_NE(szError.find("sonitra-no-such-program"), std::string::npos);
+    EXPECT_FALSE(LChildProcess::StartDetached({}, &szError));
+}
+
+TEST(ChildProcess, WaitsAndReportsTheExitStatusOrAMissingProgram)
+{
+    int nExit = -5;
+    ASSERT_TRUE(LChildProcess::Run({"sh", "-c", "exit 3"}, &nExit));
+    EXPECT_EQ(nExit, 3);
+    std::string szError;
+    bool bMissing = false;
+    EXPECT_FALSE(LChildProcess::Run({"sonitra-no-such-program"}, &nExit, &szError, &bMissing));
+    EXPECT_TRUE(bMissing);
+    EXPECT_NE(szError.find("sonitra-no-such-program"), std::string::npos);
 }

@@ -1,26 +1,13 @@
-// Speech through espeak-ng, and the waiting process runner under it.
+// Speech through espeak-ng.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/engine/LProcess.h"
 #include "platform/engine/LTextToSpeech.h"
 #include "support/TestSupport.h"
 
 using namespace testsupport;
-
-TEST(ProcessRun, WaitsAndReportsTheExitStatusOrAMissingProgram)
-{
-    int nExit = -5;
-    ASSERT_TRUE(LProcess::Run({"sh", "-c", "exit 3"}, &nExit));
-    EXPECT_EQ(nExit, 3);
-    std::string szError;
-    bool bMissing = false;
-    EXPECT_FALSE(LProcess::Run({"sonitra-no-such-program"}, &nExit, &szError, &bMissing));
-    EXPECT_TRUE(bMissing);
-    EXPECT_NE(szError.find("sonitra-no-such-program"), std::string::npos);
-}
 
 TEST(TextToSpeech, SpeaksIntoAWavFile)
 {

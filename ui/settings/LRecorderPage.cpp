@@ -12,7 +12,7 @@
 #include <QSpinBox>
 
 #include "core/LSettings.h"
-#include "platform/engine/LProcess.h"
+#include "platform/engine/LChildProcess.h"
 #include "ui/LUiPrompts.h"
 
 namespace {
@@ -58,7 +58,7 @@ void LRecorderPage::Save()
 void LRecorderPage::OpenMixer()
 {
     std::string szError;
-    if (LProcess::StartDetached(kMixerCommand, &szError))
+    if (LChildProcess::StartDetached(kMixerCommand, &szError))
         return;
     LUiPrompts::Get().Inform(this, "Sonitra",
                              tr("The recording mixer could not be started (%1). Install pavucontrol to choose the "
