@@ -28,6 +28,10 @@ public:
     void EncodeWavBlock(const int16_t* pSamples, uint8_t* pBlock);
     void DecodeWavBlock(const uint8_t* pBlock, int16_t* pSamples);
 
+    // The decoder's memory, kept and put back around seeks.
+    LGSMDecoder& Decoder() { return decoder; }
+    const LGSMDecoder& Decoder() const { return decoder; }
+
 private:
     LGSMEncoder encoder;
     LGSMDecoder decoder;

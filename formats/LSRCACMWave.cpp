@@ -46,6 +46,10 @@ LSRCACMWave::LSRCACMWave(LFile&& fileIn, const LWaveFormatRecord& record, uint32
     nHeldBytes = static_cast<uint32_t>(std::clamp<int64_t>(file.Size() - nDataStart, 0, nDataSize));
     vSrc.resize(nSrcBytes);
     vDst.resize(nDstBytes / 2);
+    if (nBlockFrames && pStream->GetShape().nSettleBlocks) {
+        vKept.push_back({0, pStream->SaveState()});
+        nRunBlock = 0;
+    }
     header.pbSrc = vSrc.data();
     header.pbDst = reinterpret_cast<uint8_t*>(vDst.data());
 }
@@ -59,6 +63,7 @@ void LSRCACMWave::ResetStream()
     nDstHeld = 0;
     nDstNext = 0;
     sEndFrame = -1;
+    nRunBlock = -1;
 }
 
 bool LSRCACMWave::Refill(int32_t nWanted)
@@ -82,6 +87,7 @@ bool LSRCACMWave::Refill(int32_t nWanted)
             sEndFrame = std::max<int64_t>(0, static_cast<int64_t>(sPosition) - nWanted);
             return false;
         }
+        KeepState(header.cbSrcLengthUsed);
         nSrcFill -= header.cbSrcLengthUsed;
         std::copy(vSrc.begin() + header.cbSrcLengthUsed, vSrc.begin() + header.cbSrcLengthUsed + nSrcFill, vSrc.begin());
         if (header.cbDstLengthUsed > 0) {
@@ -170,8 +176,11 @@ void LSRCACMWave::SetPosition(int32_t sNewPosition)
         file.Seek(nDataStart);
         nBytesRead = 0;
         sPosition = sNewPosition;
+        nRunBlock = vKept.empty() ? -1 : 0;
         return;
     }
+    if (ResumeNear(sNewPosition))
+        return;
     uint64_t nOffset = ByteOfFrame(sNewPosition);
     if (nOffset >= nDataSize) {
         file.Seek(nDataStart + nDataSize);
@@ -227,4 +236,41 @@ int32_t LSRCACMWave::GetLengthInFile()
     if (IsError())
         return 0;
     return static_cast<int32_t>(std::min<int64_t>(FramesIn(nHeldBytes), GetLength()));
+}
+
+void LSRCACMWave::KeepState(uint32_t nBytesUsed)
+{
+    if (nRunBlock < 0)
+        return;
+    if (nBytesUsed % nBlockAlign) { // a last part block: nothing follows it to resume at
+        nRunBlock = -1;
+        return;
+    }
+    nRunBlock += nBytesUsed / nBlockAlign;
+    if (vKept.size() < kMaxKeptStates && nRunBlock > vKept.back().nBlock)
+        vKept.push_back({nRunBlock, pStream->SaveState()});
+}
+
+bool LSRCACMWave::ResumeNear(int32_t sFrame)
+{
+    if (vKept.empty())
+        return false;
+    const int64_t nBlock = sFrame / nBlockFrames;
+    auto it = std::upper_bound(vKept.begin(), vKept.end(), nBlock,
+                               [](int64_t n, const LKeptState& k) { return n < k.nBlock; });
+    if (it == vKept.begin())
+        return false;
+    --it;
+    const int64_t sKept = it->nBlock * nBlockFrames;
+    const uint64_t nOffset = static_cast<uint64_t>(it->nBlock) * nBlockAlign;
+    if (sFrame - sKept > kBlockFrames || nOffset >= nDataSize)
+        return false;
+    pStream->LoadState(it->vState);
+    file.Seek(nDataStart + static_cast<int64_t>(nOffset));
+    nBytesRead = static_cast<uint32_t>(nOffset);
+    nRunBlock = it->nBlock;
+    sPosition = static_cast<int32_t>(sKept);
+    Discard(sFrame - sKept);
+    sPosition = sFrame;
+    return true;
 }

@@ -38,6 +38,10 @@ private:
     uint64_t ByteOfFrame(int64_t sFrame) const;
     // The frames nBytes of data decode to.
     int64_t FramesIn(uint32_t nBytes) const;
+    // Decoders with memory: their state is kept every buffer or so while decoding runs on from
+    // the start, and a seek inside that stretch resumes from the nearest kept state before it.
+    void KeepState(uint32_t nBytesUsed);
+    bool ResumeNear(int32_t sFrame);
 
     LFile file;
     uint32_t nDataSize = 0;
@@ -57,4 +61,12 @@ private:
     uint32_t nBlockFrames = 0; // frames in one block, 0 when not known
     int32_t sPosition = 0;
     int64_t sEndFrame = -1;
+    struct LKeptState
+    {
+        int64_t nBlock; // the state before this block
+        std::vector<uint8_t> vState;
+    };
+    std::vector<LKeptState> vKept; // by block, ascending
+    int64_t nRunBlock = -1;        // the block decoding has reached from a kept state; -1: none
+    static constexpr size_t kMaxKeptStates = 20000;
 };

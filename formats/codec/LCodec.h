@@ -38,6 +38,10 @@ public:
     // For a variable shape: decodes whole blocks of the nIn bytes while their frames fit in
     // nOutFrames, and reports the bytes used (a block cut off by the buffer's end is left for the
     // next call unless bEnd) and the frames made.
+    // The memory that carries from block to block, to be put back so that a seek resumes exactly
+    // where straight reading was; empty for codecs whose blocks stand alone.
+    virtual std::vector<uint8_t> SaveState() const { return {}; }
+    virtual void LoadState(const std::vector<uint8_t>& vState) {}
     virtual void DecodeStream(const uint8_t* pIn, uint32_t nIn, bool bEnd, int16_t* pOut, uint32_t nOutFrames,
                               uint32_t& nUsed, uint32_t& nMade)
     {

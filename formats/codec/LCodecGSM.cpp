@@ -1,9 +1,14 @@
 #include "formats/codec/LCodecGSM.h"
 
+#include <cstring>
+#include <type_traits>
+
 #include "formats/LGSMFrame.h"
 #include "formats/codec/LCodecBytes.h"
 
 namespace {
+
+static_assert(std::is_trivially_copyable_v<LGSMDecoder>, "the decoder's memory is kept as bytes");
 
 // Nearly a second at 8000 Hz, as much as a seek may discard: by then the decoder's filters and
 // pitch memory have forgotten that they started afresh, but for the last bits of the output filter.
@@ -13,6 +18,16 @@ class LGsmDecoder : public LCodecDecoder
 {
 public:
     void Reset() override { frame.Reset(); }
+    std::vector<uint8_t> SaveState() const override
+    {
+        const auto* p = reinterpret_cast<const uint8_t*>(&frame.Decoder());
+        return std::vector<uint8_t>(p, p + sizeof(LGSMDecoder));
+    }
+    void LoadState(const std::vector<uint8_t>& vState) override
+    {
+        if (vState.size() == sizeof(LGSMDecoder))
+            std::memcpy(static_cast<void*>(&frame.Decoder()), vState.data(), sizeof(LGSMDecoder));
+    }
     void DecodeBlocks(const uint8_t* pIn, uint32_t nBlocks, int16_t* pOut) override
     {
         for (uint32_t i = 0; i < nBlocks; ++i)

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "formats/codec/LCodec.h"
 
@@ -46,6 +47,13 @@ public:
     bool Convert(LCodecStreamHeader& header, uint32_t nFlags);
 
     bool IsDecoding() const { return decoder != nullptr; }
+    // The decoder's memory between blocks (see LCodecDecoder); empty when it keeps none.
+    std::vector<uint8_t> SaveState() const { return decoder ? decoder->SaveState() : std::vector<uint8_t>(); }
+    void LoadState(const std::vector<uint8_t>& vState)
+    {
+        if (decoder)
+            decoder->LoadState(vState);
+    }
     const LCodecShape& GetShape() const { return shape; }
 
 private:
