@@ -34,7 +34,7 @@ TSAN_TESTS = test_core test_work test_devices
 test-tsan:
 	cmake -S . -B build/tsan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_TSAN=ON -DSONITRA_UI=OFF -DSONITRA_BENCH=OFF
 	cmake --build build/tsan -j $(JOBS) --target $(TSAN_TESTS)
-	for t in $(TSAN_TESTS); do TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" build/tsan/tests/$$t || exit 1; done
+	for t in $(TSAN_TESTS); do TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 suppressions=$(CURDIR)/tools/tsan.supp" build/tsan/tests/$$t || exit 1; done
 
 # make fuzz TARGET=wav SECONDS=600
 TARGET ?= wav

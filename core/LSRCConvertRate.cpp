@@ -351,7 +351,17 @@ int32_t LSRCConvertRate::GetPosition()
 
 int32_t LSRCConvertRate::GetLength()
 {
-    const int64_t nLength = static_cast<int64_t>(pInput->GetLength()) * nSampleRate / pInput->GetSampleRate();
+    return AtOutputRate(pInput->GetLength());
+}
+
+int32_t LSRCConvertRate::GetLengthInFile()
+{
+    return AtOutputRate(pInput->GetLengthInFile());
+}
+
+int32_t LSRCConvertRate::AtOutputRate(int32_t nInputFrames) const
+{
+    const int64_t nLength = static_cast<int64_t>(nInputFrames) * nSampleRate / pInput->GetSampleRate();
     return static_cast<int32_t>(std::clamp<int64_t>(nLength, 0, INT32_MAX));
 }
 

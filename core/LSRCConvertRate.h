@@ -31,10 +31,12 @@ public:
     int32_t GetPosition() override;
     // The input's length scaled to the new rate (rounded down).
     int32_t GetLength() override;
+    int32_t GetLengthInFile() override;
     // Seeks the input and restarts the filter there with zeroed history.
     void SetPosition(int32_t sPosition) override;
 
 private:
+    int32_t AtOutputRate(int32_t nInputFrames) const;
     struct State;
     LSoundSourcePtr pInput;
     std::unique_ptr<State> pState;

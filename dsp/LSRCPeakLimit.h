@@ -23,6 +23,7 @@ public:
     void Read(int32_t* pBuffer, int32_t nFrames) override;
     int32_t GetPosition() override { return sPosition; }
     int32_t GetLength() override { return pInput->GetLength(); }
+    int32_t GetLengthInFile() override { return pInput->GetLengthInFile(); }
     void SetPosition(int32_t sNewPosition) override;
 
     int32_t GetBlockFrames() const { return nBlock; }
