@@ -188,7 +188,7 @@ private slots:
     void aFileReadCompressedStartsFromItsOwnFormat()
     {
         const LWaveFormatRecord ima = Ima(2);
-        LAudioEncoding encoding{"ima", ima.vBytes};
+        LAudioEncoding encoding{"ima", ima.vBytes, {}};
         WhenShown<LWaveSaveDlg>([](LWaveSaveDlg& dlg) {
             QVERIFY(dlg.findChild<QRadioButton*>("compressed")->isChecked());
             QCOMPARE(dlg.findChild<QLabel*>("format")->text(), QString("IMA ADPCM, 11025 Hz, Stereo"));
@@ -202,7 +202,7 @@ private slots:
     void anUnavailableRememberedFormatIsNotAccepted()
     {
         LWaveFileFormat::WriteRemembered(UnknownBuffer());
-        LAudioEncoding encoding{"alaw", {}};
+        LAudioEncoding encoding{"alaw", {}, {}};
         WhenShown<LWaveSaveDlg>([this](LWaveSaveDlg& dlg) {
             QVERIFY(dlg.findChild<QLabel*>("format")->text().endsWith("(not available)"));
             dlg.accept(); // refused: the dialog stays
