@@ -109,6 +109,34 @@ TEST_F(BatchCli, ScriptRefusesWhatTheDialogsRefuse)
     EXPECT_NE(Err().find("GetCommandDataItemData failed because datasize is too small"), std::string::npos) << Err();
 }
 
+// One command at a time, the batch and the effect verb run the same engine function: the same
+// samples, with no rounding between steps to tell them apart.
+TEST_F(BatchCli, EachCommandAloneEqualsTheEffectVerbExactly)
+{
+    const std::vector<std::string> vIn = MakeInputs(3, "in");
+    const char* aCommands[] = {"normalize NormalizePeakLevel=50", "high-pass-filter LowCutFreq=400", "fade-in",
+                               "echo EchoTime=20 EchoGain=30", "reverse"};
+    int nScript = 0;
+    for (const char* szCommand : aCommands) {
+        SCOPED_TRACE(szCommand);
+        const std::string szTag = std::to_string(nScript++);
+        const std::string szScript = dir.File("one" + szTag + ".snb");
+        ASSERT_EQ(Cli("script new " + szScript + " " + szCommand), 0) << Err();
+        std::string szList;
+        for (const std::string& sz : vIn)
+            szList += " " + sz;
+        ASSERT_EQ(Cli("batch " + szScript + szList + " --to wav --out " + dir.File("b" + szTag) + " --jobs 1"), 0) << Err();
+        for (size_t i = 0; i < vIn.size(); ++i) {
+            const std::string szName = "/f" + std::to_string(i) + ".wav";
+            const std::string szStep = dir.File("e" + szTag + "-" + std::to_string(i) + ".wav");
+            ASSERT_EQ(Cli("effect " + vIn[i] + " " + szStep + " " + szCommand), 0) << Err();
+            const std::vector<int16_t> vBatch = WavSamples(dir.File("b" + szTag + szName));
+            ASSERT_EQ(vBatch.size(), 400u) << i;
+            EXPECT_EQ(vBatch, WavSamples(szStep)) << i;
+        }
+    }
+}
+
 // 200 files through normalize, high-pass filter and fade in on two workers, one of them unreadable:
 // every other output equals `effect` run step by step, and the summary names the bad one. The
 // level stays well below full scale, so the peak limiter of a save never acts on the steps' files.
