@@ -8,6 +8,14 @@
 #include "formats/mp3/LMP3TableData.h"
 #include "formats/mp3/LMP3Tables.h"
 
+// The filter banks are plain float loops: where the processor has wider vector units, a second
+// copy built for them is chosen when the program starts.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__)
+#define LMP3_WIDE_VECTORS __attribute__((target_clones("arch=x86-64-v3", "default")))
+#else
+#define LMP3_WIDE_VECTORS
+#endif
+
 struct LMP3Decoder::BitReader
 {
     const uint8_t* p;
@@ -301,6 +309,9 @@ void LMP3Decoder::BuildBandScales(const Granule& g, int ch)
     aBandScale[nBands] = 0.0f;
 }
 
+// The set bits of a count1 quadruple: one per sign bit that follows it.
+constexpr int kOnes[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
+
 int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
 {
     float* xr = aXr[ch];
@@ -366,7 +377,7 @@ int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int c
         const int nBefore = br.nPos;
         const uint32_t q = br.Decode(nBook);
         int a[4];
-        const int nOnes = std::popcount(q);
+        const int nOnes = kOnes[q & 15];
         const uint32_t nSigns = br.Get(nOnes);
         for (int k = 0, nLeft = nOnes; k < 4; ++k) {
             const int v = static_cast<int>(q >> (3 - k)) & 1;
@@ -566,14 +577,37 @@ void Imdct36(const float* x, float* y)
         g[n] = a + b;
         h[n] = (a - b) * MP3LT.fImdctInv36[n];
     }
-    float G[9] = {}, H[10] = {};
-    for (int n = 0; n < 9; ++n) {
-        const float fg = g[n], fh = h[n];
-        for (int k = 0; k < 9; ++k) {
-            G[k] += fg * MP3LT.fImdctDct9[n][k];
-            H[k] += fh * MP3LT.fImdctDct9[n][k];
-        }
+    // The nine-point DCTs: cos(pi (17 - 2n) k / 18) = (-1)^k cos(pi (2n + 1) k / 18), so the even
+    // outputs take the sums of mirrored inputs and the odd ones their differences.
+    float gs[5], gd[4], hs[5], hd[4];
+    for (int n = 0; n < 4; ++n) {
+        gs[n] = g[n] + g[8 - n];
+        gd[n] = g[n] - g[8 - n];
+        hs[n] = h[n] + h[8 - n];
+        hd[n] = h[n] - h[8 - n];
     }
+    gs[4] = g[4];
+    hs[4] = h[4];
+    float G[9], H[10];
+    for (int k = 0; k < 9; k += 2) {
+        float a = 0.0f, b = 0.0f;
+        for (int n = 0; n < 5; ++n) {
+            a += gs[n] * MP3LT.fImdctDct9[n][k];
+            b += hs[n] * MP3LT.fImdctDct9[n][k];
+        }
+        G[k] = a;
+        H[k] = b;
+    }
+    for (int k = 1; k < 9; k += 2) {
+        float a = 0.0f, b = 0.0f;
+        for (int n = 0; n < 4; ++n) {
+            a += gd[n] * MP3LT.fImdctDct9[n][k];
+            b += hd[n] * MP3LT.fImdctDct9[n][k];
+        }
+        G[k] = a;
+        H[k] = b;
+    }
+    H[9] = 0.0f;
     // y4[2m] = G[m] + H[m] + H[m + 1], y4[2m + 1] = H[m] + H[m + 1] + G[m + 1].
     float y4[18];
     for (int m = 0; m < 9; ++m) {
@@ -674,7 +708,7 @@ template <>
 
 } // namespace
 
-void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
+LMP3_WIDE_VECTORS void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
 {
     const float* pD = MP3LT.fSynth;
     for (int t = 0; t < 18; ++t) {
