@@ -312,7 +312,7 @@ void LMP3Decoder::BuildBandScales(const Granule& g, int ch)
 // The set bits of a count1 quadruple: one per sign bit that follows it.
 constexpr int kOnes[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
 
-int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
+LMP3_WIDE_VECTORS int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
 {
     float* xr = aXr[ch];
     const float* pPow = MP3LT.fPow43;
