@@ -589,24 +589,20 @@ void Imdct36(const float* x, float* y)
     gs[4] = g[4];
     hs[4] = h[4];
     float G[9], H[10];
-    for (int k = 0; k < 9; k += 2) {
-        float a = 0.0f, b = 0.0f;
-        for (int n = 0; n < 5; ++n) {
-            a += gs[n] * MP3LT.fImdctDct9[n][k];
-            b += hs[n] * MP3LT.fImdctDct9[n][k];
+    // Outputs k0, k0 + 2, ... from the first nTerms of pg and ph.
+    const auto Outputs = [&G, &H](const float* pg, const float* ph, int nTerms, int k0) {
+        for (int k = k0; k < 9; k += 2) {
+            float a = 0.0f, b = 0.0f;
+            for (int n = 0; n < nTerms; ++n) {
+                a += pg[n] * MP3LT.fImdctDct9[n][k];
+                b += ph[n] * MP3LT.fImdctDct9[n][k];
+            }
+            G[k] = a;
+            H[k] = b;
         }
-        G[k] = a;
-        H[k] = b;
-    }
-    for (int k = 1; k < 9; k += 2) {
-        float a = 0.0f, b = 0.0f;
-        for (int n = 0; n < 4; ++n) {
-            a += gd[n] * MP3LT.fImdctDct9[n][k];
-            b += hd[n] * MP3LT.fImdctDct9[n][k];
-        }
-        G[k] = a;
-        H[k] = b;
-    }
+    };
+    Outputs(gs, hs, 5, 0);
+    Outputs(gd, hd, 4, 1);
     H[9] = 0.0f;
     // y4[2m] = G[m] + H[m] + H[m + 1], y4[2m + 1] = H[m] + H[m + 1] + G[m + 1].
     float y4[18];
