@@ -1,17 +1,12 @@
 #include "ui/LBookmarkListDlg.h"
 
 #include <QDateTime>
-#include <QDialogButtonBox>
 #include <QHeaderView>
-#include <QPushButton>
-#include <QTimer>
 #include <QTreeWidget>
-#include <QVBoxLayout>
 
 #include "core/LEdFile.h"
 #include "core/LSoundTime.h"
 #include "ui/LEdFileWindow.h"
-#include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
 
 namespace {
@@ -25,43 +20,42 @@ int32_t RateOf(MainDialog& frame, const std::string& szKey)
 }
 } // namespace
 
-LBookmarkListDlg::LBookmarkListDlg(MainDialog& owner) : QDialog(&owner), frame(owner)
+LBookmarkListDlg::LBookmarkListDlg(MainDialog& owner)
+    : LMarkListDlg(owner, "Bookmarks", "BookmarkList", {"Name", "Position", "Times Visited", "Last Visited"},
+                   "Rename Bookmark")
 {
-    setWindowTitle("Bookmarks");
-    setObjectName("BookmarkListDlg");
-    pList = new QTreeWidget(this);
-    pList->setObjectName("BookmarkList");
-    pList->setRootIsDecorated(false);
-    pList->setHeaderLabels({"Name", "Position", "Times Visited", "Last Visited"});
     pList->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    auto* pButtons = new QDialogButtonBox(this);
-    QPushButton* pGoTo = pButtons->addButton("&Go To", QDialogButtonBox::AcceptRole);
-    QPushButton* pRename = pButtons->addButton("&Rename...", QDialogButtonBox::ActionRole);
-    QPushButton* pDelete = pButtons->addButton("&Delete", QDialogButtonBox::ActionRole);
-    pButtons->addButton(QDialogButtonBox::Close);
-    pGoTo->setDefault(true);
-    connect(pGoTo, &QPushButton::clicked, this, [this] { CmGoTo(CurrentRow()); });
-    connect(pRename, &QPushButton::clicked, this, [this] { QTimer::singleShot(0, this, &LBookmarkListDlg::CmRename); });
-    connect(pDelete, &QPushButton::clicked, this, [this] { Delete(CurrentRow()); });
-    connect(pButtons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(pList, &QTreeWidget::itemActivated, this, [this] { CmGoTo(CurrentRow()); });
-    auto* pLayout = new QVBoxLayout(this);
-    pLayout->addWidget(pList);
-    pLayout->addWidget(pButtons);
     resize(620, 360);
     Fill();
 }
 
-int LBookmarkListDlg::CurrentRow() const
+int LBookmarkListDlg::Count() const
 {
-    QTreeWidgetItem* p = pList->currentItem();
-    return p ? pList->indexOfTopLevelItem(p) : -1;
+    return static_cast<int>(frame.GetBookmarks().size());
 }
 
-void LBookmarkListDlg::Fill()
+std::string LBookmarkListDlg::NameAt(int nRow) const
 {
-    const int nRow = std::max(CurrentRow(), 0);
-    pList->clear();
+    return frame.GetBookmarks()[nRow].GetName();
+}
+
+void LBookmarkListDlg::SetNameAt(int nRow, const std::string& szName)
+{
+    auto& v = frame.GetBookmarks();
+    v[nRow].SetName(szName);
+    frame.BookmarksChanged(v[nRow].GetPath());
+}
+
+void LBookmarkListDlg::EraseAt(int nRow)
+{
+    auto& v = frame.GetBookmarks();
+    const std::string szKey = v[nRow].GetPath();
+    v.erase(v.begin() + nRow);
+    frame.BookmarksChanged(szKey);
+}
+
+void LBookmarkListDlg::AddRows()
+{
     for (const LEdBookMark& b : frame.GetBookmarks()) {
         LSoundTime t;
         t.SetSamples(b.sPosition, RateOf(frame, b.GetPath()));
@@ -73,45 +67,4 @@ void LBookmarkListDlg::Fill()
                                                   QString::number(b.nTimesVisited), szLast});
         pItem->setToolTip(0, QString::fromStdString(b.GetPath()));
     }
-    if (pList->topLevelItemCount() > 0)
-        pList->setCurrentItem(pList->topLevelItem(std::min(nRow, pList->topLevelItemCount() - 1)));
-}
-
-void LBookmarkListDlg::CmGoTo(int nRow)
-{
-    if (nRow < 0 || nRow >= static_cast<int>(frame.GetBookmarks().size()))
-        return;
-    nChosen = nRow;
-    accept();
-}
-
-void LBookmarkListDlg::CmRename()
-{
-    const int nRow = CurrentRow();
-    if (nRow < 0 || nRow >= static_cast<int>(frame.GetBookmarks().size()))
-        return;
-    QString szName = QString::fromStdString(frame.GetBookmarks()[nRow].GetName());
-    if (LUiPrompts::Get().AskText(this, "Rename Bookmark", "Name:", szName))
-        Rename(nRow, szName.toStdString());
-}
-
-void LBookmarkListDlg::Rename(int nRow, const std::string& szName)
-{
-    auto& v = frame.GetBookmarks();
-    if (nRow < 0 || nRow >= static_cast<int>(v.size()))
-        return;
-    v[nRow].SetName(szName);
-    frame.BookmarksChanged(v[nRow].GetPath());
-    Fill();
-}
-
-void LBookmarkListDlg::Delete(int nRow)
-{
-    auto& v = frame.GetBookmarks();
-    if (nRow < 0 || nRow >= static_cast<int>(v.size()))
-        return;
-    const std::string szKey = v[nRow].GetPath();
-    v.erase(v.begin() + nRow);
-    frame.BookmarksChanged(szKey);
-    Fill();
 }

@@ -1,32 +1,18 @@
-// The bookmark list: name, position, times visited and last visited of every bookmark, with
-// go to, rename and delete. Going to a bookmark closes the list; the frame then moves there.
+// The bookmark list: name, position, times visited and last visited of every bookmark.
 #pragma once
 
-#include <QDialog>
+#include "ui/LMarkListDlg.h"
 
-class MainDialog;
-class QTreeWidget;
-
-class LBookmarkListDlg : public QDialog
+class LBookmarkListDlg : public LMarkListDlg
 {
     Q_OBJECT
 public:
     explicit LBookmarkListDlg(MainDialog& frame);
 
-    // The bookmark chosen by Go To; -1 when the list was closed without one.
-    int GetChosen() const { return nChosen; }
-    QTreeWidget* GetList() const { return pList; }
-
-    void Fill();
-    void CmGoTo(int nRow);
-    void Rename(int nRow, const std::string& szName);
-    void Delete(int nRow);
-
-private:
-    void CmRename();
-    int CurrentRow() const;
-
-    MainDialog& frame;
-    QTreeWidget* pList = nullptr;
-    int nChosen = -1;
+protected:
+    int Count() const override;
+    std::string NameAt(int nRow) const override;
+    void SetNameAt(int nRow, const std::string& szName) override;
+    void EraseAt(int nRow) override;
+    void AddRows() override;
 };

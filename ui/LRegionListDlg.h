@@ -1,36 +1,26 @@
 // The region list: every region as "name@start-end", ticked when "Assemble Regions" takes it,
-// with go to, rename and delete, and the "AutoGap" and "AutoGapTime" settings of assembling.
+// and the "AutoGap" and "AutoGapTime" settings of assembling.
 #pragma once
 
-#include <QDialog>
+#include "ui/LMarkListDlg.h"
 
-class MainDialog;
 class QCheckBox;
 class QSpinBox;
-class QTreeWidget;
 
-class LRegionListDlg : public QDialog
+class LRegionListDlg : public LMarkListDlg
 {
     Q_OBJECT
 public:
     explicit LRegionListDlg(MainDialog& frame);
 
-    int GetChosen() const { return nChosen; }
-    QTreeWidget* GetList() const { return pList; }
-
-    void Fill();
-    void CmGoTo(int nRow);
-    void Rename(int nRow, const std::string& szName);
-    void Delete(int nRow);
+protected:
+    int Count() const override;
+    std::string NameAt(int nRow) const override;
+    void SetNameAt(int nRow, const std::string& szName) override;
+    void EraseAt(int nRow) override;
+    void AddRows() override;
 
 private:
-    void CmRename();
-    int CurrentRow() const;
-
-    MainDialog& frame;
-    QTreeWidget* pList = nullptr;
     QCheckBox* pAutoGap = nullptr;
     QSpinBox* pGapTime = nullptr;
-    int nChosen = -1;
-    bool bFilling = false;
 };
