@@ -21,7 +21,7 @@ run: build
 test: deps test-debug test-asan test-tsan
 
 test-debug:
-	cmake -S . -B build/debug $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_BENCH=OFF
+	cmake -S . -B build/debug $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DSONITRA_BENCH=ON
 	cmake --build build/debug -j $(JOBS)
 	cd build/debug && ctest --output-on-failure -j $(JOBS)
 

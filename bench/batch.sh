@@ -5,6 +5,7 @@
 # steps with sox, one file after the other, for reference.
 # Usage: bench/batch.sh BUILD_DIR
 set -euo pipefail
+. "$(dirname "$0")/lib/timing.sh"
 if [ $# -ne 1 ]; then
   echo "usage: bench/batch.sh BUILD_DIR" >&2
   exit 64
@@ -22,19 +23,8 @@ for i in $(seq 0 199); do
 done
 "$cli" script new "$work/s.snb" normalize NormalizePeakLevel=90 then high-pass-filter LowCutFreq=300 then fade-in
 
-# Best wall time of three runs, in seconds.
-best_of_3() {
-  local best="" start end t
-  for _ in 1 2 3; do
-    rm -rf "$work/out"
-    start=$(date +%s.%N)
-    "$@" >/dev/null 2>&1
-    end=$(date +%s.%N)
-    t=$(awk -v a="$start" -v b="$end" 'BEGIN { printf "%.4f", b - a }')
-    if [ -z "$best" ] || awk -v t="$t" -v b="$best" 'BEGIN { exit !(t < b) }'; then best=$t; fi
-  done
-  echo "$best"
-}
+# Every timed run starts with no outputs.
+before_run() { rm -rf "$work/out"; }
 
 sox_steps() {
   mkdir -p "$work/out"

@@ -2,6 +2,7 @@
 # Converting a 10-minute stereo 16-bit WAV: sonitra-cli against sox, the same work in the same
 # run. Prints the ratio of wall times (sonitra / sox; the goal is <= 1.0).
 set -euo pipefail
+. "$(dirname "$0")/lib/timing.sh"
 if [ $# -ne 1 ]; then
   echo "usage: bench/convert.sh BUILD_DIR" >&2
   exit 64
@@ -14,18 +15,6 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 sox -n -r 44100 -c 2 -b 16 "$work/in.wav" synth 600 sine 440 sine 1000 gain -3
 
-# Best wall time of three runs, in seconds.
-best_of_3() {
-  local best="" start end t
-  for _ in 1 2 3; do
-    start=$(date +%s.%N)
-    "$@" >/dev/null 2>&1
-    end=$(date +%s.%N)
-    t=$(awk -v a="$start" -v b="$end" 'BEGIN { printf "%.4f", b - a }')
-    if [ -z "$best" ] || awk -v t="$t" -v b="$best" 'BEGIN { exit !(t < b) }'; then best=$t; fi
-  done
-  echo "$best"
-}
 
 compare() {
   local label=$1 ours theirs

@@ -121,7 +121,7 @@ double TimeOurs(const std::string& szIn, const std::string& szOut, const char* s
         return -1;
     const double fApplied = Seconds(t0);
     LSoundSourcePtr pOut = pDoc->OpenSource();
-    if (LAudioFile::Save(dlg, "Saving", pOut.Get(), szOut, pDoc->GetSampleRate(), pDoc->GetChannels(), 16) != 0)
+    if (LAudioFile::Save(dlg, "Saving", pOut.Get(), szOut, pDoc->GetSampleRate(), pDoc->GetChannels(), LAudioEncoding()) != 0)
         return -1;
     if (std::getenv("SONITRA_BENCH_PHASES"))
         std::printf("  load %.2f  apply %.2f  save %.2f\n", fLoaded, fApplied - fLoaded, Seconds(t0) - fApplied);
@@ -141,7 +141,7 @@ int RunSpeed(const std::string& szDir, int nMinutes, int nRepeat)
     {
         BenchDialog dlg;
         LSoundSourcePtr pSig(new LSRCBenchSignal(nMinutes * 60 * 44100));
-        if (LAudioFile::Save(dlg, "Writing", pSig.Get(), szIn, 44100, 2, 16) != 0) {
+        if (LAudioFile::Save(dlg, "Writing", pSig.Get(), szIn, 44100, 2, LAudioEncoding()) != 0) {
             std::fprintf(stderr, "bench_effects: cannot write %s\n", szIn.c_str());
             return 2;
         }

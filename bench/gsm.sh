@@ -4,6 +4,7 @@
 # times (sonitra / toast, sonitra / untoast; the goal is <= 1.0) and checks that both sides
 # produced the same bytes and samples.
 set -euo pipefail
+. "$(dirname "$0")/lib/timing.sh"
 if [ $# -ne 1 ]; then
   echo "usage: bench/gsm.sh BUILD_DIR" >&2
   exit 64
@@ -30,19 +31,8 @@ sox "$work/speech.wav" -t raw "$work/speech.raw"
 toast -l -c "$work/speech.raw" > "$work/theirs.gsm"
 cat "$work/speech.wav" "$work/speech.raw" "$work/theirs.gsm" >/dev/null # in the page cache for both
 
-# Best wall time of five runs, in seconds: the runs are short, and the best of a few
-# keeps a busy machine from deciding the ratio.
-best_of_5() {
-  local best="" start end t
-  for _ in 1 2 3 4 5; do
-    start=$(date +%s.%N)
-    "$@" >/dev/null 2>&1
-    end=$(date +%s.%N)
-    t=$(awk -v a="$start" -v b="$end" 'BEGIN { printf "%.4f", b - a }')
-    if [ -z "$best" ] || awk -v t="$t" -v b="$best" 'BEGIN { exit !(t < b) }'; then best=$t; fi
-  done
-  echo "$best"
-}
+# The times below are the best of five runs: the runs are short, and the best of a few keeps a
+# busy machine from deciding the ratio.
 
 report() {
   awk -v l="$1" -v a="$2" -v t="$3" -v b="$4" \
@@ -52,13 +42,13 @@ report() {
 # Both sides write their output to a file.
 to_file() { local out=$1; shift; "$@" > "$out"; }
 
-ours=$(best_of_5 "$cli" convert "$work/speech.wav" "$work/ours.gsm")
-theirs=$(best_of_5 to_file "$work/toast.gsm" toast -l -c "$work/speech.raw")
+ours=$(best_of 5 "$cli" convert "$work/speech.wav" "$work/ours.gsm")
+theirs=$(best_of 5 to_file "$work/toast.gsm" toast -l -c "$work/speech.raw")
 report "encode 10 min to .gsm" "$ours" toast "$theirs"
 cmp -s "$work/ours.gsm" "$work/theirs.gsm" || echo "!! the encoded frames differ from toast's" >&2
 
-ours=$(best_of_5 "$cli" convert "$work/theirs.gsm" "$work/ours.wav")
-theirs=$(best_of_5 to_file "$work/theirs.raw" untoast -l -c "$work/theirs.gsm")
+ours=$(best_of 5 "$cli" convert "$work/theirs.gsm" "$work/ours.wav")
+theirs=$(best_of 5 to_file "$work/theirs.raw" untoast -l -c "$work/theirs.gsm")
 report "decode 10 min from .gsm" "$ours" untoast "$theirs"
 sox "$work/ours.wav" -t raw "$work/ours.raw"
 cmp -s "$work/ours.raw" "$work/theirs.raw" || echo "!! the decoded samples differ from untoast's" >&2

@@ -3,6 +3,7 @@
 # decoder against mpg123 and ffmpeg decoding the same files, on one core, in the same run.
 # Prints the ratios of wall times (the goal is <= 1.0 against mpg123). Usage: bench/mp3_decode.sh BUILD_DIR
 set -euo pipefail
+. "$(dirname "$0")/lib/timing.sh"
 BUILD=${1:-build/release}
 BIN="$BUILD/bench/bench_mp3_decode"
 [ -x "$BIN" ] || { echo "mp3_decode: $BIN not built"; exit 1; }
@@ -23,18 +24,6 @@ lame --quiet -V 2 "$DIR/st.wav" "$DIR/vbr2.mp3"
 lame --quiet -b 48 -m m "$DIR/mono22.wav" "$DIR/mpeg2-22k.mp3"
 rm -f "$DIR"/*.wav
 
-now() { date +%s.%N; }
-# Best wall time of three runs, in seconds.
-best_of_3() {
-  local best=999 t0 t1
-  for _ in 1 2 3; do
-    t0=$(now)
-    "$@" >/dev/null 2>&1
-    t1=$(now)
-    best=$(echo "$t0 $t1 $best" | awk '{d = $2 - $1; print (d < $3 ? d : $3)}')
-  done
-  echo "$best"
-}
 
 echo "mp3_decode: 10-minute files, best of 3 wall times on one core"
 status=0

@@ -3,6 +3,7 @@
 # 10-minute stereo 16-bit WAV: sonitra-cli against sox's tempo, pitch and rate, the same work in
 # the same run. Prints the ratio of wall times (sonitra / sox; the goal is <= 1.0).
 set -euo pipefail
+. "$(dirname "$0")/lib/timing.sh"
 if [ $# -ne 1 ]; then
   echo "usage: bench/speed_pitch.sh BUILD_DIR" >&2
   exit 64
@@ -17,18 +18,6 @@ export XDG_CONFIG_HOME="$work/config" XDG_CACHE_HOME="$work/cache"
 # Something with a changing pitch and noise in it, so that the grain search has work to do.
 sox -n -r 44100 -c 2 -b 16 "$work/in.wav" synth 600 sine 200-2000 sine 330 brownnoise gain -6
 
-# Best wall time of three runs, in seconds.
-best_of_3() {
-  local best="" start end t
-  for _ in 1 2 3; do
-    start=$(date +%s.%N)
-    "$@" >/dev/null 2>&1
-    end=$(date +%s.%N)
-    t=$(awk -v a="$start" -v b="$end" 'BEGIN { printf "%.4f", b - a }')
-    if [ -z "$best" ] || awk -v t="$t" -v b="$best" 'BEGIN { exit !(t < b) }'; then best=$t; fi
-  done
-  echo "$best"
-}
 
 report() {
   awk -v l="$1" -v a="$2" -v b="$3" \

@@ -3,6 +3,7 @@
 # sox) to raw 16-bit samples, beside sox doing the same in the same run. Prints the ratio of wall
 # times (sonitra / sox; the goal is <= 1.0 for each). Usage: bench/wav_codecs.sh BUILD_DIR
 set -euo pipefail
+. "$(dirname "$0")/lib/timing.sh"
 bin="${1:-build/release}/bench/bench_wav_decode"
 [ -x "$bin" ] || { echo "no $bin" >&2; exit 2; }
 command -v sox >/dev/null || { echo "wav_codecs: sox is not installed; skipping" >&2; exit 0; }
@@ -15,19 +16,6 @@ for enc in ima-adpcm ms-adpcm u-law; do
   cat "$work/$enc.wav" >/dev/null # in the page cache for both
 done
 
-# Best wall time of three runs, in seconds.
-best_of_3() {
-  local best="" start end t
-  for _ in 1 2 3; do
-    start=$(date +%s.%N)
-    "$@" >/dev/null 2>&1
-    end=$(date +%s.%N)
-    rm -f "$work/out.raw"
-    t=$(awk -v a="$start" -v b="$end" 'BEGIN { printf "%.4f", b - a }')
-    if [ -z "$best" ] || awk -v t="$t" -v b="$best" 'BEGIN { exit !(t < b) }'; then best=$t; fi
-  done
-  echo "$best"
-}
 
 status=0
 for enc in ima-adpcm ms-adpcm u-law; do

@@ -33,7 +33,7 @@ bool AskMp3Settings(QWidget* pParent, int32_t nSampleRate, uint8_t nChans, LAudi
         return false;
     const LMP3EncoderSettings settings = dlg.GetSettings();
     settings.Save();
-    encoding = LAudioEncoding{"mp3", settings.ToRecord()};
+    encoding = LAudioEncoding{"mp3", settings.ToRecord(), {}};
     return true;
 }
 
