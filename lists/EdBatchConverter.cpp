@@ -10,12 +10,35 @@
 #include "dsp/effects/LEffectRunner.h"
 
 namespace {
+// A path as the file system resolves it, found once per path: comparing these finds two names of
+// one file without asking the file system for every pair.
+struct LResolvedPath
+{
+    std::string szResolved;
+    bool bExists = false;
+
+    explicit LResolvedPath(const std::string& sz)
+    {
+        std::error_code ec;
+        szResolved = std::filesystem::weakly_canonical(sz, ec).string();
+        if (ec)
+            szResolved = sz;
+        bExists = std::filesystem::exists(sz, ec);
+    }
+};
+
+bool SameFile(const std::string& szA, const LResolvedPath& a, const std::string& szB, const LResolvedPath& b)
+{
+    if (szA == szB || a.szResolved == b.szResolved)
+        return true;
+    // Hard links are one file under two resolved names: only files that exist can be that.
+    std::error_code ec;
+    return a.bExists && b.bExists && std::filesystem::equivalent(szA, szB, ec);
+}
+
 bool SameFile(const std::string& szA, const std::string& szB)
 {
-    std::error_code ec;
-    if (std::filesystem::equivalent(szA, szB, ec))
-        return true;
-    return std::filesystem::weakly_canonical(szA, ec) == std::filesystem::weakly_canonical(szB, ec) && !ec;
+    return SameFile(szA, LResolvedPath(szA), szB, LResolvedPath(szB));
 }
 } // namespace
 
@@ -48,15 +71,18 @@ std::vector<std::string> EdBatchConverter::OutputPathsFor(const std::vector<std:
                                                           const LBatchOutput& output, std::vector<std::string>& vWhy)
 {
     std::vector<std::string> vPaths;
+    std::vector<LResolvedPath> vResolved;
     vWhy.assign(vInputs.size(), "");
     for (size_t i = 0; i < vInputs.size(); ++i) {
         std::string szOut = OutputPathFor(vInputs[i], output);
+        const LResolvedPath resolved(szOut);
         for (size_t k = 0; k < i && !szOut.empty(); ++k) {
-            if (!vPaths[k].empty() && (vPaths[k] == szOut || SameFile(vPaths[k], szOut))) {
+            if (!vPaths[k].empty() && SameFile(vPaths[k], vResolved[k], szOut, resolved)) {
                 vWhy[i] = "another file of this batch is written to " + szOut;
                 szOut.clear();
             }
         }
+        vResolved.push_back(resolved);
         if (szOut.empty() && vWhy[i].empty())
             vWhy[i] = "the output path is too long";
         vPaths.push_back(szOut);
