@@ -11,22 +11,6 @@
 
 namespace {
 
-std::vector<int16_t> WavSamples(const std::string& szPath)
-{
-    const std::vector<uint8_t> v = testsupport::ReadFileBytes(szPath);
-    for (size_t i = 12; i + 8 <= v.size();) {
-        const uint32_t nSize = v[i + 4] | v[i + 5] << 8 | v[i + 6] << 16 | static_cast<uint32_t>(v[i + 7]) << 24;
-        if (std::memcmp(&v[i], "data", 4) == 0) {
-            std::vector<int16_t> vOut;
-            for (size_t k = i + 8; k + 1 < std::min<size_t>(v.size(), i + 8 + nSize); k += 2)
-                vOut.push_back(static_cast<int16_t>(v[k] | v[k + 1] << 8));
-            return vOut;
-        }
-        i += 8 + nSize + (nSize & 1);
-    }
-    return {};
-}
-
 std::string Text(const std::string& szPath)
 {
     auto v = testsupport::ReadFileBytes(szPath);
@@ -130,9 +114,9 @@ TEST_F(BatchCli, EachCommandAloneEqualsTheEffectVerbExactly)
             const std::string szName = "/f" + std::to_string(i) + ".wav";
             const std::string szStep = dir.File("e" + szTag + "-" + std::to_string(i) + ".wav");
             ASSERT_EQ(Cli("effect " + vIn[i] + " " + szStep + " " + szCommand), 0) << Err();
-            const std::vector<int16_t> vBatch = WavSamples(dir.File("b" + szTag + szName));
+            const std::vector<int16_t> vBatch = testsupport::ReadWavSamples16(dir.File("b" + szTag + szName));
             ASSERT_EQ(vBatch.size(), 400u) << i;
-            EXPECT_EQ(vBatch, WavSamples(szStep)) << i;
+            EXPECT_EQ(vBatch, testsupport::ReadWavSamples16(szStep)) << i;
         }
     }
 }
@@ -175,8 +159,8 @@ TEST_F(BatchCli, ManyFilesEqualTheEffectsStepByStep)
             EXPECT_NE(testsupport::RunCommand("test -e " + szOut), 0);
             continue;
         }
-        const std::vector<int16_t> vBatch = WavSamples(szOut);
-        const std::vector<int16_t> vSteps = WavSamples(szStep + "/c" + std::to_string(i) + ".wav");
+        const std::vector<int16_t> vBatch = testsupport::ReadWavSamples16(szOut);
+        const std::vector<int16_t> vSteps = testsupport::ReadWavSamples16(szStep + "/c" + std::to_string(i) + ".wav");
         ASSERT_EQ(vBatch.size(), 400u) << i;
         ASSERT_EQ(vBatch.size(), vSteps.size()) << i;
         // Step by step, each intermediate file rounds to 16 bits; the batch, like the editor, keeps

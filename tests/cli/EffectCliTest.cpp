@@ -12,22 +12,6 @@
 
 namespace {
 
-std::vector<int16_t> WavSamples(const std::string& szPath)
-{
-    const std::vector<uint8_t> v = testsupport::ReadFileBytes(szPath);
-    for (size_t i = 12; i + 8 <= v.size();) {
-        const uint32_t nSize = v[i + 4] | v[i + 5] << 8 | v[i + 6] << 16 | static_cast<uint32_t>(v[i + 7]) << 24;
-        if (std::memcmp(&v[i], "data", 4) == 0) {
-            std::vector<int16_t> vOut;
-            for (size_t k = i + 8; k + 1 < std::min<size_t>(v.size(), i + 8 + nSize); k += 2)
-                vOut.push_back(static_cast<int16_t>(v[k] | v[k + 1] << 8));
-            return vOut;
-        }
-        i += 8 + nSize + (nSize & 1);
-    }
-    return {};
-}
-
 class EffectCli : public ::testing::Test
 {
 protected:
@@ -68,7 +52,7 @@ TEST_F(EffectCli, EchoRunsTheSameStageAsTheEditor)
     LSRCEcho echo(pSrc.Get(), 40, 100);
     std::vector<int32_t> v(vInternal.size());
     echo.Read(v.data(), 8000);
-    auto vOut = WavSamples(Out());
+    auto vOut = testsupport::ReadWavSamples16(Out());
     ASSERT_EQ(vOut.size(), v.size());
     for (size_t i = 0; i < v.size(); ++i)
         ASSERT_EQ(vOut[i], LTo16(v[i])) << i;
@@ -77,7 +61,7 @@ TEST_F(EffectCli, EchoRunsTheSameStageAsTheEditor)
 TEST_F(EffectCli, RangeLimitsTheEffectAndDefaultsApply)
 {
     ASSERT_EQ(Run(In() + " " + Out() + " reverse --range 1000,3000"), 0);
-    auto vOut = WavSamples(Out());
+    auto vOut = testsupport::ReadWavSamples16(Out());
     ASSERT_EQ(vOut.size(), vIn.size());
     EXPECT_EQ(vOut[0], vIn[0]);
     EXPECT_EQ(vOut[2 * 1000], vIn[2 * 2999]);
@@ -86,7 +70,7 @@ TEST_F(EffectCli, RangeLimitsTheEffectAndDefaultsApply)
 
     // No AmplifyGain given and none stored: the default 100 % leaves the audio as it was.
     ASSERT_EQ(Run(In() + " " + Out() + " amplify"), 0);
-    auto vSame = WavSamples(Out());
+    auto vSame = testsupport::ReadWavSamples16(Out());
     ASSERT_EQ(vSame.size(), vIn.size());
     for (size_t i = 0; i < vIn.size(); ++i)
         ASSERT_EQ(vSame[i], vIn[i]);
@@ -128,7 +112,7 @@ TEST_F(EffectCli, UnknownNamesAndBadSyntaxAreUsageErrors)
 TEST_F(EffectCli, MixFileAndCompressorLabels)
 {
     ASSERT_EQ(Run(In() + " " + Out() + " mix-file File=" + In() + " PasteMixVolume=100 --range 0,0"), 0);
-    auto vOut = WavSamples(Out());
+    auto vOut = testsupport::ReadWavSamples16(Out());
     ASSERT_EQ(vOut.size(), vIn.size());
     EXPECT_EQ(vOut[100], 2 * vIn[100]);
     EXPECT_EQ(Run(In() + " " + Out() + " dynamic-range-compressor CompressorRatio=Limit CompressorThreshold=-30"), 0);

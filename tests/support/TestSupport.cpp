@@ -1,8 +1,10 @@
 #include "support/TestSupport.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -101,6 +103,22 @@ std::vector<int32_t> Sine16(int nRate, int nChans, int nFrames, double fHz, doub
             v[static_cast<size_t>(i) * nChans + c] =
                 static_cast<int32_t>(std::lround(fAmplitude * std::sin(2.0 * M_PI * fHz * i / nRate + c)));
     return v;
+}
+
+std::vector<int16_t> ReadWavSamples16(const std::string& szPath)
+{
+    const std::vector<uint8_t> v = ReadFileBytes(szPath);
+    for (size_t i = 12; i + 8 <= v.size();) {
+        const uint32_t nSize = v[i + 4] | v[i + 5] << 8 | v[i + 6] << 16 | static_cast<uint32_t>(v[i + 7]) << 24;
+        if (std::memcmp(&v[i], "data", 4) == 0) {
+            std::vector<int16_t> vOut;
+            for (size_t k = i + 8; k + 1 < std::min<size_t>(v.size(), i + 8 + nSize); k += 2)
+                vOut.push_back(static_cast<int16_t>(v[k] | v[k + 1] << 8));
+            return vOut;
+        }
+        i += 8 + nSize + (nSize & 1);
+    }
+    return {};
 }
 
 } // namespace testsupport

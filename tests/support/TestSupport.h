@@ -30,6 +30,9 @@ void WriteFileBytes(const std::string& szPath, const std::vector<uint8_t>& vByte
 // Writes a canonical 44-byte-header PCM WAV (8 or 16 bits) of interleaved samples in file units.
 void WriteSimpleWav(const std::string& szPath, int nRate, int nChans, int nBits, const std::vector<int32_t>& vFileSamples);
 
+// The 16-bit samples of a WAV file's "data" chunk, read by walking its chunks; empty without one.
+std::vector<int16_t> ReadWavSamples16(const std::string& szPath);
+
 // A sine in 16-bit file units.
 std::vector<int32_t> Sine16(int nRate, int nChans, int nFrames, double fHz, double fAmplitude = 16000.0);
 
