@@ -1,6 +1,14 @@
 # Front door: `make run` builds and starts the program, `make test` builds and runs every test.
 JOBS ?= $(shell nproc)
 CMAKE_GEN = -G Ninja
+# A compiler cache, where installed, makes the three test builds and later rebuilds cheap; paths are
+# taken relative to the checkout so that any clone of the project shares the cache.
+CCACHE := $(shell command -v ccache 2>/dev/null)
+ifneq ($(CCACHE),)
+  CMAKE_GEN += -DCMAKE_CXX_COMPILER_LAUNCHER=$(CCACHE) -DCMAKE_C_COMPILER_LAUNCHER=$(CCACHE)
+  export CCACHE_BASEDIR := $(CURDIR)
+  export CCACHE_NOHASHDIR := 1
+endif
 
 .PHONY: all deps build run test test-debug test-asan test-tsan fuzz bench install package clean
 

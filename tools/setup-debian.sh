@@ -2,7 +2,7 @@
 # Installs what building, testing and running need on Debian 12. Quick when all is present.
 set -euo pipefail
 packages=(
-  build-essential cmake ninja-build pkg-config git
+  build-essential cmake ninja-build pkg-config git ccache
   libgtest-dev libgmock-dev
   qt6-base-dev qt6-base-dev-tools libgl-dev
   portaudio19-dev
