@@ -1,6 +1,6 @@
 #!/bin/sh
 # Fails when a source file includes what its folder's layer may not use:
-#   engine folders (core, work, formats, dsp, devices, platform/engine, platform/audio) never
+#   engine folders (core, work, formats, dsp, devices, project, lists, platform/engine, platform/audio) never
 #   include Qt, ui/, app/, cli/ or platform/qtcore/; core/ and work/ only each other; formats/ and
 #   dsp/ never each other; formats/ may start other programs through platform/engine/ but uses no
 #   other platform code; devices/ never platform/ (backends register themselves) nor formats/.
@@ -20,7 +20,7 @@ forbid() { # folder, extended pattern of forbidden includes, what the rule is
     fi
 }
 
-for dir in core work formats dsp devices platform/engine platform/audio; do
+for dir in core work formats dsp devices project lists platform/engine platform/audio; do
     forbid "$dir" 'Q[A-Za-z]|qt|ui/|app/|cli/|platform/qtcore/' "$dir/ is engine code: no Qt and nothing of the faces"
 done
 forbid core 'formats/|dsp/|devices/|platform/' "core/ builds on the standard library and work/ only"
