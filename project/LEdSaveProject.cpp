@@ -8,6 +8,8 @@
 LEdSaveProject::LEdSaveProject(const std::string& szNewPath, const LEdProject& proj, LProjectSegments* pSegs)
     : LProgressDialog("Saving project"), szPath(szNewPath), project(proj), pSegments(pSegs)
 {
+    // The file names its audio folder, so the pair opens wherever it is moved or renamed to.
+    project.szAudioFolder = pSegments ? pSegments->NameBeside(szPath) : std::string();
 }
 
 void LEdSaveProject::OnStage(void* pThis, LEdProject::Stage stage)
@@ -20,6 +22,11 @@ void LEdSaveProject::OnStage(void* pThis, LEdProject::Stage stage)
 int32_t LEdSaveProject::Process()
 {
     SetText("Saving project", 0);
+    if (!project.FitsCounts()) {
+        szError = kTooManyMessage;
+        LTRACE("LEdSaveProject::Process %s", szError.c_str());
+        return ResultError;
+    }
     if (pSegments)
         pSegments->BeginSave();
     LByteWriter out;
