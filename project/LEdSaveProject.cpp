@@ -42,6 +42,8 @@ int32_t LEdSaveProject::Process()
         return pSegments->Keep(nTankRef, nStored);
     };
     if (!project.Write(out, mapRef, &LEdSaveProject::OnStage, this)) {
+        if (pSegments)
+            pSegments->EndSave(false);
         if (bCancelled)
             return ResultCancelled;
         szError = "The audio of the project could not be placed in " +
@@ -50,6 +52,8 @@ int32_t LEdSaveProject::Process()
         return ResultError;
     }
     if (!LAtomicFile::Write(szPath, out.Bytes())) {
+        if (pSegments)
+            pSegments->EndSave(false);
         szError = "The project file could not be written.";
         LTRACE("LEdSaveProject::Process cannot write %s", szPath.c_str());
         return ResultError;

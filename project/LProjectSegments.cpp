@@ -64,12 +64,9 @@ std::string LProjectSegments::NewFolderFor(const std::string& szProjectPath)
     for (int i = 1; i < 1000; ++i) {
         const std::string szName = szStem + "_audio" + (i == 1 ? std::string() : "_" + std::to_string(i));
         const std::filesystem::path folder = path.parent_path() / szName;
-        // A folder with anything in it may be another project's: it is never shared.
+        // A folder that exists, even empty, may be another project's: it is never shared.
         std::error_code ec;
-        const bool bFree = !std::filesystem::exists(folder, ec)
-                               ? !ec
-                               : std::filesystem::is_directory(folder, ec) && std::filesystem::is_empty(folder, ec);
-        if (bFree && !ec)
+        if (!std::filesystem::exists(folder, ec) && !ec)
             return folder.string() + "/";
     }
     return FolderFor(szProjectPath);
@@ -148,7 +145,7 @@ void LProjectSegments::BeginSave()
 {
     // The folder is claimed at once, so that no new project picks the same one.
     std::error_code ec;
-    std::filesystem::create_directories(szFolder, ec);
+    bCreatedFolder = std::filesystem::create_directories(szFolder, ec) || bCreatedFolder;
     setUsed.clear();
     nLinked = 0;
     nCopied = 0;
@@ -202,8 +199,14 @@ bool LProjectSegments::Keep(uint16_t nTankRef, uint16_t& nStored)
 
 void LProjectSegments::EndSave(bool bSucceeded)
 {
-    if (!bSucceeded)
-        return; // the old project file may still name every one of them
+    if (!bSucceeded) {
+        // The old project file may still name every file placed; a folder made for nothing goes.
+        std::error_code ec;
+        if (bCreatedFolder && std::filesystem::is_empty(szFolder, ec) && std::filesystem::remove(szFolder, ec))
+            bCreatedFolder = false;
+        return;
+    }
+    bCreatedFolder = false;
     // Only files this store placed or brought in for this project are removed: anything else in
     // the folder may belong to another project.
     for (auto it = mapByTank.begin(); it != mapByTank.end();) {

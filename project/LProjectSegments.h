@@ -30,8 +30,8 @@ public:
     // does not record its folder keeps its audio.
     static std::string FolderFor(const std::string& szProjectPath);
     // The folder for a project saved anew at szProjectPath: "<name>_audio", or "<name>_audio_2"
-    // and on when that exists with something in it, so a new project never shares the folder of
-    // another (a long name is cut to leave the result room in a file entry).
+    // and on when that exists, so a new project never shares the folder of another (a long name
+    // is cut to leave the result room in a file entry).
     static std::string NewFolderFor(const std::string& szProjectPath);
     const std::string& GetFolder() const { return szFolder; }
     // The folder's own name when it lies beside the project file; empty otherwise.
@@ -40,7 +40,8 @@ public:
     // Saving. BeginSave forgets which numbers the last save used; Keep gives the number under
     // which the tank segment is kept, placing it first when it is new (false when it cannot be
     // placed; a segment whose own file has gone is kept as silence); EndSave, after a successful
-    // save, removes the files and references that save did not use.
+    // save, removes the files and references that save did not use, and after a failed one the
+    // folder BeginSave made when nothing was placed in it.
     void BeginSave();
     bool Keep(uint16_t nTankRef, uint16_t& nStored);
     void EndSave(bool bSucceeded);
@@ -74,6 +75,7 @@ private:
     std::set<uint16_t> setOnDisk;             // numbers found in the folder
     std::vector<uint16_t> vMissing;           // numbers a load could not bring in
     bool bScanned = false;
+    bool bCreatedFolder = false; // by a save that has not yet succeeded
     uint16_t nNextNumber = 0;
     int32_t nLinked = 0;
     int32_t nCopied = 0;

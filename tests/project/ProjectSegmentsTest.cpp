@@ -226,3 +226,19 @@ TEST_F(ProjectSegmentsTest, SegmentsAreCopiedWhereTheFileSystemRefusesLinks)
     }
     std::filesystem::remove_all(szShm);
 }
+
+TEST_F(ProjectSegmentsTest, AFailedFirstSaveLeavesNoEmptyFolderToClaimAName)
+{
+    LEdProject p;
+    LCutListAudioPtr pSilent(new LCutListAudio(8000, 1));
+    pSilent->InsertSilence(0, 100);
+    p.vFiles.push_back(FileOf(dir.File("a.wav"), pSilent));
+    // Nothing can take the project's name.
+    std::filesystem::create_directories(dir.File("p.snp/inside"));
+    std::unique_ptr<LProjectSegments> pSegs;
+    EXPECT_EQ(Save(dir.File("p.snp"), p, pSegs), LProgressDialog::ResultError);
+    EXPECT_FALSE(std::filesystem::exists(dir.File("p_audio")));
+    std::filesystem::remove_all(dir.File("p.snp"));
+    ASSERT_EQ(Save(dir.File("p.snp"), p, pSegs), 0);
+    EXPECT_EQ(pSegs->GetFolder(), dir.File("p_audio/"));
+}
