@@ -21,8 +21,10 @@ const char kUsage[] =
     "       sonitra-cli project render FILE.snp N OUT\n"
     "\n"
     "new     makes a project of the audio files; N counts the files from 1 and times are seconds\n"
-    "        or h:mm:ss.mmm. The audio goes into the folder OUT_audio beside the project, so the\n"
-    "        project no longer needs the files it was made from.\n"
+    "        or h:mm:ss.mmm. The audio goes into a folder of its own beside the project (OUT_audio,\n"
+    "        or OUT_audio_2 and on when that is taken), so the project no longer needs the files it\n"
+    "        was made from. The project names that folder: move or rename the two together.\n"
+    "        A project holds at most 255 files, 255 bookmarks and 255 regions.\n"
     "info    lists the project's files (path, rate, channels, length), its bookmarks (name, time,\n"
     "        times visited) and its regions (name@start-end).\n"
     "render  writes the project's N-th document to OUT, in the format its extension names.";
@@ -79,8 +81,10 @@ int RunNew(const std::vector<std::string>& vArgs)
     }
     if (vFiles.size() < 2)
         return Usage("new needs the project and at least one audio file"), CliUsage;
-    if (vFiles.size() > 256)
+    if (vFiles.size() > LEdProject::kMaxRecords + 1)
         return Usage("a project holds at most 255 files"), CliUsage;
+    if (vBookmarks.size() > LEdProject::kMaxRecords || vRegions.size() > LEdProject::kMaxRecords)
+        return Usage("a project holds at most 255 bookmarks and 255 regions"), CliUsage;
     const std::string szOut = vFiles.front();
     vFiles.erase(vFiles.begin());
     for (const Mark& m : vBookmarks)
@@ -127,7 +131,7 @@ int RunNew(const std::vector<std::string>& vArgs)
         project.vRegions.emplace_back(m.szName, LEdProject::FileKey(f.entry), *f.pDoc,
                                       LSoundTime::MsToSamples(m.nStartMs, nRate), LSoundTime::MsToSamples(m.nEndMs, nRate));
     }
-    LProjectSegments segments(LProjectSegments::FolderFor(szOut));
+    LProjectSegments segments(LProjectSegments::NewFolderFor(szOut));
     LEdSaveProject save(szOut, project, &segments);
     const int32_t nResult = save.Run();
     if (nResult != 0) {
@@ -147,6 +151,8 @@ bool Load(LEdLoadProject& load, const std::string& szPath)
         LCliError(szPath + ": " + LEdLoadProject::kVersionMessage);
     else if (load.IsOpenError())
         LCliError(szPath + ": cannot be opened");
+    else if (load.IsMissingAudio())
+        LCliError(szPath + ": " + load.GetError());
     else
         LCliError(szPath + ": damaged (" + load.GetError() + ")");
     return false;

@@ -1,5 +1,7 @@
 #include "project/LBookmarkFile.h"
 
+#include <algorithm>
+
 #include "core/LFile.h"
 #include "core/LTrace.h"
 #include "project/LAtomicFile.h"
@@ -46,17 +48,27 @@ Result Load(const std::string& szAudioPath, std::vector<LEdBookMark>& vOut)
     return Read(in, vOut);
 }
 
+size_t CountOf(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll)
+{
+    size_t nMine = 0;
+    for (const LEdBookMark& b : vAll)
+        nMine += b.GetPath() == szAudioPath;
+    return nMine;
+}
+
 std::vector<uint8_t> Serialize(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll)
 {
     LByteWriter out;
     out.U8(kVersion);
-    size_t nMine = 0;
+    // Save refuses more than the count byte holds; the bytes never disagree with their count.
+    const size_t nMine = std::min(CountOf(szAudioPath, vAll), kMaxBookmarks);
+    out.U8(static_cast<uint8_t>(nMine));
+    size_t nWritten = 0;
     for (const LEdBookMark& b : vAll)
-        nMine += b.GetPath() == szAudioPath;
-    out.U8(static_cast<uint8_t>(nMine & 0xFF)); // wraps above 255; every record is still written
-    for (const LEdBookMark& b : vAll)
-        if (b.GetPath() == szAudioPath)
+        if (nWritten < nMine && b.GetPath() == szAudioPath) {
             b.Write(out);
+            ++nWritten;
+        }
     return out.Bytes();
 }
 
@@ -69,6 +81,10 @@ bool Save(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll)
         if (LFile::Exists(szPath))
             return LFile::Delete(szPath);
         return true;
+    }
+    if (CountOf(szAudioPath, vAll) > kMaxBookmarks) {
+        LTRACE("LBookmarkFile::Save more than %zu bookmarks for %s", kMaxBookmarks, szAudioPath.c_str());
+        return false;
     }
     return LAtomicFile::Write(szPath, Serialize(szAudioPath, vAll));
 }

@@ -13,6 +13,8 @@ class LByteReader;
 namespace LBookmarkFile {
 
 constexpr uint8_t kVersion = 0;
+// The count is one byte: a file never holds more.
+constexpr size_t kMaxBookmarks = 255;
 
 enum Result
 {
@@ -22,13 +24,16 @@ enum Result
 };
 
 std::string PathFor(const std::string& szAudioPath);
+// How many of vAll belong to the audio file.
+size_t CountOf(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll);
 
 // Appends the records of the list beside the audio file. A short record ends the list and is dropped.
 Result Load(const std::string& szAudioPath, std::vector<LEdBookMark>& vOut);
 Result Read(LByteReader& in, std::vector<LEdBookMark>& vOut);
 
 // Writes the bookmarks among vAll whose path is szAudioPath; when vAll is empty the list beside
-// the file is deleted instead. False when the file cannot be written.
+// the file is deleted instead. False when the file cannot be written, or when the file has more
+// bookmarks than a list holds (nothing is written then).
 bool Save(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll);
 std::vector<uint8_t> Serialize(const std::string& szAudioPath, const std::vector<LEdBookMark>& vAll);
 

@@ -53,7 +53,8 @@ bool Read(LByteReader& in, LCutListAudio& doc, const RefIn& mapRef, std::string*
         return Fail(pszWhy, "cut list cut short");
     if (nRate < 1 || nRate > kMaxSampleRate)
         return Fail(pszWhy, "sample rate out of range");
-    if (nChans < 1 || nChans > 2)
+    // Every count a document can have (one byte's worth) is read back.
+    if (nChans < 1)
         return Fail(pszWhy, "channel count out of range");
     // A count the rest of the file cannot hold is refused before anything is built.
     if (nCount > kMaxCuts || static_cast<int64_t>(nCount) * static_cast<int64_t>(kCutSize) > in.Remaining())

@@ -32,7 +32,7 @@ using RefIn = std::function<uint16_t(uint16_t nStored)>;
 
 bool Write(const LCutListAudio& doc, LByteWriter& out, const RefOut& mapRef);
 // Fills doc (which is cleared first). False, with a reason, when the bytes end early or hold
-// what no document can be: a rate outside 1..1000000, channels other than 1 or 2, a negative
+// what no document can be: a rate outside 1..1000000, no channels, a negative
 // length, gain or offset, a stretch past 2^31 frames, or a total past 2^31 - 1 frames.
 bool Read(LByteReader& in, LCutListAudio& doc, const RefIn& mapRef, std::string* pszWhy = nullptr);
 

@@ -10,6 +10,7 @@ LEdFileEntry::LEdFileEntry()
     std::memset(szPath, 0, sizeof(szPath));
     std::memset(szEncoding, 0, sizeof(szEncoding));
     std::memset(szName, 0, sizeof(szName));
+    std::memset(szAudioFolder, 0, sizeof(szAudioFolder));
 }
 
 std::string LEdFileEntry::GetPath() const
@@ -42,6 +43,21 @@ void LEdFileEntry::SetEncoding(const std::string& sz)
     LSetFixedText(szEncoding, sizeof(szEncoding), sz.size() < kEncodingSize ? sz : std::string());
 }
 
+std::string LEdFileEntry::GetAudioFolder() const
+{
+    return LGetFixedText(szAudioFolder, sizeof(szAudioFolder));
+}
+
+void LEdFileEntry::SetAudioFolder(const std::string& sz)
+{
+    LSetFixedText(szAudioFolder, sizeof(szAudioFolder), sz.size() < kAudioFolderSize ? sz : std::string());
+}
+
+bool LEdFileEntry::IsFolderName(const std::string& sz)
+{
+    return !sz.empty() && sz != "." && sz != ".." && sz.find('/') == std::string::npos;
+}
+
 void LEdFileEntry::Write(LByteWriter& out) const
 {
     out.Raw(szPath, sizeof(szPath));
@@ -54,9 +70,16 @@ void LEdFileEntry::Write(LByteWriter& out) const
     out.U8(nChans);
     out.U8(bVerticalZoom);
     out.U8(nDisplayMode);
-    out.U8(nFlags);
+    // The folder shares the name's field only where the name leaves it room.
+    const bool bFolder = szAudioFolder[0] != '\0' && strnlen(szName, kNameSize) < kSharedNameSize;
+    out.U8(static_cast<uint8_t>(bFolder ? (nFlags | kFlagAudioFolder) : (nFlags & ~kFlagAudioFolder)));
     out.Raw(szEncoding, sizeof(szEncoding));
-    out.Raw(szName, sizeof(szName));
+    if (!bFolder) {
+        out.Raw(szName, sizeof(szName));
+        return;
+    }
+    out.Raw(szName, kSharedNameSize);
+    out.Raw(szAudioFolder, sizeof(szAudioFolder));
 }
 
 bool LEdFileEntry::Read(LByteReader& in)
@@ -69,5 +92,13 @@ bool LEdFileEntry::Read(LByteReader& in)
     szPath[kPathSize - 1] = '\0';
     szEncoding[kEncodingSize - 1] = '\0';
     szName[kNameSize - 1] = '\0';
+    std::memset(szAudioFolder, 0, sizeof(szAudioFolder));
+    if (nFlags & kFlagAudioFolder) {
+        std::memcpy(szAudioFolder, szName + kSharedNameSize, sizeof(szAudioFolder));
+        std::memset(szName + kSharedNameSize, 0, kNameSize - kSharedNameSize);
+        szName[kSharedNameSize - 1] = '\0';
+        szAudioFolder[kAudioFolderSize - 1] = '\0';
+        nFlags = static_cast<uint8_t>(nFlags & ~kFlagAudioFolder);
+    }
     return true;
 }

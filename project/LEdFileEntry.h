@@ -8,6 +8,10 @@
 //   287 flags (1): bit 0 the document has changes not saved to its file
 //   288 encoding to save with (16, NUL-terminated short name such as "pcm16"; empty: the default)
 //   304 name shown for the window (236, NUL-terminated; "Untitled 3" for a new file)
+// With flag bit 1 the name field is shared: the name takes its first 140 bytes and the last 96
+// hold the folder of the project's audio, named relative to the project file (one folder name
+// beside it, NUL-terminated). Entries without the bit (files of earlier saves, or a name too
+// long to share its field) say nothing about the folder.
 // A path too long for its field is not stored: the file then comes back as a new, unsaved one
 // under its name (its audio is in the project all the same).
 #pragma once
@@ -25,7 +29,10 @@ public:
     static constexpr size_t kPathSize = 260;
     static constexpr size_t kEncodingSize = 16;
     static constexpr size_t kNameSize = 236;
+    static constexpr size_t kSharedNameSize = 140;
+    static constexpr size_t kAudioFolderSize = kNameSize - kSharedNameSize;
     static constexpr uint8_t kFlagModified = 1;
+    static constexpr uint8_t kFlagAudioFolder = 2;
 
     LEdFileEntry();
 
@@ -36,6 +43,12 @@ public:
     void SetPath(const std::string& sz);
     void SetName(const std::string& sz);
     void SetEncoding(const std::string& sz);
+    // The project's audio folder as this entry records it; empty when it does not. A name that
+    // does not fit its field is not recorded.
+    std::string GetAudioFolder() const;
+    void SetAudioFolder(const std::string& sz);
+    // A name the folder field may hold: one folder beside the project, not "." or "..".
+    static bool IsFolderName(const std::string& sz);
     bool IsModified() const { return (nFlags & kFlagModified) != 0; }
 
     void Write(LByteWriter& out) const;
@@ -55,4 +68,5 @@ public:
     uint8_t nFlags = 0;
     char szEncoding[kEncodingSize];
     char szName[kNameSize];
+    char szAudioFolder[kAudioFolderSize];
 };

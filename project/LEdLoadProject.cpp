@@ -1,14 +1,35 @@
 #include "project/LEdLoadProject.h"
 
+#include <filesystem>
+
 #include "core/LFile.h"
 #include "core/LTrace.h"
 #include "project/LBytes.h"
 
 LEdLoadProject::LEdLoadProject(const std::string& szNewPath, const std::string& szDataFolder)
-    : LProgressDialog("Loading Project"), szPath(szNewPath),
-      pSegments(std::make_unique<LProjectSegments>(szDataFolder.empty() ? LProjectSegments::FolderFor(szNewPath)
-                                                                        : szDataFolder))
+    : LProgressDialog("Loading Project"), szPath(szNewPath), szGivenFolder(szDataFolder)
 {
+}
+
+LProjectSegments& LEdLoadProject::Segments()
+{
+    // Decided when the first cut list needs it: by then the first file entry has said where
+    // the audio is, if the file says it at all.
+    if (!pSegments) {
+        std::string szFolder = szGivenFolder;
+        if (szFolder.empty() && !project.szAudioFolder.empty())
+            szFolder = (std::filesystem::path(szPath).parent_path() / project.szAudioFolder).string() + "/";
+        if (szFolder.empty())
+            szFolder = LProjectSegments::FolderFor(szPath);
+        pSegments = std::make_unique<LProjectSegments>(szFolder);
+    }
+    return *pSegments;
+}
+
+std::unique_ptr<LProjectSegments> LEdLoadProject::TakeSegments()
+{
+    Segments();
+    return std::move(pSegments);
 }
 
 void LEdLoadProject::OnStage(void* pThis, LEdProject::Stage stage)
@@ -30,10 +51,18 @@ int32_t LEdLoadProject::Process()
         return ResultError;
     }
     LByteReader in(file);
-    LProjectSegments* pSegs = pSegments.get();
-    auto mapRef = [pSegs](uint16_t nStored) { return pSegs->Restore(nStored); };
+    auto mapRef = [this](uint16_t nStored) { return Segments().Restore(nStored); };
     switch (project.Read(in, mapRef, &szError, &LEdLoadProject::OnStage, this)) {
-    case LEdProject::ReadDone: SetProgress(1.0); return ResultDone;
+    case LEdProject::ReadDone:
+        // Silence in place of lost audio would look like a project that opened whole.
+        if (Segments().HasMissing()) {
+            bMissingAudio = true;
+            szError = Segments().DescribeMissing();
+            LTRACE("LEdLoadProject::Process %s: %s", szPath.c_str(), szError.c_str());
+            return ResultError;
+        }
+        SetProgress(1.0);
+        return ResultDone;
     case LEdProject::ReadBadVersion:
         bVersionError = true;
         szError = kVersionMessage;

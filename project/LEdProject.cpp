@@ -11,22 +11,33 @@ std::string LEdProject::FileKey(const LEdFileEntry& entry)
     return szPath.empty() ? entry.GetName() : szPath;
 }
 
+bool LEdProject::FitsCounts() const
+{
+    return vFiles.size() <= kMaxRecords && vBookmarks.size() <= kMaxRecords && vRegions.size() <= kMaxRecords;
+}
+
 bool LEdProject::Write(LByteWriter& out, const LCutListSerial::RefOut& mapRef, void (*fnStage)(void*, Stage),
                        void* pStageArg) const
 {
+    if (!FitsCounts()) {
+        LTRACE("LEdProject::Write more than %zu records", kMaxRecords);
+        return false;
+    }
     if (fnStage)
         fnStage(pStageArg, StageFiles);
     out.U8(kVersion);
-    out.U8(static_cast<uint8_t>(vFiles.size() & 0xFF));
+    out.U8(static_cast<uint8_t>(vFiles.size()));
     for (const LEdProjectFile& f : vFiles) {
-        f.entry.Write(out);
+        LEdFileEntry entry = f.entry;
+        entry.SetAudioFolder(szAudioFolder);
+        entry.Write(out);
         if (!LCutListSerial::Write(f.pDoc ? *f.pDoc : LCutListAudio(), out, mapRef))
             return false;
     }
     out.U8(nState);
     if (fnStage)
         fnStage(pStageArg, StageBookmarks);
-    out.U8(static_cast<uint8_t>(vBookmarks.size() & 0xFF));
+    out.U8(static_cast<uint8_t>(vBookmarks.size()));
     // Grouped by file; a file open twice gets its bookmarks once.
     std::set<std::string> setDone;
     for (const LEdProjectFile& f : vFiles) {
@@ -39,7 +50,7 @@ bool LEdProject::Write(LByteWriter& out, const LCutListSerial::RefOut& mapRef, v
     }
     if (fnStage)
         fnStage(pStageArg, StageRegions);
-    out.U8(static_cast<uint8_t>(vRegions.size() & 0xFF));
+    out.U8(static_cast<uint8_t>(vRegions.size()));
     for (const LEdRegion& r : vRegions) {
         r.Write(out);
         if (!LCutListSerial::Write(r.pDoc ? *r.pDoc : LCutListAudio(), out, mapRef))
@@ -48,10 +59,22 @@ bool LEdProject::Write(LByteWriter& out, const LCutListSerial::RefOut& mapRef, v
     return true;
 }
 
+const char* LEdProject::TakeAudioFolder(const std::string& szFolder)
+{
+    if (szFolder.empty())
+        return nullptr;
+    if (!LEdFileEntry::IsFolderName(szFolder))
+        return "audio folder is not a folder beside the project";
+    if (szAudioFolder.empty())
+        szAudioFolder = szFolder;
+    return szFolder == szAudioFolder ? nullptr : "file entries name different audio folders";
+}
+
 LEdProject::ReadResult LEdProject::Read(LByteReader& in, const LCutListSerial::RefIn& mapRef, std::string* pszWhy,
                                         void (*fnStage)(void*, Stage), void* pStageArg)
 {
     vFiles.clear();
+    szAudioFolder.clear();
     nState = kNoCurrentFile;
     vBookmarks.clear();
     vRegions.clear();
@@ -77,6 +100,8 @@ LEdProject::ReadResult LEdProject::Read(LByteReader& in, const LCutListSerial::R
         std::string szWhy;
         if (!f.entry.Read(in))
             return damaged("file entry cut short");
+        if (const char* szBad = TakeAudioFolder(f.entry.GetAudioFolder()))
+            return damaged(szBad);
         if (!LCutListSerial::Read(in, *f.pDoc, mapRef, &szWhy))
             return damaged(szWhy);
         vFiles.push_back(std::move(f));

@@ -9,6 +9,9 @@
 //
 // The state byte is the index of the file that was current when the project was saved
 // (255: none); it is given back as it was read.
+//
+// The counts are single bytes, so a project of more than 255 files, bookmarks or regions is
+// never written: it would read back short.
 #pragma once
 
 #include <cstdint>
@@ -35,6 +38,7 @@ class LEdProject
 public:
     static constexpr uint8_t kVersion = 1;
     static constexpr uint8_t kNoCurrentFile = 255;
+    static constexpr size_t kMaxRecords = 255;
 
     // How far a read got, for the loading process.
     enum Stage
@@ -53,14 +57,25 @@ public:
     // What bookmarks and regions call their file: its path, or its name when it has none yet.
     static std::string FileKey(const LEdFileEntry& entry);
 
-    // The whole file; false when a cut list could not be written (a segment not kept).
+    // Whether the counts fit their bytes.
+    bool FitsCounts() const;
+    // The whole file; false when the counts do not fit or a cut list could not be written (a
+    // segment not kept).
     bool Write(LByteWriter& out, const LCutListSerial::RefOut& mapRef, void (*fnStage)(void*, Stage) = nullptr,
                void* pStageArg = nullptr) const;
     // Fills this (cleared first). fnStage is told when each part begins.
     ReadResult Read(LByteReader& in, const LCutListSerial::RefIn& mapRef, std::string* pszWhy = nullptr,
                     void (*fnStage)(void*, Stage) = nullptr, void* pStageArg = nullptr);
 
+private:
+    // Notes the folder an entry records; the reason when it is not one the project can use.
+    const char* TakeAudioFolder(const std::string& szFolder);
+
+public:
     std::vector<LEdProjectFile> vFiles;
+    // The folder beside the project file that holds its audio, recorded in every file entry
+    // that has room for it; empty when the file does not say (saves made before it was kept).
+    std::string szAudioFolder;
     uint8_t nState = kNoCurrentFile;
     std::vector<LEdBookMark> vBookmarks;
     std::vector<LEdRegion> vRegions;

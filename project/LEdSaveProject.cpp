@@ -8,6 +8,8 @@
 LEdSaveProject::LEdSaveProject(const std::string& szNewPath, const LEdProject& proj, LProjectSegments* pSegs)
     : LProgressDialog("Saving project"), szPath(szNewPath), project(proj), pSegments(pSegs)
 {
+    // The file names its audio folder, so the pair opens wherever it is moved or renamed to.
+    project.szAudioFolder = pSegments ? pSegments->NameBeside(szPath) : std::string();
 }
 
 void LEdSaveProject::OnStage(void* pThis, LEdProject::Stage stage)
@@ -20,6 +22,11 @@ void LEdSaveProject::OnStage(void* pThis, LEdProject::Stage stage)
 int32_t LEdSaveProject::Process()
 {
     SetText("Saving project", 0);
+    if (!project.FitsCounts()) {
+        szError = kTooManyMessage;
+        LTRACE("LEdSaveProject::Process %s", szError.c_str());
+        return ResultError;
+    }
     if (pSegments)
         pSegments->BeginSave();
     LByteWriter out;
@@ -35,6 +42,8 @@ int32_t LEdSaveProject::Process()
         return pSegments->Keep(nTankRef, nStored);
     };
     if (!project.Write(out, mapRef, &LEdSaveProject::OnStage, this)) {
+        if (pSegments)
+            pSegments->EndSave(false);
         if (bCancelled)
             return ResultCancelled;
         szError = "The audio of the project could not be placed in " +
@@ -43,6 +52,8 @@ int32_t LEdSaveProject::Process()
         return ResultError;
     }
     if (!LAtomicFile::Write(szPath, out.Bytes())) {
+        if (pSegments)
+            pSegments->EndSave(false);
         szError = "The project file could not be written.";
         LTRACE("LEdSaveProject::Process cannot write %s", szPath.c_str());
         return ResultError;

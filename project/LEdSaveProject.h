@@ -1,6 +1,6 @@
 // Saving a project, as a process behind the progress dialog ("Saving project"). The new file is
 // written beside the old one and then takes its name, so a failed or cancelled save leaves the
-// old project as it was.
+// old project as it was. A project of more records than its count bytes hold is refused.
 #pragma once
 
 #include <string>
@@ -13,6 +13,9 @@ class LProjectSegments;
 class LEdSaveProject : public LProgressDialog
 {
 public:
+    static constexpr const char* kTooManyMessage =
+        "A project holds at most 255 files, 255 bookmarks and 255 regions.";
+
     // pSegments keeps the audio beside the project; null writes tank references as they are
     // (the recovery project, whose segments are the working folder's own).
     LEdSaveProject(const std::string& szPath, const LEdProject& project, LProjectSegments* pSegments);
@@ -23,7 +26,7 @@ private:
     static void OnStage(void* pThis, LEdProject::Stage stage);
 
     std::string szPath;
-    const LEdProject& project;
+    LEdProject project; // a copy that records where its audio is kept
     LProjectSegments* pSegments;
     std::string szError;
     bool bCancelled = false;

@@ -1,5 +1,6 @@
 #include "project/LProjectSegments.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -46,6 +47,41 @@ std::string LProjectSegments::FolderFor(const std::string& szProjectPath)
     const std::filesystem::path path(szProjectPath);
     std::filesystem::path folder = path.parent_path() / (path.stem().string() + "_audio");
     return folder.string() + "/";
+}
+
+std::string LProjectSegments::NewFolderFor(const std::string& szProjectPath)
+{
+    const std::filesystem::path path(szProjectPath);
+    std::string szStem = path.stem().string();
+    // Room for the suffixes within what a project's file entries can record; a cut inside a
+    // multi-byte character is moved back to its start.
+    if (szStem.size() > kMaxStem) {
+        size_t n = kMaxStem;
+        while (n > 0 && (static_cast<unsigned char>(szStem[n]) & 0xC0) == 0x80)
+            --n;
+        szStem.resize(n);
+    }
+    for (int i = 1; i < 1000; ++i) {
+        const std::string szName = szStem + "_audio" + (i == 1 ? std::string() : "_" + std::to_string(i));
+        const std::filesystem::path folder = path.parent_path() / szName;
+        // A folder that exists, even empty, may be another project's: it is never shared.
+        std::error_code ec;
+        if (!std::filesystem::exists(folder, ec) && !ec)
+            return folder.string() + "/";
+    }
+    return FolderFor(szProjectPath);
+}
+
+std::string LProjectSegments::NameBeside(const std::string& szProjectPath) const
+{
+    std::error_code ec;
+    const std::filesystem::path folder =
+        std::filesystem::absolute(std::filesystem::path(szFolder).parent_path(), ec).lexically_normal();
+    const std::filesystem::path project =
+        std::filesystem::absolute(std::filesystem::path(szProjectPath), ec).lexically_normal();
+    if (ec || folder.parent_path() != project.parent_path())
+        return std::string();
+    return folder.filename().string();
 }
 
 std::string LProjectSegments::StoredPath(uint16_t nStored, const char* szExt) const
@@ -107,6 +143,9 @@ uint16_t LProjectSegments::NewNumber()
 
 void LProjectSegments::BeginSave()
 {
+    // The folder is claimed at once, so that no new project picks the same one.
+    std::error_code ec;
+    bCreatedFolder = std::filesystem::create_directories(szFolder, ec) || bCreatedFolder;
     setUsed.clear();
     nLinked = 0;
     nCopied = 0;
@@ -135,7 +174,12 @@ bool LProjectSegments::Keep(uint16_t nTankRef, uint16_t& nStored)
     }
     std::error_code ec;
     std::filesystem::create_directories(szFolder, ec);
-    const uint16_t nNew = NewNumber();
+    uint16_t nNew = NewNumber();
+    // A file that appeared since the folder was scanned is someone else's.
+    while (nNew != kSilent && LFile::Exists(StoredPath(nNew, ".aud"))) {
+        setOnDisk.insert(nNew);
+        nNew = NewNumber();
+    }
     if (nNew == kSilent) {
         LTRACE("LProjectSegments::Keep no free number");
         return false;
@@ -155,27 +199,45 @@ bool LProjectSegments::Keep(uint16_t nTankRef, uint16_t& nStored)
 
 void LProjectSegments::EndSave(bool bSucceeded)
 {
-    if (!bSucceeded)
-        return; // the old project file may still name every one of them
+    if (!bSucceeded) {
+        // The old project file may still name every file placed; a folder made for nothing goes.
+        std::error_code ec;
+        if (bCreatedFolder && std::filesystem::is_empty(szFolder, ec) && std::filesystem::remove(szFolder, ec))
+            bCreatedFolder = false;
+        return;
+    }
+    bCreatedFolder = false;
+    // Only files this store placed or brought in for this project are removed: anything else in
+    // the folder may belong to another project.
     for (auto it = mapByTank.begin(); it != mapByTank.end();) {
-        if (setUsed.count(it->second)) {
+        const uint16_t nStored = it->second;
+        if (setUsed.count(nStored)) {
             ++it;
             continue;
         }
-        mapByStored.erase(it->second);
+        mapByStored.erase(nStored);
         LAudioCutTank::Instance().DecRef(it->first);
         it = mapByTank.erase(it);
+        LFile::Delete(StoredPath(nStored, ".aud"));
+        LFile::Delete(StoredPath(nStored, ".grf"));
+        setOnDisk.erase(nStored);
     }
-    ScanFolder();
-    for (auto it = setOnDisk.begin(); it != setOnDisk.end();) {
-        if (setUsed.count(*it)) {
-            ++it;
-            continue;
-        }
-        LFile::Delete(StoredPath(*it, ".aud"));
-        LFile::Delete(StoredPath(*it, ".grf"));
-        it = setOnDisk.erase(it);
-    }
+}
+
+std::string LProjectSegments::DescribeMissing() const
+{
+    if (vMissing.empty())
+        return std::string();
+    std::error_code ec;
+    if (!std::filesystem::is_directory(szFolder, ec))
+        return "its audio folder " + szFolder + " is missing";
+    std::string sz = "audio missing from " + szFolder + ":";
+    const size_t nShown = std::min<size_t>(vMissing.size(), 5);
+    for (size_t i = 0; i < nShown; ++i)
+        sz += (i ? ", " : " ") + std::to_string(vMissing[i]) + ".aud";
+    if (vMissing.size() > nShown)
+        sz += " and " + std::to_string(vMissing.size() - nShown) + " more";
+    return sz;
 }
 
 uint16_t LProjectSegments::Restore(uint16_t nStored)
@@ -191,14 +253,18 @@ uint16_t LProjectSegments::Restore(uint16_t nStored)
     const std::string szAud = StoredPath(nStored, ".aud");
     if (!LFile::Exists(szAud)) {
         LTRACE("LProjectSegments::Restore segment %u missing", nStored);
+        vMissing.push_back(nStored);
         return kSilent;
     }
     bool bClaimed = false;
     const uint16_t nTank = tank.GetNewRefAndIncRef(&bClaimed);
-    if (!bClaimed)
+    if (!bClaimed) {
+        vMissing.push_back(nStored);
         return kSilent;
+    }
     if (!Place(szAud, tank.GetAudFilePath(nTank))) {
         tank.DecRef(nTank);
+        vMissing.push_back(nStored);
         return kSilent;
     }
     const std::string szGrf = StoredPath(nStored, ".grf");

@@ -110,7 +110,8 @@ public:
     // Makes the bookmark's (or region's) file current, opening it when needed, and moves there.
     bool GoToBookmark(size_t nIndex);
     bool GoToRegion(size_t nIndex);
-    // A bookmark or region changed by a list: its file's bookmark list is saved.
+    // A bookmark or region changed by a list: its file's bookmark list is saved (a failure is
+    // told once the change has finished).
     void BookmarksChanged(const std::string& szKey);
     void RegionsChanged();
     // A new document of the regions marked for it, in order, with "AutoGapTime" ms of silence
@@ -194,9 +195,14 @@ private:
     void AddProjectFiles(LEdProject& project, bool bRecovered);
     void LoadBookmarksFor(LEdFileWindow* pWindow);
     void ForgetBookmarksOf(LEdFileWindow* pWindow);
+    // Writes the list beside the file; false (the user is told later) when it cannot.
+    bool SaveBookmarksOf(const std::string& szPath);
     void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey);
     LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
     void StopRecovery();
+    // Offers one abandoned session's documents; false when the user wanted them and they could
+    // not be read (its folder must then stay).
+    bool RecoverSession(const std::string& szFolder);
 
     // MainDialogClipboard.cpp
     bool RenderToWindowClipboard();

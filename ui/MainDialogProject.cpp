@@ -31,6 +31,11 @@
 
 namespace {
 const char* const kProjectFilter = "Sonitra Projects (*.snp)";
+// Bookmark lists and projects count their records in one byte.
+constexpr size_t kMaxBookmarks = LBookmarkFile::kMaxBookmarks;
+constexpr size_t kMaxRegions = LEdProject::kMaxRecords;
+const char* const kTooManyBookmarks = "Sonitra keeps at most 255 bookmarks. Delete one before adding another.";
+const char* const kTooManyRegions = "Sonitra keeps at most 255 regions. Delete one before adding another.";
 
 uint32_t Now()
 {
@@ -124,6 +129,14 @@ bool MainDialog::OpenProject(const std::string& szPath)
                                  LUiPrompts::IconError);
         return false;
     }
+    // Opened with silence in place of its audio, a save would make the loss for good.
+    if (load.IsMissingAudio()) {
+        LUiPrompts::Get().Inform(this, "File Error",
+                                 QString("Unable to open the project \"%1\": %2.")
+                                     .arg(QString::fromStdString(szPath), QString::fromStdString(load.GetError())),
+                                 LUiPrompts::IconError);
+        return false;
+    }
     // What was read before any damage is opened all the same.
     AddProjectFiles(load.GetProject(), false);
     szProjectPath = szPath;
@@ -207,18 +220,19 @@ bool MainDialog::SaveProjectTo(const std::string& szPath)
 {
     LEdProject project;
     CollectProject(project);
-    if (project.vFiles.size() > 255 || project.vBookmarks.size() > 255 || project.vRegions.size() > 255) {
+    if (!project.FitsCounts()) {
         LUiPrompts::Get().Inform(this, "Sonitra",
-                                 "A project holds at most 255 files, 255 bookmarks and 255 regions. "
-                                 "Close some files or delete some bookmarks or regions first.",
+                                 QString(LEdSaveProject::kTooManyMessage) +
+                                     " Close some files or delete some bookmarks or regions first.",
                                  LUiPrompts::IconWarning);
         return false;
     }
-    // Another place starts a store of its own; the old one is let go once the new save stands.
+    // Another place starts a store of its own, in a folder of its own, so the new project does
+    // not depend on the old one; the old store is let go once the new save stands.
     std::unique_ptr<LProjectSegments> pNewStore;
     LProjectSegments* pStore = pProjectSegments.get();
     if (!pStore || szPath != szProjectPath) {
-        pNewStore = std::make_unique<LProjectSegments>(LProjectSegments::FolderFor(szPath));
+        pNewStore = std::make_unique<LProjectSegments>(LProjectSegments::NewFolderFor(szPath));
         pStore = pNewStore.get();
     }
     LEdSaveProject save(szPath, project, pStore);
@@ -321,8 +335,22 @@ void MainDialog::LoadBookmarksFor(LEdFileWindow* pWindow)
 void MainDialog::BookmarksChanged(const std::string& szKey)
 {
     if (!szKey.empty() && szKey.front() == '/' && LFile::Exists(szKey))
-        LBookmarkFile::Save(szKey, vBookmarks);
+        SaveBookmarksOf(szKey);
     NoteChange();
+}
+
+bool MainDialog::SaveBookmarksOf(const std::string& szPath)
+{
+    if (LBookmarkFile::Save(szPath, vBookmarks))
+        return true;
+    LTRACE("MainDialog::SaveBookmarksOf cannot save %s", LBookmarkFile::PathFor(szPath).c_str());
+    // Told once the command or the closing of the window has finished.
+    const QString szList = QString::fromStdString(LBookmarkFile::PathFor(szPath));
+    QTimer::singleShot(0, this, [this, szList] {
+        LUiPrompts::Get().Inform(this, "File Error", QString("Unable to save the bookmark list \"%1\".").arg(szList),
+                                 LUiPrompts::IconError);
+    });
+    return false;
 }
 
 void MainDialog::RegionsChanged()
@@ -337,7 +365,7 @@ void MainDialog::ForgetBookmarksOf(LEdFileWindow* pWindow)
         if (p != pWindow && FileKey(p) == szKey)
             return; // still open in another window
     if (!pWindow->GetPath().empty())
-        LBookmarkFile::Save(pWindow->GetPath(), vBookmarks);
+        SaveBookmarksOf(pWindow->GetPath());
     vBookmarks.erase(std::remove_if(vBookmarks.begin(), vBookmarks.end(),
                                     [&](const LEdBookMark& b) { return b.GetPath() == szKey; }),
                      vBookmarks.end());
@@ -365,6 +393,10 @@ void MainDialog::CmSetBookmark()
     LEdFileWindow* pWindow = GetCurrentFileWindow();
     if (!pWindow)
         return;
+    if (vBookmarks.size() >= kMaxBookmarks) {
+        LUiPrompts::Get().Inform(this, "Sonitra", kTooManyBookmarks, LUiPrompts::IconWarning);
+        return;
+    }
     const std::string szKey = FileKey(pWindow);
     vBookmarks.emplace_back("Bookmark " + std::to_string(vBookmarks.size() + 1), szKey, pWindow->GetFile().GetCursor());
     BookmarksChanged(szKey);
@@ -377,6 +409,10 @@ void MainDialog::CmAddRegion()
     int32_t sStart = 0, sEnd = 0;
     if (!pWindow || !GetSelection(sStart, sEnd))
         return;
+    if (vRegions.size() >= kMaxRegions) {
+        LUiPrompts::Get().Inform(this, "Sonitra", kTooManyRegions, LUiPrompts::IconWarning);
+        return;
+    }
     vRegions.emplace_back("Region " + std::to_string(vRegions.size() + 1), FileKey(pWindow),
                           pWindow->GetFile().GetDocument(), sStart, sEnd);
     RegionsChanged();
@@ -468,6 +504,34 @@ void MainDialog::CmAssembleRegions()
 
 // ---- recovery
 
+bool MainDialog::RecoverSession(const std::string& szFolder)
+{
+    const auto answer = LUiPrompts::Get().Ask(
+        this, "Sonitra",
+        "Sonitra did not close normally last time.\n\nDo you want to recover the documents that were open then?",
+        false);
+    if (answer != LUiPrompts::AnswerYes)
+        return true;
+    LEdLoadProject load(szFolder + LRecovery::kProjectName, szFolder);
+    if (load.Run() == LProgressDialog::ResultDone) {
+        AddProjectFiles(load.GetProject(), true);
+        return true;
+    }
+    // Its folder is all that is left of that session: it stays for another try.
+    std::string szWhy = load.GetError();
+    if (!load.IsVersionError() && !load.IsOpenError() && !load.IsMissingAudio())
+        szWhy = "its recovery project is damaged (" + szWhy + ")";
+    if (!szWhy.empty() && szWhy.back() != '.')
+        szWhy += '.';
+    LTRACE("MainDialog::RecoverSession %s: %s", szFolder.c_str(), szWhy.c_str());
+    LUiPrompts::Get().Inform(this, "File Error",
+                             QString("The documents of the last session could not be recovered: %1\n\n"
+                                     "Their files are kept in \"%2\"; Sonitra offers them again at its next start.")
+                                 .arg(QString::fromStdString(szWhy), QString::fromStdString(szFolder)),
+                             LUiPrompts::IconError);
+    return false;
+}
+
 void MainDialog::StartRecovery()
 {
     const std::string szOwn = LAudioCutTank::Instance().GetWorkingFolder();
@@ -475,19 +539,8 @@ void MainDialog::StartRecovery()
         LRecoveryLock claim;
         if (!claim.Take(szFolder))
             continue; // another editor took it first
-        const auto answer = LUiPrompts::Get().Ask(
-            this, "Sonitra",
-            "Sonitra did not close normally last time.\n\nDo you want to recover the documents that were open then?",
-            false);
-        if (answer == LUiPrompts::AnswerYes) {
-            LEdLoadProject load(szFolder + LRecovery::kProjectName, szFolder);
-            load.Run();
-            if (load.IsVersionError())
-                LUiPrompts::Get().Inform(this, "File Error", LEdLoadProject::kVersionMessage, LUiPrompts::IconError);
-            else
-                AddProjectFiles(load.GetProject(), true);
-        }
-        LRecovery::Sweep(szFolder);
+        if (RecoverSession(szFolder))
+            LRecovery::Sweep(szFolder);
     }
     pRecoveryLock = std::make_unique<LRecoveryLock>();
     if (!pRecoveryLock->Take(szOwn)) {

@@ -1,6 +1,10 @@
 // The project and bookmarks verbs: a project made of audio files lists and renders its documents
-// after the files it was made from are gone; bookmark lists beside audio files are listed.
+// after the files it was made from are gone, and after it was renamed or moved with its audio;
+// projects sharing a name keep their own audio; missing audio fails; bookmark lists beside audio
+// files are listed.
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 #include "formats/LAudioFile.h"
 #include "project/LBookmarkFile.h"
@@ -80,6 +84,92 @@ TEST(ProjectCli, AWrongVersionAndBadUsageAreRefused)
     EXPECT_EQ(Cli("project new " + dir.File("x.snp"), &szOut), 64);
     EXPECT_EQ(Cli("project new " + dir.File("x.snp") + " a.wav --bookmark 2@1=X", &szOut), 64);
     EXPECT_EQ(Cli("project frobnicate", &szOut), 64);
+}
+
+TEST(ProjectCli, ARenamedOrMovedProjectRendersWhatWasSaved)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("a.wav"), 8000, 1, 16, Ramp(4000, 3));
+    const std::vector<int32_t> vA = FileSamples(dir.File("a.wav"));
+    std::string szOut;
+    ASSERT_EQ(Cli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
+    std::filesystem::rename(dir.File("song.snp"), dir.File("final.snp"));
+    ASSERT_EQ(Cli("project render " + dir.File("final.snp") + " 1 " + dir.File("r1.wav"), &szOut), 0) << szOut;
+    EXPECT_EQ(FileSamples(dir.File("r1.wav")), vA);
+    std::filesystem::create_directory(dir.File("moved"));
+    std::filesystem::rename(dir.File("final.snp"), dir.File("moved/final.snp"));
+    std::filesystem::rename(dir.File("song_audio"), dir.File("moved/song_audio"));
+    ASSERT_EQ(Cli("project render " + dir.File("moved/final.snp") + " 1 " + dir.File("r2.wav"), &szOut), 0) << szOut;
+    EXPECT_EQ(FileSamples(dir.File("r2.wav")), vA);
+}
+
+TEST(ProjectCli, ProjectsSharingANameEachKeepTheirAudio)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("a.wav"), 8000, 1, 16, Ramp(3000, 3));
+    WriteSimpleWav(dir.File("b.wav"), 8000, 1, 16, Ramp(2000, 11));
+    const std::vector<int32_t> vA = FileSamples(dir.File("a.wav"));
+    const std::vector<int32_t> vB = FileSamples(dir.File("b.wav"));
+    std::string szOut;
+    ASSERT_EQ(Cli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(Cli("project new " + dir.File("song.bak") + " " + dir.File("b.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(Cli("project render " + dir.File("song.snp") + " 1 " + dir.File("ra.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(Cli("project render " + dir.File("song.bak") + " 1 " + dir.File("rb.wav"), &szOut), 0) << szOut;
+    EXPECT_EQ(FileSamples(dir.File("ra.wav")), vA);
+    EXPECT_EQ(FileSamples(dir.File("rb.wav")), vB);
+}
+
+TEST(ProjectCli, MissingAudioFailsNamingTheProjectAndWhatIsMissing)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("a.wav"), 8000, 1, 16, Ramp(3000, 3));
+    std::string szOut;
+    ASSERT_EQ(Cli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
+    // Moved without its folder.
+    std::filesystem::create_directory(dir.File("moved"));
+    std::filesystem::rename(dir.File("song.snp"), dir.File("moved/song.snp"));
+    EXPECT_EQ(Cli("project render " + dir.File("moved/song.snp") + " 1 " + dir.File("r.wav"), &szOut), 2);
+    EXPECT_EQ(szOut, "sonitra-cli: " + dir.File("moved/song.snp") + ": its audio folder " +
+                         dir.File("moved/song_audio/") + " is missing\n");
+    EXPECT_FALSE(std::filesystem::exists(dir.File("r.wav")));
+    EXPECT_EQ(Cli("project info " + dir.File("moved/song.snp"), &szOut), 2);
+}
+
+TEST(ProjectCli, AFourChannelProjectRoundTrips)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("quad.wav"), 8000, 4, 16, Ramp(4 * 2000, 5));
+    const std::vector<int32_t> vQuad = FileSamples(dir.File("quad.wav"));
+    ASSERT_EQ(vQuad.size(), 8000u);
+    std::string szOut;
+    ASSERT_EQ(Cli("project new " + dir.File("q.snp") + " " + dir.File("quad.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(Cli("project info " + dir.File("q.snp"), &szOut), 0) << szOut;
+    EXPECT_NE(szOut.find("8000 Hz, 4 channels, 2000 frames"), std::string::npos) << szOut;
+    ASSERT_EQ(Cli("project render " + dir.File("q.snp") + " 1 " + dir.File("r.wav"), &szOut), 0) << szOut;
+    EXPECT_EQ(FileSamples(dir.File("r.wav")), vQuad);
+}
+
+TEST(ProjectCli, The256thBookmarkOrRegionIsRefused)
+{
+    TempDir dir;
+    WriteSimpleWav(dir.File("a.wav"), 8000, 1, 16, Ramp(8000, 3));
+    auto marks = [](const std::string& szOption, const std::string& szWhere, int n) {
+        std::string sz;
+        for (int i = 0; i < n; ++i)
+            sz += " " + szOption + " " + szWhere + "=m" + std::to_string(i);
+        return sz;
+    };
+    std::string szOut;
+    const std::string szNew = "project new " + dir.File("p.snp") + " " + dir.File("a.wav");
+    for (const std::string& szMarks : {marks("--bookmark", "1@0.5", 256), marks("--region", "1@0-0.5", 256)}) {
+        EXPECT_EQ(Cli(szNew + szMarks, &szOut), 64);
+        EXPECT_NE(szOut.find("at most 255 bookmarks and 255 regions"), std::string::npos) << szOut;
+        EXPECT_FALSE(std::filesystem::exists(dir.File("p.snp")));
+    }
+    ASSERT_EQ(Cli(szNew + marks("--bookmark", "1@0.5", 255) + marks("--region", "1@0-0.5", 255), &szOut), 0) << szOut;
+    ASSERT_EQ(Cli("project info " + dir.File("p.snp"), &szOut), 0) << szOut;
+    EXPECT_NE(szOut.find("bookmark: m254,"), std::string::npos);
+    EXPECT_NE(szOut.find("region: m254@"), std::string::npos);
 }
 
 TEST(BookmarksCli, ListsTheBookmarksBesideAnAudioFile)

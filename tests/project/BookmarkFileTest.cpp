@@ -110,21 +110,24 @@ TEST(BookmarkList, CountZeroAndShortRecordsLoadWhatIsWhole)
     EXPECT_EQ(v.size(), 1u) << "the short second record is dropped";
 }
 
-TEST(BookmarkList, CountsAbove255WrapWhileEveryRecordIsWritten)
+TEST(BookmarkList, AListHolds255BookmarksAndMoreAreRefusedLeavingTheOldList)
 {
     TempDir dir;
     const std::string szAudio = dir.File("long.wav");
     std::vector<LEdBookMark> v;
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 255; ++i)
         v.emplace_back("b" + std::to_string(i), szAudio, i * 10);
+    v.emplace_back("another file's", dir.File("other.wav"), 5);
     ASSERT_TRUE(LBookmarkFile::Save(szAudio, v));
     const std::vector<uint8_t> bytes = ReadFileBytes(dir.File("long.snm"));
-    ASSERT_EQ(bytes.size(), 2u + 300u * 529u);
-    EXPECT_EQ(bytes[1], 300 & 0xFF);
     std::vector<LEdBookMark> back;
     ASSERT_EQ(LBookmarkFile::Load(szAudio, back), LBookmarkFile::Loaded);
-    ASSERT_EQ(back.size(), 44u) << "the wrapped count reads back short";
-    EXPECT_EQ(back[43].GetName(), "b43");
+    ASSERT_EQ(back.size(), 255u);
+    EXPECT_EQ(back[254].GetName(), "b254");
+
+    v.emplace_back("b255", szAudio, 2550);
+    EXPECT_FALSE(LBookmarkFile::Save(szAudio, v));
+    EXPECT_EQ(ReadFileBytes(dir.File("long.snm")), bytes);
 }
 
 TEST(BookmarkList, AFileWithNoBookmarksOfItsOwnGetsCountZeroAndAnEmptyListDeletesIt)

@@ -52,11 +52,12 @@ protected:
         EXPECT_EQ(LAudioCutTank::Instance().CountUsedRefs(), 0) << "a segment reference leaked";
     }
 
-    // Saves through the process with a store over the project's own folder, made when needed.
+    // Saves through the process with a store over a new folder of the project's own, made when
+    // needed (as the editor and the command line do for a project saved anew).
     int32_t Save(const std::string& szPath, const LEdProject& project, std::unique_ptr<LProjectSegments>& pSegs)
     {
         if (!pSegs)
-            pSegs = std::make_unique<LProjectSegments>(LProjectSegments::FolderFor(szPath));
+            pSegs = std::make_unique<LProjectSegments>(LProjectSegments::NewFolderFor(szPath));
         LEdSaveProject save(szPath, project, pSegs.get());
         return save.Run();
     }

@@ -1,8 +1,10 @@
 // Projects, bookmarks and regions through the real frame: a project saved, everything closed,
 // and reopened in a new frame over a tank that starts afresh; the version message; the
 // question on closing a changed project; bookmark lists beside files; the lists as dialogs;
-// and assembling regions.
+// assembling regions; Save Project As making a project of its own; missing audio refused; no
+// more bookmarks or regions than their files can count; and a failed recovery keeping its files.
 #include <QCoreApplication>
+#include <QDir>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QTreeWidget>
@@ -12,8 +14,12 @@
 #include <memory>
 
 #include "core/LAudioCutTank.h"
+#include "core/LFile.h"
 #include "core/LEdFile.h"
 #include "project/LBookmarkFile.h"
+#include "project/LBytes.h"
+#include "project/LEdFileEntry.h"
+#include "project/LRecovery.h"
 #include "ui/LBookmarkListDlg.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
@@ -263,6 +269,129 @@ private slots:
         QVERIFY(frame->Command(CmAssembleRegionsId));
         QCOMPARE(frame->GetFileWindows().size(), size_t(2));
         QCOMPARE(frame->GetCurrentFileWindow()->GetFile().GetDocument().GetLength(), int32_t(vWant.size()));
+    }
+
+    void saveProjectAsMakesAProjectOfItsOwn()
+    {
+        LEdFileWindow* pA = Open(MakeWav("a.wav", 3000, 1));
+        QVERIFY(pA);
+        const std::vector<int16_t> vA = Samples(pA->GetFile().GetDocument());
+        h->prompts.saveNames = {h->File("song.snp"), h->File("song.bak")};
+        QVERIFY(frame->Command(CmSaveProjectAsId));
+        QVERIFY(frame->Command(CmSaveProjectAsId));
+        QCOMPARE(frame->GetProjectPath(), h->File("song.bak").toStdString());
+        h->prompts.answers = {LUiPrompts::AnswerNo};
+        QVERIFY(frame->CloseProject());
+        // The first project and its audio go; the second has all it needs.
+        QVERIFY(QFile::remove(h->File("song.snp")));
+        std::filesystem::remove_all(h->File("song_audio").toStdString());
+        QVERIFY(frame->OpenProject(h->File("song.bak").toStdString()));
+        QVERIFY(h->prompts.informs.isEmpty());
+        QCOMPARE(frame->GetFileWindows().size(), size_t(1));
+        QCOMPARE(Samples(frame->GetFileWindows()[0]->GetFile().GetDocument()), vA);
+    }
+
+    void aProjectWhoseAudioIsMissingIsNotOpened()
+    {
+        QVERIFY(Open(MakeWav("a.wav", 3000, 1)));
+        QVERIFY(frame->SaveProjectTo(h->File("p.snp").toStdString()));
+        h->prompts.answers = {LUiPrompts::AnswerNo};
+        QVERIFY(frame->CloseProject());
+        std::filesystem::remove_all(h->File("p_audio").toStdString());
+        QVERIFY(!frame->OpenProject(h->File("p.snp").toStdString()));
+        QCOMPARE(h->prompts.informs.value(0), QString("File Error: Unable to open the project \"%1\": its audio "
+                                                      "folder %2/ is missing.")
+                                                  .arg(h->File("p.snp"), h->File("p_audio")));
+        QVERIFY(frame->GetFileWindows().empty());
+        QVERIFY(frame->GetProjectPath().empty());
+    }
+
+    void noMoreBookmarksOrRegionsThanTheirFilesCount()
+    {
+        const QString szA = MakeWav("a.wav", 8000, 1);
+        LEdFileWindow* pA = Open(szA);
+        QVERIFY(pA);
+        for (int i = 0; i < 255; ++i) {
+            pA->SetCursorPosition(i);
+            QVERIFY(frame->Command(CmSetBookmarkId));
+            pA->SetSelection(i, i + 10);
+            QVERIFY(frame->Command(CmAddRegionId));
+        }
+        QVERIFY(h->prompts.informs.isEmpty());
+        QVERIFY(frame->Command(CmSetBookmarkId));
+        QVERIFY(frame->Command(CmAddRegionId));
+        QCOMPARE(h->prompts.informs,
+                 QStringList({"Sonitra: Sonitra keeps at most 255 bookmarks. Delete one before adding another.",
+                              "Sonitra: Sonitra keeps at most 255 regions. Delete one before adding another."}));
+        QCOMPARE(frame->GetBookmarks().size(), size_t(255));
+        QCOMPARE(frame->GetRegions().size(), size_t(255));
+        std::vector<LEdBookMark> vOnDisk;
+        QCOMPARE(LBookmarkFile::Load(szA.toStdString(), vOnDisk), LBookmarkFile::Loaded);
+        QCOMPARE(vOnDisk.size(), size_t(255));
+        QVERIFY(frame->SaveProjectTo(h->File("full.snp").toStdString()));
+    }
+
+    void aBookmarkListThatCannotBeSavedIsReported()
+    {
+        LEdFileWindow* pA = Open(MakeWav("song.wav", 4000, 1));
+        QVERIFY(pA);
+        // A folder where the list would go: nothing can take its name.
+        QVERIFY(QDir().mkpath(h->File("song.snm/inside")));
+        QVERIFY(frame->Command(CmSetBookmarkId));
+        QCOMPARE(frame->GetBookmarks().size(), size_t(1));
+        QCoreApplication::processEvents();
+        QCOMPARE(h->prompts.informs.value(0),
+                 QString("File Error: Unable to save the bookmark list \"%1\".").arg(h->File("song.snm")));
+    }
+
+    void aFailedRecoveryKeepsItsFolderAndSaysSo()
+    {
+        (void)LAudioCutTank::Instance().GetWorkingFolder(); // this run's own folder is settled first
+        LSettings::SetString("Folders", "WorkingFolder", h->File("base").toStdString());
+        const std::string szSession =
+            LAudioCutTank::DefaultBase() + LAudioCutTank::FolderPrefix() + "999994/";
+        std::filesystem::create_directories(szSession);
+        // A recovery project whose one file names segment 7, which the folder does not hold.
+        LByteWriter out;
+        out.U8(1);
+        out.U8(1);
+        LEdFileEntry().Write(out);
+        out.I32(8000);
+        out.U8(1);
+        out.U32(1);
+        out.U16(7);
+        out.I32(100);
+        out.I32(1 << 24);
+        out.I32(0);
+        for (uint8_t b : {255, 0, 0})
+            out.U8(b);
+        const std::vector<uint8_t> vWhole = out.Bytes();
+        const std::vector<uint8_t> vCut(vWhole.begin(), vWhole.begin() + 100);
+        const QString szReasons[] = {
+            QString("its recovery project is damaged (file entry cut short)."),
+            QString("audio missing from %1: 7.aud.").arg(QString::fromStdString(szSession)),
+        };
+        int nCase = 0;
+        for (const std::vector<uint8_t>* pBytes : {&vCut, &vWhole}) {
+            QFile f(QString::fromStdString(szSession + LRecovery::kProjectName));
+            QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            f.write(reinterpret_cast<const char*>(pBytes->data()), static_cast<qint64>(pBytes->size()));
+            f.close();
+            h->prompts.informs.clear();
+            h->prompts.answers = {LUiPrompts::AnswerYes};
+            frame->StartRecovery();
+            QCOMPARE(h->prompts.informs.value(0),
+                     QString("File Error: The documents of the last session could not be recovered: %1\n\nTheir "
+                             "files are kept in \"%2\"; Sonitra offers them again at its next start.")
+                         .arg(szReasons[nCase++], QString::fromStdString(szSession)));
+            QVERIFY(LFile::Exists(szSession + LRecovery::kProjectName));
+            QVERIFY(frame->GetFileWindows().empty());
+        }
+        // Declined, it goes.
+        h->prompts.answers = {LUiPrompts::AnswerNo};
+        frame->StartRecovery();
+        QVERIFY(!std::filesystem::exists(szSession));
+        QVERIFY(frame->close()); // this run's own recovery project goes with it
     }
 };
 
