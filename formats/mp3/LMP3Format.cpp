@@ -108,14 +108,9 @@ LSoundSourcePtr LMP3Format::OpenSource(const std::string& szPath, std::string* p
 LSoundSinkPtr LMP3Format::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                                    const LAudioEncoding& encoding, std::string* pszError) const
 {
-    if (LComponents::GetPath(LComponents::kMp3Encoder).empty()) {
-        if (pszError) {
-            const std::string szLame = LComponents::FindOnPath("lame");
-            *pszError = "the MP3 encoder component \"mp3el\" is not installed; " +
-                        (szLame.empty() ? std::string("install lame with the system's package manager (e.g. apt-get install lame)")
-                                        : "lame was found at " + szLame) +
-                        " and register its path as " + LComponents::kSection + "/" + LComponents::kMp3Encoder + "/Path";
-        }
+    if (LComponents::Resolve(LComponents::kMp3Encoder).empty()) {
+        if (pszError)
+            *pszError = LComponents::NotInstalledText(LComponents::kMp3Encoder);
         return LSoundSinkPtr();
     }
     LMP3EncodePipe* pPipe = new LMP3EncodePipe(szPath, LMP3EncoderSettings::FromRecord(encoding.vRecord), nChans, nSampleRate);
