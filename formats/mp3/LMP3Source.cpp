@@ -85,6 +85,7 @@ bool LMP3Source::ReadVbrHeader(const MP3Header& h)
     }
     // The encoder's tag frame carries no audio, whether or not it gives the frame count.
     bXing = !std::memcmp(pTag, "Xing", 4);
+    bInfo = !bXing;
     if (nLeft < 8)
         return true;
     const uint32_t nFlags = BigEndian32(pTag + 4);
@@ -174,6 +175,10 @@ void LMP3Source::EstimateLength()
     const double fStream = static_cast<double>(in.GetStreamBytes() - nAudioStart);
     if (nVbrFrames > 0) {
         fAverageFrameBytes = fStream / nVbrFrames;
+        // The tag frame's own rate says little of a variable-rate file: the bytes per second do.
+        if (!bInfo)
+            nAverageBitRate = static_cast<int32_t>(
+                std::min(fAverageFrameBytes * 8.0 * first.SampleRate() / nSamplesPerFrame, 1e9));
         sLength = ClampToLength(static_cast<double>(nVbrFrames) * nSamplesPerFrame);
     } else {
         fAverageFrameBytes = (first.nVersion == 0 ? 144.0 : 72.0) * nAverageBitRate / first.SampleRate();

@@ -33,7 +33,8 @@ public:
     double GetAverageFrameBytes() const { return fAverageFrameBytes; }
     uint32_t GetVbrFrameCount() const { return nVbrFrames; }
     // True when the first frames' bit rates differed or a VBR header gave the count.
-    bool IsVariableBitRate() const { return bVariable || bXing || nVbrFrames > 0; }
+    // An "Info" tag frame marks a constant-rate file.
+    bool IsVariableBitRate() const { return !bInfo && (bVariable || bXing || nVbrFrames > 0); }
     // The encoder's delay and padding from its tag, when the file has them (else 0, 0).
     int32_t GetEncoderDelay() const { return nEncoderDelay; }
     int32_t GetEncoderPadding() const { return nEncoderPadding; }
@@ -76,7 +77,8 @@ private:
     double fAverageFrameBytes = 1.0;
     uint32_t nVbrFrames = 0;
     bool bVariable = false;
-    bool bXing = false; // the first frame is the encoder's tag ("Xing" rather than "Info")
+    bool bXing = false; // the first frame is the encoder's tag of a variable-rate file ("Xing")
+    bool bInfo = false; // or of a constant-rate one ("Info")
     int64_t nLeadingBytes = 0;
     int64_t nTrailingBytes = 0;
     int64_t nAudioStart = 0;   // offset of the first audio frame in the stream

@@ -289,6 +289,13 @@ TEST(Mp3Format, DoorOpensMp3AndDescribesIt)
     ASSERT_FALSE(p->IsError()) << szError;
     EXPECT_EQ(details.szFormat, "MP3");
     EXPECT_EQ(details.szEncoding, "MPEG-2 Layer III, 32 kbit/s");
+    // The encoder's "Info" tag frame marks a constant rate; its "Xing" frame a variable one.
+    ASSERT_TRUE(MakeMp3(dir, "b.mp3", 44100, 2, 44100, "-b 128"));
+    ASSERT_TRUE(MakeMp3(dir, "c.mp3", 44100, 2, 44100, "-V 4"));
+    ASSERT_FALSE(LAudioFile::OpenSource(dir.File("b.mp3"), &szError, &details)->IsError());
+    EXPECT_EQ(details.szEncoding, "MPEG-1 Layer III, 128 kbit/s");
+    ASSERT_FALSE(LAudioFile::OpenSource(dir.File("c.mp3"), &szError, &details)->IsError());
+    EXPECT_EQ(details.szEncoding.rfind("MPEG-1 Layer III, VBR (about ", 0), 0u) << details.szEncoding;
     EXPECT_EQ(details.encoding.szName, "mp3");
     EXPECT_EQ(p->GetSampleRate(), 22050);
 }
