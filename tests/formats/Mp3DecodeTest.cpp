@@ -198,8 +198,9 @@ TEST(Mp3Framing, FreeFormatHeadersAreNotAccepted)
     EXPECT_EQ(src.GetPosition(), INT32_MAX);
     EXPECT_TRUE(std::all_of(vRead.begin(), vRead.end(), [](int32_t n) { return n == 0; }));
     std::string szError;
+    // Nothing decodes these empty frames; the message says what the file is.
     EXPECT_TRUE(LAudioFile::OpenSource(dir.File("free.mp3"), &szError)->IsError());
-    EXPECT_NE(szError.find("MP3"), std::string::npos) << szError;
+    EXPECT_NE(szError.find("free-format"), std::string::npos) << szError;
 }
 
 TEST(Mp3Framing, XingFrameCountGivesTheLengthAtOnce)
