@@ -163,8 +163,10 @@ bool LMP3Source::DecodeInitialHeader()
     }
     if (nSeen == 8)
         LTRACE("LMP3Source::DecodeInitialHeader() - we are using the average 8 bitrates to estimate length");
-    if (nSeen == 0)
-        nSum = first.nBitRate, nSeen = 1; // the tag frame was the only frame
+    if (nSeen == 0) { // the tag frame was the only frame
+        nSum = first.nBitRate;
+        nSeen = 1;
+    }
     nAverageBitRate = static_cast<int32_t>(nSeen == 8 ? nSum >> 3 : nSum / nSeen);
     in.SeekTo(nAudioStart);
     return true;

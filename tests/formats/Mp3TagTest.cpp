@@ -121,6 +121,21 @@ Bytes Lyrics3v2()
     return Bytes(sz.begin(), sz.end());
 }
 
+// The first version: no size, only its two markers.
+Bytes Lyrics3v1()
+{
+    const std::string sz = "LYRICSBEGIN[00:01]Hello\r\n[00:02]againLYRICSEND";
+    return Bytes(sz.begin(), sz.end());
+}
+
+// The extended ID3v1 block that sits in front of an ID3v1 tag.
+Bytes Id3v1Extended()
+{
+    Bytes v = {'T', 'A', 'G', '+'};
+    v.resize(227, 'y');
+    return v;
+}
+
 Bytes Joined(std::initializer_list<Bytes> vParts)
 {
     Bytes v;
@@ -197,6 +212,8 @@ TEST(Mp3Tags, TaggedLameFilesDecodeToExactlyWhatTheEncoderWasGiven)
             {"APEv2 with header, and ID3v1", Joined({vAudio, Ape(true), Id3v1()})},
             {"APEv2 alone", Joined({vAudio, Ape(false)})},
             {"Lyrics3 and ID3v1", Joined({Id3v2(3000, vAudio), vAudio, Lyrics3v2(), Id3v1()})},
+            {"Lyrics3 version 1, APEv2 and extended ID3v1",
+             Joined({vAudio, Lyrics3v1(), Ape(false), Id3v1Extended(), Id3v1()})},
         };
         for (const auto& t : vTagged) {
             SCOPED_TRACE(t.szTags);
