@@ -1,5 +1,6 @@
 #include "core/LComponents.h"
 
+#include <cctype>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -56,8 +57,36 @@ std::string LComponents::ProgramFor(const std::string& szName)
     return szName == kMp3Encoder ? "lame" : szName;
 }
 
+std::string LComponents::Resolve(const std::string& szName)
+{
+    const std::string szSet = GetPath(szName);
+    if (!szSet.empty() && ::access(szSet.c_str(), X_OK) == 0)
+        return szSet;
+    const std::string szFound = FindOnPath(ProgramFor(szName));
+    if (!szFound.empty())
+        SetPath(szName, szFound);
+    return szFound;
+}
+
+std::string LComponents::DisplayName(const std::string& szName)
+{
+    const std::string szProgram = ProgramFor(szName);
+    return szName == kMp3Encoder ? "the MP3 encoder (" + szProgram + ")" : "the component \"" + szName + "\"";
+}
+
+std::string LComponents::NotInstalledText(const std::string& szName)
+{
+    const std::string szPackage = ProgramFor(szName);
+    return DisplayName(szName) + " is not installed: install the package \"" + szPackage +
+           "\" (for example: sudo apt-get install " + szPackage + ")";
+}
+
 std::string LComponents::NotInstalledMessage(const std::string& szName)
 {
-    return "The component \"" + szName + "\" has not yet been installed.\n\n"
-           "This free component can be downloaded and installed from the component page.";
+    std::string szText = DisplayName(szName);
+    szText[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(szText[0])));
+    const std::string szPackage = ProgramFor(szName);
+    return szText + " has not yet been installed.\n\nThis free component is installed with the system's package "
+                    "manager: install the package \"" +
+           szPackage + "\" (for example: sudo apt-get install " + szPackage + ").";
 }

@@ -54,8 +54,10 @@ const std::vector<const LAudioFormat*>& LAudioFormat::All()
                                        {"flac", "ffmpeg-flac"}, "FlacCompression", 5});
     static const LExternalFormat ogg({"OGG", {{"OGG Files(*.ogg)", "*.ogg;*.oga"}}, "OggS", false,
                                       {"oggdec", "ffmpeg"}, {"oggenc", "ffmpeg-vorbis"}, "OggQuality", 5});
-    static const std::vector<const LAudioFormat*> vFormats = {&wave, &mp3, &vox, &gsm, &other,
-                                                              &raw,  &aif, &au,  &flac, &ogg};
+    static const LExternalFormat mp2({"MP2", {{"MPEG Layer-1/2 Files(*.mp2;*.mp1)", "*.mp2;*.mp1;*.mpa"}}, nullptr,
+                                      false, {"ffmpeg"}, {}, nullptr, 0});
+    static const std::vector<const LAudioFormat*> vFormats = {&wave, &mp3, &vox, &gsm, &other, &raw,
+                                                              &aif,  &au,  &flac, &ogg, &mp2};
     return vFormats;
 }
 

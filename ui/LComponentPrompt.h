@@ -1,6 +1,7 @@
-// Makes sure an install-on-demand component is registered before work that needs it starts:
-// when it is not, tells the user so and offers a copy of its program found on the PATH, or says
-// how to install it.
+// Makes sure an install-on-demand component is there before work that needs it starts: a
+// registered program, or one found on the PATH (registered without asking). When there is
+// none, says which package to install, offers to choose an installed program, and says that
+// the file was not saved when the user declines.
 #pragma once
 
 #include <string>
@@ -10,6 +11,6 @@ class QWidget;
 class LComponentPrompt
 {
 public:
-    // True when the component is (now) registered.
-    static bool Ensure(QWidget* pParent, const std::string& szComponent);
+    // True when the component is (now) registered. szFile names the file being saved.
+    static bool Ensure(QWidget* pParent, const std::string& szComponent, const std::string& szFile = std::string());
 };

@@ -223,7 +223,7 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
     // A file that was only read (decoded by another program) is written in a format of the user's choosing.
     if (const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath); !pFormat || !pFormat->CanWrite())
         return SaveFileAs(pWindow);
-    if (!LComponentPrompt::Ensure(this, LAudioFormat::ByExtension(szPath)->GetWriteComponent()))
+    if (!LComponentPrompt::Ensure(this, LAudioFormat::ByExtension(szPath)->GetWriteComponent(), szPath))
         return false; // nothing is written without the program that writes it
     if (pTransport->GetActiveWindow() == pWindow && pTransport->IsRecording())
         pTransport->Stop();

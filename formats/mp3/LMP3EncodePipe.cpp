@@ -13,10 +13,10 @@ LMP3EncodePipe::LMP3EncodePipe(const std::string& szOutput, const LMP3EncoderSet
 {
     if (nChannels == 0)
         SetError();
-    const std::string szEncoder = LComponents::GetPath(LComponents::kMp3Encoder);
+    const std::string szEncoder = LComponents::Resolve(LComponents::kMp3Encoder);
     if (szEncoder.empty()) {
         LTRACE("LMP3EncodePipe::LMP3EncodePipe mp3el component not found");
-        szReason = "the MP3 encoder component \"mp3el\" is not installed";
+        szReason = LComponents::NotInstalledText(LComponents::kMp3Encoder);
         SetError();
         return;
     }

@@ -46,7 +46,23 @@ bool MP3Header::Accept(const uint8_t* b)
     return true;
 }
 
-bool MP3Header::ReadHeader(LMP3ByteReader& in)
+bool MP3Header::Confirmed(LMP3ByteReader& in, int nConfirm) const
+{
+    int64_t nAt = FrameBytes() - 4;
+    for (int i = 0; i < nConfirm; ++i) {
+        // A stream that ends where the frame ends has no more frames to show.
+        if (nAt == in.GetUnread())
+            return true;
+        uint8_t b[4];
+        MP3Header next;
+        if (!in.Peek(nAt, b, 4) || !next.Accept(b) || !next.Agrees(*this))
+            return false;
+        nAt += next.FrameBytes();
+    }
+    return true;
+}
+
+bool MP3Header::ReadHeader(LMP3ByteReader& in, bool bTrustFirst, int nConfirm)
 {
     uint8_t b[4];
     if (!in.Read(b, 4)) {
@@ -54,7 +70,7 @@ bool MP3Header::ReadHeader(LMP3ByteReader& in)
         return false;
     }
     int nShifts = 0;
-    while (!Accept(b)) {
+    while (!Accept(b) || (!(bTrustFirst && nShifts == 0) && !Confirmed(in, nConfirm))) {
         if (nShifts >= kMaxShifts) {
             LTRACE("MP3Header::ReadHeader failed because unable to find header after 65535 bytes");
             return false;

@@ -18,9 +18,17 @@ struct MP3Header
     static constexpr int kMaxShifts = 65535;
 
     // Finds and reads the next acceptable header (and skips its CRC); false when none is found.
-    bool ReadHeader(LMP3ByteReader& in);
+    // A header found where the search starts is taken when bTrustFirst is set (the previous
+    // frame ended there); any other is taken only when the headers of the nConfirm frames that
+    // follow it lie where it says it ends and agree with it, as a chance pattern's do not.
+    bool ReadHeader(LMP3ByteReader& in, bool bTrustFirst = false, int nConfirm = 1);
     // The acceptance test of four bytes; fills the fields when they pass.
     bool Accept(const uint8_t* pBytes);
+    // The same stream: version, sampling frequency and one channel or two.
+    bool Agrees(const MP3Header& other) const
+    {
+        return nVersion == other.nVersion && nSampleIndex == other.nSampleIndex && IsMono() == other.IsMono();
+    }
 
     int32_t SampleRate() const { return kRates[nSampleIndex] >> nVersion; }
     int FrameBytes() const { return (nVersion == 0 ? 144 : 72) * nBitRate / SampleRate() + nPadding; }
@@ -32,4 +40,8 @@ struct MP3Header
     int RateIndex() const { return nVersion * 3 + nSampleIndex; }
 
     static constexpr int32_t kRates[3] = {44100, 48000, 32000};
+
+private:
+    // True when the frames after this header (its 4 bytes just read) continue the stream.
+    bool Confirmed(LMP3ByteReader& in, int nConfirm) const;
 };

@@ -1,6 +1,8 @@
-// The pull-model source over an MPEG audio Layer III file. Frames are found by a header search,
-// the length is estimated from the first frames (or a Xing/VBRI frame count) and refined while
-// reading, and a seek goes by the average frame size with a few frames of warm-up.
+// The pull-model source over an MPEG audio Layer III file. The tags around the audio are passed
+// over, frames are found by a header search, the length is estimated from the first frames (or
+// taken from a Xing/Info/VBRI frame count, less the encoder's delay and padding where its tag
+// gives them) and refined while reading, and a seek goes by the average frame size with a few
+// frames of warm-up.
 #pragma once
 
 #include <cstdint>
@@ -31,11 +33,22 @@ public:
     double GetAverageFrameBytes() const { return fAverageFrameBytes; }
     uint32_t GetVbrFrameCount() const { return nVbrFrames; }
     // True when the first frames' bit rates differed or a VBR header gave the count.
-    bool IsVariableBitRate() const { return bVariable || nVbrFrames > 0; }
+    // An "Info" tag frame marks a constant-rate file.
+    bool IsVariableBitRate() const { return !bInfo && (bVariable || bXing || nVbrFrames > 0); }
+    // The encoder's delay and padding from its tag, when the file has them (else 0, 0).
+    int32_t GetEncoderDelay() const { return nEncoderDelay; }
+    int32_t GetEncoderPadding() const { return nEncoderPadding; }
+    // Where the audio lies in the file: the bytes before it (leading tags) and after it.
+    int64_t GetLeadingTagBytes() const { return nLeadingBytes; }
+    int64_t GetTrailingTagBytes() const { return nTrailingBytes; }
 
     static constexpr int kWarmUpFrames = 4;
     static constexpr int kMaxMismatches = 10;
-    static constexpr int kTrailingTagBytes = 128;
+    // The synthesis filter bank delays its output by this many samples: what a gapless file's
+    // encoder delay does not count.
+    static constexpr int kDecoderDelay = 529;
+    // A loud master decodes above full scale: the pump limits it on the way to a 16-bit file.
+    static constexpr int32_t kMaxAmplitude = 0x200000;
 
 private:
     bool DecodeInitialHeader();
@@ -50,6 +63,8 @@ private:
     // The next frame that can be decoded; false at the end of the stream.
     bool DecodeFrame(int32_t* pOut);
     bool ReadVbrHeader(const MP3Header& h);
+    void ReadEncoderTag(const uint8_t* pTag, int nBytes);
+    void SetGaplessLength();
     void EstimateLength();
     void RefineLength();
 
@@ -62,6 +77,16 @@ private:
     double fAverageFrameBytes = 1.0;
     uint32_t nVbrFrames = 0;
     bool bVariable = false;
+    bool bXing = false; // the first frame is the encoder's tag of a variable-rate file ("Xing")
+    bool bInfo = false; // or of a constant-rate one ("Info")
+    int64_t nLeadingBytes = 0;
+    int64_t nTrailingBytes = 0;
+    int64_t nAudioStart = 0;   // offset of the first audio frame in the stream
+    int64_t nNextFrameAt = -1; // where the last frame read ends; -1 after a jump
+    int32_t nEncoderDelay = 0;
+    int32_t nEncoderPadding = 0;
+    int32_t nSkip = 0;        // decoded samples before position 0
+    int32_t nDropPending = 0; // of those, still to drop
 
     int32_t sPosition = 0;
     int32_t sLength = 0;

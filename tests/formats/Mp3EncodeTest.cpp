@@ -113,16 +113,31 @@ TEST_F(Mp3EncoderTest, SettingsLoadWithTheirDefaultsAndTheMinimumRule)
     EXPECT_EQ(LMP3EncoderSettings::FromRecord({}).nVBRMaxBitRate, 161);
 }
 
-TEST_F(Mp3EncoderTest, WithoutTheComponentNoSinkIsMadeAndTheReasonSaysSo)
+TEST_F(Mp3EncoderTest, AnEncoderOnThePathIsRegisteredAndUsedAndNoneIsNamedByItsPackage)
 {
     TempDir dir;
+    const std::string szOldPath = std::getenv("PATH") ? std::getenv("PATH") : "";
+    ::mkdir(dir.File("bin").c_str(), 0755);
+    ::setenv("PATH", dir.File("bin").c_str(), 1);
+    // Nothing registered and nothing on the PATH: no sink, and the reason names the package.
     std::string szError;
     LSoundSinkPtr p = LAudioFile::OpenSink(dir.File("a.mp3"), 44100, 2, LAudioEncoding(), &szError);
     EXPECT_FALSE(p);
-    EXPECT_NE(szError.find("\"mp3el\" is not installed"), std::string::npos) << szError;
+    EXPECT_NE(szError.find("the MP3 encoder (lame) is not installed"), std::string::npos) << szError;
+    EXPECT_NE(szError.find("apt-get install lame"), std::string::npos) << szError;
     EXPECT_FALSE(LFile::Exists(dir.File("a.mp3")));
-    LMP3EncodePipe pipe(dir.File("b.mp3"), LMP3EncoderSettings(), 2, 44100);
-    EXPECT_TRUE(pipe.IsError());
+    EXPECT_TRUE(LMP3EncodePipe(dir.File("b.mp3"), LMP3EncoderSettings(), 2, 44100).IsError());
+    // A "lame" on the PATH becomes the component and writes the file.
+    WriteScript(dir.File("bin/lame"), "for a in \"$@\"; do last=\"$a\"; done\ncat > \"$last\"");
+    p = LAudioFile::OpenSink(dir.File("c.mp3"), 44100, 2, LAudioEncoding(), &szError);
+    EXPECT_TRUE(p);
+    p.Reset();
+    EXPECT_EQ(LComponents::GetPath(LComponents::kMp3Encoder), dir.File("bin/lame"));
+    EXPECT_TRUE(LFile::Exists(dir.File("c.mp3")));
+    // A registered program that has gone away gives way to the one on the PATH.
+    LComponents::SetPath(LComponents::kMp3Encoder, dir.File("gone/lame"));
+    EXPECT_EQ(LComponents::Resolve(LComponents::kMp3Encoder), dir.File("bin/lame"));
+    ::setenv("PATH", szOldPath.c_str(), 1);
 }
 
 TEST_F(Mp3EncoderTest, EncoderGetsTheArgumentsAndBigEndianSamples)

@@ -60,6 +60,16 @@ inline std::vector<int16_t> Mpg123Decode(const std::string& szPath)
     return v;
 }
 
+// mpg123's gapless decoding: the encoder's delay and padding that its tag names are taken off.
+inline std::vector<int16_t> Mpg123Gapless(const std::string& szPath)
+{
+    std::string szOut;
+    testsupport::RunCommand("mpg123 -q -s " + Quote(szPath) + " 2>/dev/null", &szOut);
+    std::vector<int16_t> v(szOut.size() / 2);
+    std::memcpy(v.data(), szOut.data(), v.size() * 2);
+    return v;
+}
+
 // The whole source, read in odd-sized blocks, as 16-bit samples clipped as a reference
 // decoder clips them.
 inline std::vector<int16_t> DecodeAll(LMP3Source& src, int32_t nMaxFrames = 1 << 24)

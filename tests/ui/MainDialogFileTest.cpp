@@ -147,36 +147,46 @@ private slots:
         const QString szPath = MakeWav("m.wav", 8000);
         LEdFileWindow* pWindow = Open(szPath);
         QVERIFY(pWindow);
-        // No component and no lame on the PATH: the message, and nothing written.
+        // No encoder registered and none on the PATH: the package to install, and declining
+        // says that nothing was saved.
         const QByteArray szOldPath = qgetenv("PATH");
         qputenv("PATH", h->File("empty-bin").toUtf8());
         h->prompts.saveNames.push_back(h->File("m.mp3"));
+        h->prompts.answers.push_back(LUiPrompts::AnswerNo);
         QVERIFY(frame->Command(CmSaveAsId));
-        qputenv("PATH", szOldPath);
+        QVERIFY(!h->prompts.questions.isEmpty());
+        QVERIFY(h->prompts.questions.back().startsWith("The MP3 encoder (lame) has not yet been installed."));
+        QVERIFY(h->prompts.questions.back().contains("apt-get install lame"));
+        QVERIFY(!h->prompts.questions.back().contains("mp3el"));
         QVERIFY(!h->prompts.informs.isEmpty());
-        QVERIFY(h->prompts.informs.back().startsWith(
-            "Install-on-Demand: The component \"mp3el\" has not yet been installed."));
-        QVERIFY(h->prompts.informs.back().contains("apt-get install lame"));
+        QCOMPARE(h->prompts.informs.back(),
+                 QString("Install-on-Demand: \"m.mp3\" was not saved: the MP3 encoder (lame) is not installed."));
         QVERIFY(!QFile::exists(h->File("m.mp3")));
         QCOMPARE(QString::fromStdString(pWindow->GetPath()), szPath);
         QVERIFY(LComponents::GetPath("mp3el").empty());
-        if (LComponents::FindOnPath("lame").empty() || LComponents::FindOnPath("mpg123").empty())
-            QSKIP("lame and mpg123 are needed for the rest");
-        // A lame on the PATH is offered; declining writes nothing, accepting registers it.
-        h->prompts.saveNames.push_back(h->File("m.mp3"));
-        h->prompts.answers.push_back(LUiPrompts::AnswerNo);
-        QVERIFY(frame->Command(CmSaveAsId));
-        QVERIFY(h->prompts.questions.back().contains("was found at"));
-        QVERIFY(!QFile::exists(h->File("m.mp3")));
+        // Pointing at a file that is no program registers nothing either.
+        const QString szNotProgram = MakeWav("not-a-program.wav", 100);
         h->prompts.saveNames.push_back(h->File("m.mp3"));
         h->prompts.answers.push_back(LUiPrompts::AnswerYes);
+        h->prompts.openNames.push_back({szNotProgram});
         QVERIFY(frame->Command(CmSaveAsId));
+        qputenv("PATH", szOldPath);
+        QVERIFY(h->prompts.informs.back().contains("was not saved"));
+        QVERIFY(LComponents::GetPath("mp3el").empty());
+        if (LComponents::FindOnPath("lame").empty() || LComponents::FindOnPath("mpg123").empty())
+            QSKIP("lame and mpg123 are needed for the rest");
+        // A lame on the PATH is used and registered without a question.
+        const qsizetype nQuestions = h->prompts.questions.size();
+        h->prompts.saveNames.push_back(h->File("m.mp3"));
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(h->prompts.questions.size(), nQuestions);
         QCOMPARE(LComponents::GetPath("mp3el"), LComponents::FindOnPath("lame"));
         QVERIFY(QFile::exists(h->File("m.mp3")));
         LSoundSourcePtr p = LAudioFile::OpenSource(h->File("m.mp3").toStdString());
         QVERIFY(!p->IsError());
         QCOMPARE(p->GetSampleRate(), 8000);
         QCOMPARE(int(p->GetChannels()), 1);
+        QCOMPARE(p->GetLength(), 8000); // the encoder's delay and padding are taken off
     }
 
     void closingAsksAboutChanges()
