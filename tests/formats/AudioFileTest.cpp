@@ -111,7 +111,8 @@ TEST(AudioFile, SaveWritesThroughThePumpAndReplacesTheTarget)
     ASSERT_EQ(p->GetLength(), 20000);
     EXPECT_EQ(p->GetChannels(), 1);
     const std::vector<int32_t> v = ReadFrames(*p, 3);
-    EXPECT_EQ(v, (std::vector<int32_t>{0, 32, 64})); // the left channel
+    // Both channels mixed: (0 + 16) / 2, (32 + 48) / 2, ..., each half a 16-bit step rounded up.
+    EXPECT_EQ(v, (std::vector<int32_t>{16, 48, 80}));
     EXPECT_EQ(FilesIn(dir), 1u);
 }
 
