@@ -17,7 +17,7 @@ const char kUsage[] =
     "keeps the rate, channels and encoding of IN where its format has them.\n"
     "\n"
     "  --rate N         sample rate of OUT in Hz (1 to 196000)\n"
-    "  --channels 1|2   1 keeps the left channel of a stereo file, 2 doubles a mono one\n"
+    "  --channels 1|2   1 mixes the two channels of a stereo file, 2 doubles a mono one\n"
     "  --bits 8|16      bits per sample of OUT\n"
     "  --format wav:E   the encoding of OUT: pcm8, pcm16, pcm24, pcm32, float, float64, alaw,\n"
     "                   ulaw, ima, msadpcm or gsm (each where a codec for it is built in);\n"

@@ -159,8 +159,8 @@ int RunRecord(const std::vector<std::string>& vArgs)
     }
     LSoundTime length;
     length.SetSamples(pSink->GetPosition(), opt.nRate);
-    const bool bFailed = pSink->IsError();
-    pSink.Reset(); // finishes the file
+    const bool bFailed = !pSink->Complete() || pSink->IsError();
+    pSink.Reset();
     if (bFailed) {
         LCliError(opt.szFile + ": writing failed (disk full?)");
         return CliError;

@@ -28,8 +28,8 @@ int32_t LCutListAudioLoadSource::Process()
     }
     LSoundSinkPtr pWriter(new LSNKSegmentWriter(pDoc.Get(), pSource->GetSampleRate(), pSource->GetChannels()));
     int32_t nResult = LPRSourceToSink::Pump(*this, szLoadTitle, pRead.Get(), pWriter.Get());
-    const bool bWriteFailed = pWriter->IsError();
-    pWriter.Reset(); // finishing hands the audio to the document
+    const bool bWriteFailed = !pWriter->Complete(); // finishing hands the audio to the document
+    pWriter.Reset();
     if (nResult == ResultDone && bWriteFailed) {
         LTRACE("LCutListAudioLoadSource::Process segment write failed");
         nResult = ResultError;

@@ -73,6 +73,17 @@ int64_t LFile::GetFaultCalls()
     return nFaultCalls.load();
 }
 
+int64_t LFile::FaultAllows(int64_t nBytes)
+{
+    switch (CountFaultCall()) {
+    case FaultOutcome::Fail: return 0;
+    // A short write stands for a disk that fills up in the middle of the call.
+    case FaultOutcome::Short: return nBytes / 2;
+    case FaultOutcome::None: break;
+    }
+    return nBytes;
+}
+
 LFile& LFile::operator=(LFile&& other) noexcept
 {
     if (this != &other) {
@@ -112,12 +123,14 @@ bool LFile::Open(const std::string& szPath, OpenMode mode)
     return true;
 }
 
-void LFile::Close()
+bool LFile::Close()
 {
-    if (hFile >= 0) {
-        ::close(hFile);
-        hFile = -1;
-    }
+    if (hFile < 0)
+        return true;
+    const int r = ::close(hFile);
+    hFile = -1;
+    // After EINTR the descriptor is gone all the same and nothing says the data was lost.
+    return r == 0 || errno == EINTR || Failed(errno);
 }
 
 int64_t LFile::Read(void* pBuffer, int64_t nBytes)
@@ -145,13 +158,11 @@ int64_t LFile::Write(const void* pBuffer, int64_t nBytes)
     }
     if (nBytes <= 0)
         return 0;
-    const FaultOutcome fault = CountFaultCall();
-    if (fault == FaultOutcome::Fail) {
+    const int64_t nAllowed = FaultAllows(nBytes);
+    if (nAllowed == 0) {
         Failed(ENOSPC);
         return 0;
     }
-    // A short write stands for a disk that fills up in the middle of the call.
-    const int64_t nAllowed = fault == FaultOutcome::Short ? nBytes / 2 : nBytes;
     int64_t nDone = 0;
     int nErr = 0;
     auto* p = static_cast<const char*>(pBuffer);

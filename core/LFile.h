@@ -32,7 +32,9 @@ public:
     ~LFile() { Close(); }
 
     bool Open(const std::string& szPath, OpenMode mode);
-    void Close();
+    // False when the system reports that what was written may not have reached the file (a
+    // delayed write error); the handle is released either way.
+    bool Close();
     bool IsOpen() const { return hFile >= 0; }
 
     // Both return the bytes moved (0 on error or end of file); short only at the end or on error.
@@ -70,6 +72,10 @@ public:
     static void ClearFault();
     // The calls counted since arming.
     static int64_t GetFaultCalls();
+    // For writes that go elsewhere than an LFile (the pipe into an encoder that writes the file
+    // itself): counts one call as Write does and returns how many of nBytes the write may
+    // deliver, nBytes unless the armed fault strikes.
+    static int64_t FaultAllows(int64_t nBytes);
 
     // Replaces (or adds) the extension of szPath; szExt includes the dot.
     static bool ApplyNewFileExtension(std::string& szPath, const std::string& szExt);

@@ -31,6 +31,7 @@ public:
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
     // Backwards only: drops what was written after the position.
     void SetPosition(int32_t sNewPosition) override;
+    bool Complete() override { return !IsError(); }
     const std::vector<int32_t>& GetSamples() const { return vSamples; }
 
 private:

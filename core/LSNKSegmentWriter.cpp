@@ -131,8 +131,17 @@ void LSNKSegmentWriter::SetPosition(int32_t sNewPosition)
     sPosition = sNewPosition;
 }
 
+bool LSNKSegmentWriter::Complete()
+{
+    Finish();
+    return !IsError();
+}
+
 void LSNKSegmentWriter::Finish()
 {
+    if (bFinished)
+        return;
+    bFinished = true;
     vRecords.clear();
     if (nRecordFrames > 0)
         AppendRecord();
@@ -140,11 +149,16 @@ void LSNKSegmentWriter::Finish()
         fileGrf.Write(vRecords.data(), static_cast<int64_t>(vRecords.size()));
     // A writer moved back drops whatever it had written past its final position.
     const int64_t nRecords = (static_cast<int64_t>(sPosition) + kOverviewFrames - 1) / kOverviewFrames;
+    const bool bAudOpen = fileAud.IsOpen();
     if (fileAud.Seek(static_cast<int64_t>(sPosition) * nFrameBytes) >= 0)
         fileAud.Truncate();
     if (fileGrf.Seek(nRecords * nChans * 2) >= 0)
         fileGrf.Truncate();
-    fileAud.Close();
+    // The overview can be built again from the audio; the audio itself cannot.
+    if (!fileAud.Close() && bAudOpen) {
+        LTRACE("LSNKSegmentWriter::Finish close failed");
+        SetError();
+    }
     fileGrf.Close();
     cut.sLength = sPosition;
     if (pTarget) {

@@ -1,7 +1,7 @@
 // The sink through which new audio enters the tank: it writes a new segment's "%d.aud" and builds
 // its "%d.grf" overview on the fly (one record per 256 frames: per channel the positive peak, then
-// the negative peak, each >> 11 and capped at 255). When it finishes (on its last release), the
-// target document becomes exactly the audio written: one cut over the new segment.
+// the negative peak, each >> 11 and capped at 255). When it finishes (completed, or at its last
+// release), the target document becomes exactly the audio written: one cut over the new segment.
 //
 // An effect writes its output into a scratch document this way and then replaces a range of the
 // real one with it (LCutListAudio::Replace).
@@ -28,6 +28,8 @@ public:
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
     // Moves both files; what follows the position is dropped when the writer finishes.
     void SetPosition(int32_t sNewPosition) override;
+    // Finishes now: false when the segment's audio did not all reach its file.
+    bool Complete() override;
 
     uint16_t GetRef() const { return cut.nRef; }
 
@@ -46,4 +48,5 @@ private:
     std::vector<uint8_t> vRecords;
     std::vector<int32_t> vSwapped; // big-endian hosts only
     int32_t nFrameBytes;
+    bool bFinished = false;
 };

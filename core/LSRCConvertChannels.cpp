@@ -19,7 +19,7 @@ void LSRCConvertChannels::Read(int32_t* pBuffer, int32_t nFrames)
         const int32_t* pIn = vBuffer.data();
         if (nInChans == 2 && nChans == 1) {
             for (int32_t i = 0; i < n; ++i)
-                pBuffer[i] = pIn[2 * i];
+                pBuffer[i] = Mix(pIn[2 * i], pIn[2 * i + 1]);
         } else if (nInChans == 1 && nChans == 2) {
             for (int32_t i = 0; i < n; ++i)
                 pBuffer[2 * i] = pBuffer[2 * i + 1] = pIn[i];

@@ -1,5 +1,6 @@
-// Channel conversion for the pump: 2 to 1 keeps the left channel only (the right is dropped,
-// not mixed), 1 to 2 writes each sample to both channels.
+// Channel conversion for the pump: 2 to 1 mixes the two channels ((L + R) / 2, halves rounded
+// up as the writers round), so nothing of either side is lost; 1 to 2 writes each sample to both
+// channels.
 #pragma once
 
 #include <vector>
@@ -21,6 +22,12 @@ public:
 
     // True for the pairs a converter exists for.
     static bool CanConvert(uint8_t nFrom, uint8_t nTo) { return (nFrom == 2 && nTo == 1) || (nFrom == 1 && nTo == 2); }
+    // One mono sample from a left and a right one. Taken in 64 bits: samples past full scale
+    // (headroom for gain) never overflow the sum.
+    static constexpr int32_t Mix(int32_t nLeft, int32_t nRight)
+    {
+        return static_cast<int32_t>((static_cast<int64_t>(nLeft) + nRight + 1) >> 1);
+    }
 
 private:
     LSoundSourcePtr pInput;

@@ -1,8 +1,10 @@
-// The push-model sound sink. A sink finishes its output in its destructor.
+// The push-model sound sink. A sink finishes its output in Complete, where a failure is seen;
+// one never completed finishes in its destructor, where nobody can be told.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
+#include <string>
 
 #include "core/LCountedPtr.h"
 
@@ -16,10 +18,14 @@ public:
 
     virtual void Write(const int32_t* pBuffer, int32_t nFrames) = 0;
     virtual void SetPosition(int32_t sNewPosition) {}
-    // Finishes the output now (a file writer's closing header) instead of in the destructor, so
-    // that its failure can be seen: false, with the latch set, when it did not all reach its
-    // target. Later writes are not expected; the destructor then has nothing left to do.
-    virtual bool Complete() { return !IsError(); }
+    // Finishes the output (a file writer's last block, closing header and close; an encoder's end
+    // of input and exit) and tells whether all of it reached its target: false, with the latch
+    // set, when anything failed. Every sink has its own, and a save counts as done only when it
+    // returns true. Later writes are not expected; the destructor then has nothing left to do.
+    virtual bool Complete() = 0;
+    // Why the sink failed, in the words of whoever failed (an encoder's last message), where the
+    // system's reason for the last failed file call would not tell; empty otherwise.
+    virtual std::string GetErrorText() const { return std::string(); }
 
     int32_t GetPosition() const { return sPosition; }
     int32_t GetSampleRate() const { return nSampleRate; }

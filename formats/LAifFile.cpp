@@ -232,7 +232,7 @@ LSNKAifFile::LSNKAifFile(const std::string& szPath, int32_t nRate, uint8_t nChan
 
 LSNKAifFile::~LSNKAifFile()
 {
-    Finish();
+    Complete();
 }
 
 bool LSNKAifFile::WriteHeader(LFile& file, int64_t nDataBytes)

@@ -98,7 +98,7 @@ LSNKAuFile::LSNKAuFile(const std::string& szPath, int32_t nRate, uint8_t nChanne
 
 LSNKAuFile::~LSNKAuFile()
 {
-    Finish();
+    Complete();
 }
 
 bool LSNKAuFile::WriteHeader(LFile& file, int64_t nDataBytes)

@@ -119,13 +119,16 @@ bool SyncPart(const std::string& szPart, std::string* pszError)
 int32_t FinishSave(int32_t nResult, LSoundSinkPtr& pSink, const std::string& szPart, const std::string& szPath,
                    std::string* pszError)
 {
-    // The closing header is written here, where its failure is seen, not in the destructor.
+    // Every writer finishes here, where its failure is seen, not in its destructor: the last
+    // frames and the closing header, the close, an encoder's exit.
     const bool bWritten = pSink->Complete() && !pSink->IsError();
+    const std::string szSinkError = pSink->GetErrorText();
     pSink.Reset();
     if (nResult == LProgressDialog::ResultCancelled) {
         SetReason(pszError, "cancelled");
     } else if (!bWritten) {
-        SetReason(pszError, SystemReason("writing the file failed"));
+        SetReason(pszError, szSinkError.empty() ? SystemReason("writing the file failed")
+                                                : "writing the file failed: " + szSinkError);
         nResult = LProgressDialog::ResultError;
     } else if (nResult == LProgressDialog::ResultDone && !LFile::Exists(szPart)) {
         // A writer that runs another program (an encoder) may learn only at the end that it failed.

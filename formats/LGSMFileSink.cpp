@@ -18,13 +18,23 @@ LGSMFileSink::LGSMFileSink(const std::string& szPath) : LSoundSinkBase(kSampleRa
 
 LGSMFileSink::~LGSMFileSink()
 {
+    Complete();
+}
+
+bool LGSMFileSink::Complete()
+{
     if (!file.IsOpen())
-        return;
+        return !IsError();
     if (nPending > 0) {
         std::fill(aPending + nPending, aPending + LGSMFrame::kSamples, 0);
         EncodePending();
     }
     Flush();
+    if (!file.Close()) {
+        LTRACE("LGSMFileSink::Complete close failed");
+        SetError();
+    }
+    return !IsError();
 }
 
 void LGSMFileSink::Write(const int32_t* pBuffer, int32_t nFrames)

@@ -1,5 +1,5 @@
 // Writes a ".gsm" file: every 160 samples become one 33-byte GSM full-rate frame. The last frame
-// is completed with silence when the sink is destroyed, so the file always holds whole frames.
+// is completed with silence when the sink completes, so the file always holds whole frames.
 #pragma once
 
 #include <string>
@@ -20,6 +20,8 @@ public:
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
     // Frames already coded cannot be taken back.
     void SetPosition(int32_t sNewPosition) override;
+    // Codes the last part frame, writes what is waiting and closes the file.
+    bool Complete() override;
 
 private:
     static constexpr int32_t kBufferFrames = 256;

@@ -41,7 +41,7 @@ LRawFileDataSoundSinkBase::LRawFileDataSoundSinkBase(const std::string& szPath, 
 
 LRawFileDataSoundSinkBase::~LRawFileDataSoundSinkBase()
 {
-    file.Close();
+    Complete();
 }
 
 void LRawFileDataSoundSinkBase::StartHeader()
@@ -57,15 +57,19 @@ void LRawFileDataSoundSinkBase::StartHeader()
     }
 }
 
-void LRawFileDataSoundSinkBase::Finish()
+bool LRawFileDataSoundSinkBase::Complete()
 {
     if (!file.IsOpen())
-        return;
+        return !IsError();
     if (file.Seek(0) != 0 || !WriteHeader(file, nDataBytes)) {
-        LTRACE("LRawFileDataSoundSinkBase::Finish header write failed");
+        LTRACE("LRawFileDataSoundSinkBase::Complete header write failed");
         SetError();
     }
-    file.Close();
+    if (!file.Close()) {
+        LTRACE("LRawFileDataSoundSinkBase::Complete close failed");
+        SetError();
+    }
+    return !IsError();
 }
 
 void LRawFileDataSoundSinkBase::Write(const int32_t* pBuffer, int32_t nFrames)

@@ -1,6 +1,6 @@
 // Writes internal samples to a file in one of the headerless encodings (LRawEncoding, not the
 // ADPCM one, which LSNKVOX writes). A format with a header derives from it, reserves the
-// header's bytes and writes the header once the data size is known, from its destructor.
+// header's bytes and writes the header once the data size is known, when the sink completes.
 #pragma once
 
 #include <string>
@@ -20,13 +20,14 @@ public:
     ~LRawFileDataSoundSinkBase() override;
 
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
+    // Puts the final header in place and closes the file. The destructor of a sink with a header
+    // calls it too, while its header writer still exists.
+    bool Complete() override;
 
 protected:
     // Writes the header at the start of the file for nDataBytes of samples (-1: not known yet);
     // true when written.
     virtual bool WriteHeader(LFile& file, int64_t nDataBytes) { return true; }
-    // Puts the final header in place and closes the file: the destructor of a derived sink calls it.
-    void Finish();
     int64_t GetDataBytes() const { return nDataBytes; }
     // Called by a derived constructor once the object can write its header.
     void StartHeader();

@@ -52,16 +52,29 @@ LSNKACMFile::LSNKACMFile(const std::string& szPath, const LWaveFormatRecord& rec
 
 LSNKACMFile::~LSNKACMFile()
 {
-    if (!pStream || !file.IsOpen())
-        return;
-    if (!IsError())
-        Convert(LCodecStream::kConvertEnd);
+    Complete();
+}
+
+bool LSNKACMFile::Complete()
+{
+    if (bCompleted || !pStream || !file.IsOpen())
+        return !IsError();
+    bCompleted = true;
+    if (!IsError() && !Convert(LCodecStream::kConvertEnd))
+        SetError();
     // Sizes that do not fit stay in the open form, which readers take as "up to the end of the file".
     const uint64_t nHeaderPart = 38 + uint64_t{vRecord.size()} - LWaveFormatRecord::kFixedBytes;
     const bool bFits = nEncodedBytes + nHeaderPart < kOpenSize;
-    file.Seek(0);
-    WriteHeader(bFits ? static_cast<uint32_t>(nHeaderPart + nEncodedBytes) : kOpenSize,
-                bFits ? static_cast<uint32_t>(nEncodedBytes) : kOpenSize);
+    if (file.Seek(0) != 0 || !WriteHeader(bFits ? static_cast<uint32_t>(nHeaderPart + nEncodedBytes) : kOpenSize,
+                                          bFits ? static_cast<uint32_t>(nEncodedBytes) : kOpenSize)) {
+        LTRACE("LSNKACMFile::Complete closing header not written");
+        SetError();
+    }
+    if (!file.Close()) {
+        LTRACE("LSNKACMFile::Complete close failed");
+        SetError();
+    }
+    return !IsError();
 }
 
 bool LSNKACMFile::WriteHeader(uint32_t nRiffSize, uint32_t nDataSize)

@@ -21,6 +21,8 @@ public:
     ~LSNKACMFile() override;
 
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
+    // Codes what the codec still holds, puts the real sizes into the header and closes the file.
+    bool Complete() override;
 
 private:
     bool WriteHeader(uint32_t nRiffSize, uint32_t nDataSize);
@@ -35,4 +37,5 @@ private:
     uint32_t nSrcFill = 0; // samples
     std::vector<uint8_t> vDst;
     uint64_t nEncodedBytes = 0;
+    bool bCompleted = false;
 };

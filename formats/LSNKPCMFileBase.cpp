@@ -61,6 +61,10 @@ bool LSNKPCMFileBase::Complete()
         LTRACE("LSNKPCMFileBase::Complete closing header not written");
         SetError();
     }
+    if (!file.Close()) {
+        LTRACE("LSNKPCMFileBase::Complete close failed");
+        SetError();
+    }
     return !IsError();
 }
 

@@ -23,7 +23,7 @@ public:
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
     // Backwards only: cuts the file after frame sNewPosition.
     void SetPosition(int32_t sNewPosition) override;
-    // Writes the real sizes into the header.
+    // Writes the real sizes into the header and closes the file.
     bool Complete() override;
 
 protected:

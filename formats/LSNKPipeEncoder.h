@@ -21,7 +21,7 @@ public:
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
     bool Complete() override;
 
-    const std::string& GetErrorText() const { return szError; }
+    std::string GetErrorText() const override { return szError; }
     // How long an encoder may take to finish once its input is closed.
     static constexpr int kFinishLimitMs = 60000;
 

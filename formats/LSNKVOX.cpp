@@ -13,6 +13,20 @@ LSNKVOX::LSNKVOX(const std::string& szFileName, int32_t nRate) : LSoundSinkBase(
     }
 }
 
+LSNKVOX::~LSNKVOX()
+{
+    Complete();
+}
+
+bool LSNKVOX::Complete()
+{
+    if (file.IsOpen() && !file.Close()) {
+        LTRACE("LSNKVOX::Complete close failed");
+        SetError();
+    }
+    return !IsError();
+}
+
 void LSNKVOX::Write(const int32_t* pBuffer, int32_t nFrames)
 {
     if (IsError() || nFrames <= 0)

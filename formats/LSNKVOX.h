@@ -1,6 +1,6 @@
 // Writes a Dialogic ADPCM (".vox") file: one channel, two 4-bit codes a byte, high nibble first.
 // A code left over at the end of a write waits for the first of the next; one still waiting
-// when the sink closes is dropped, so a file of an odd number of samples loses its last one.
+// when the sink completes is dropped, so a file of an odd number of samples loses its last one.
 #pragma once
 
 #include <string>
@@ -15,9 +15,11 @@ public:
     static constexpr int32_t kBlockBytes = 4096;
 
     LSNKVOX(const std::string& szFileName, int32_t nSampleRate);
-    ~LSNKVOX() override = default;
+    ~LSNKVOX() override;
 
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
+    // Closes the file.
+    bool Complete() override;
 
 private:
     LFile file;

@@ -1,5 +1,5 @@
 // Converts a whole document to another sample rate and/or channel count through the pump's
-// converters (stereo to mono keeps the left channel). The document keeps its old format and
+// converters (stereo to mono mixes both channels). The document keeps its old format and
 // audio unless the conversion finished.
 #pragma once
 

@@ -84,7 +84,7 @@ int32_t LDCOffsetCorrection::RunOnDocument(LProgressDialog& dlg, const LEffectDa
     LCutListAudioPtr pScratch(new LCutListAudio(doc.GetSampleRate(), doc.GetChannels()));
     LSoundSinkPtr pSink(new LSNKSegmentWriter(pScratch.Get(), doc.GetSampleRate(), doc.GetChannels()));
     const int32_t nResult = Run(dlg, pSrc.Get(), pSink.Get());
-    const bool bWritten = !pSink->IsError();
+    const bool bWritten = pSink->Complete();
     pSink.Reset();
     if (nResult == LProgressDialog::ResultDone && bWritten)
         doc.Replace(data.sStart, data.sEnd, *pScratch);

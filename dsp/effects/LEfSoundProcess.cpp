@@ -28,12 +28,13 @@ LCutListAudioPtr LEfSoundProcess::RenderAs(LProgressDialog& dlg, const std::stri
     LCutListAudioPtr pScratch(new LCutListAudio(nRate, nChans));
     LSoundSinkPtr pSink(new LSNKSegmentWriter(pScratch.Get(), nRate, nChans));
     int32_t nResult = LPRSourceToSink::Pump(dlg, szStage, pSource, pSink.Get());
-    if (nResult == LProgressDialog::ResultDone && pSink->IsError()) {
+    // The writer finishes here and hands its segment to the scratch document.
+    if (nResult == LProgressDialog::ResultDone && !pSink->Complete()) {
         LTRACE("LEfSoundProcess::Render segment not written whole");
         dlg.ShowError("The processed audio could not be written to the working folder.");
         nResult = LProgressDialog::ResultError;
     }
-    pSink.Reset(); // the writer finishes here and hands its segment to the scratch document
+    pSink.Reset();
     *pnResult = nResult;
     if (nResult != LProgressDialog::ResultDone)
         return LCutListAudioPtr();

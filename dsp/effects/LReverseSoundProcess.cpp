@@ -45,8 +45,8 @@ int32_t LReverseSoundProcess::Run(LProgressDialog& dlg, const LEffectData& data)
     if (pReverse->IsError() || pSink->IsError())
         return LProgressDialog::ResultError;
     const bool bDone = CopyAll(dlg, *pReverse, *pSink);
-    const bool bWritten = !pSink->IsError();
-    pSink.Reset(); // the writer finishes and hands its segment to the scratch document
+    const bool bWritten = pSink->Complete(); // the writer hands its segment to the scratch document
+    pSink.Reset();
     if (!bDone)
         return LProgressDialog::ResultCancelled;
     if (!bWritten) {

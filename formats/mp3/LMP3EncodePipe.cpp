@@ -32,18 +32,46 @@ LMP3EncodePipe::LMP3EncodePipe(const std::string& szOutput, const LMP3EncoderSet
 
 LMP3EncodePipe::~LMP3EncodePipe()
 {
+    Complete();
+}
+
+void LMP3EncodePipe::Fail(const std::string& szWhy)
+{
+    LTRACE("LMP3EncodePipe::Fail %s", szWhy.c_str());
+    if (szReason.empty())
+        szReason = szWhy;
+    SetError();
+}
+
+bool LMP3EncodePipe::Complete()
+{
+    if (bCompleted)
+        return !IsError();
+    bCompleted = true;
+    if (!encoder.IsRunning())
+        return !IsError();
     encoder.CloseInput(); // the encoder sees the end of its input
-    if (encoder.IsRunning() && !encoder.Wait(kCloseWaitMs)) {
+    if (!encoder.Wait(kCloseWaitMs)) {
         LTRACE("LMP3EncodePipe::~LMP3EncodePipe() WaitForSingleObject(hEncoderProcess) FAILED - lame did not exit!");
         encoder.Kill();
+        Fail("the MP3 encoder did not finish");
+    } else if (encoder.GetExitCode() != 0) {
+        // A signal (the file size limit, a kill) ends it with no exit code of its own.
+        const std::string szLine = encoder.GetLastErrorLine();
+        Fail("the MP3 encoder failed" + (szLine.empty() ? std::string() : ": " + szLine));
     }
+    return !IsError();
 }
 
 void LMP3EncodePipe::Write(const int32_t* pBuffer, int32_t nFrames)
 {
     sPosition += std::max(nFrames, 0);
-    if (!encoder.IsRunning())
+    if (IsError() || bCompleted)
         return;
+    if (!encoder.IsRunning()) {
+        Fail("the MP3 encoder is not running");
+        return;
+    }
     while (nFrames > 0) {
         const int32_t n = std::min(nFrames, kBufferFrames);
         const size_t nSamples = static_cast<size_t>(n) * nChans;
@@ -53,8 +81,13 @@ void LMP3EncodePipe::Write(const int32_t* pBuffer, int32_t nFrames)
             vBuffer[2 * i] = static_cast<uint8_t>(v >> 8);
             vBuffer[2 * i + 1] = static_cast<uint8_t>(v);
         }
-        // An encoder that died loses the bytes; the missing file reports the failure.
-        encoder.Write(vBuffer.data(), nSamples * 2);
+        if (!encoder.Write(vBuffer.data(), nSamples * 2)) {
+            // An encoder that died has said why on its error output by now, or will within the wait.
+            encoder.Wait(1000);
+            const std::string szLine = encoder.GetLastErrorLine();
+            Fail("the MP3 encoder stopped taking sound" + (szLine.empty() ? std::string() : ": " + szLine));
+            return;
+        }
         pBuffer += nSamples;
         nFrames -= n;
     }

@@ -16,6 +16,7 @@
 #include <thread>
 #include <unistd.h>
 
+#include "core/LFile.h"
 #include "core/LTrace.h"
 
 extern char** environ;
@@ -199,9 +200,14 @@ bool LChildProcess::ReadLines(std::vector<std::string>& vLines)
 
 bool LChildProcess::Write(const void* pBuffer, size_t nBytes)
 {
+    if (nBytes == 0)
+        return true;
     const char* p = static_cast<const char*>(pBuffer);
-    while (nBytes > 0 && fdIn >= 0) {
-        const ssize_t n = ::write(fdIn, p, nBytes);
+    // A test's injected fault cuts what an encoder gets as it would cut a file of ours.
+    size_t nLeft = static_cast<size_t>(LFile::FaultAllows(static_cast<int64_t>(nBytes)));
+    const bool bCut = nLeft < nBytes;
+    while (nLeft > 0 && fdIn >= 0) {
+        const ssize_t n = ::write(fdIn, p, nLeft);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0) {
@@ -209,9 +215,9 @@ bool LChildProcess::Write(const void* pBuffer, size_t nBytes)
             return false;
         }
         p += n;
-        nBytes -= static_cast<size_t>(n);
+        nLeft -= static_cast<size_t>(n);
     }
-    return nBytes == 0;
+    return nLeft == 0 && !bCut;
 }
 
 void LChildProcess::CloseInput()

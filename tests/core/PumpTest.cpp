@@ -49,13 +49,29 @@ TEST(Pump, RefusesLatchedSourceOrMissingSink)
     EXPECT_EQ(PumpAll(pSrc.Get(), nullptr), 2);
 }
 
-TEST(Pump, ChannelConversionKeepsLeftAndDuplicatesMono)
+TEST(Pump, ChannelConversionMixesStereoAndDuplicatesMono)
 {
-    std::vector<int32_t> vStereo = {1, 100, 2, 200, 3, 300};
-    LSoundSourcePtr pSrc(new LSRCMemory(vStereo, 8000, 2));
+    // Halves round up, as the writers round; sums past 32 bits (headroom) do not wrap.
+    std::vector<int32_t> vStereo = {1, 100, 2, 201, -3, -300, 7, -8, 0x7FFFFFFF, 0x7FFFFFFF, -0x7FFFFFFF, -0x7FFFFFFF - 1};
+    LSoundSourcePtr pSrc(new LSRCMemory(vStereo, 8000, 2, 0x7FFFFFFF));
     LCountedPtr<LSNKMemory> pMono(new LSNKMemory(8000, 1));
-    ASSERT_EQ(PumpAll(pSrc.Get(), pMono.Get()), 0);
-    EXPECT_EQ(pMono->GetSamples(), (std::vector<int32_t>{1, 2, 3}));
+    ASSERT_EQ(LPRSourceToSink::Adapt(pSrc.Get(), 8000, 1)->GetChannels(), 1);
+    LSoundSourcePtr pMix(new LSRCConvertChannels(pSrc.Get(), 1));
+    std::vector<int32_t> vOut(6);
+    pMix->Read(vOut.data(), 6);
+    EXPECT_EQ(vOut, (std::vector<int32_t>{51, 102, -151, 0, 0x7FFFFFFF, -0x7FFFFFFF}));
+
+    // Through the pump across blocks: each frame is the mix of its own two channels.
+    std::vector<int32_t> vLong(2 * 20000);
+    for (size_t i = 0; i < vLong.size(); i += 2) {
+        vLong[i] = static_cast<int32_t>(i % 977) * 16;
+        vLong[i + 1] = -static_cast<int32_t>(i % 313) * 16;
+    }
+    LSoundSourcePtr pLong(new LSRCMemory(vLong, 8000, 2));
+    ASSERT_EQ(PumpAll(pLong.Get(), pMono.Get()), 0);
+    ASSERT_EQ(pMono->GetSamples().size(), 20000u);
+    for (size_t f = 0; f < 20000; f += 997)
+        EXPECT_EQ(pMono->GetSamples()[f], (vLong[2 * f] + vLong[2 * f + 1]) / 2) << f;
 
     LSoundSourcePtr pMonoSrc(new LSRCMemory({5, 6}, 8000, 1));
     LCountedPtr<LSNKMemory> pStereo(new LSNKMemory(8000, 2));
@@ -106,6 +122,7 @@ public:
         else
             sPosition += nFrames;
     }
+    bool Complete() override { return !IsError(); }
     int nGood;
     int nWrites = 0;
 };

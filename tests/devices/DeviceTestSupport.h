@@ -111,6 +111,7 @@ public:
         }
         nFrames_ = sPosition;
     }
+    bool Complete() override { return !IsError(); }
     int32_t Frames() const { return nFrames_.load(); }
     std::vector<int32_t> Samples()
     {

@@ -106,13 +106,14 @@ TEST_F(EffectRunner, ConversionChangesFormatAndKeepsDuration)
     for (auto& s : vIn)
         s *= 16;
     for (size_t i = 1; i < vIn.size(); i += 2)
-        vIn[i] = 0; // right channel silent: mono keeps the left one
+        vIn[i] = 4000 * 16 - vIn[i] / 2; // a right channel unlike the left: mono holds both
     LCutListAudioPtr pDoc = MakeDoc(vIn, 2, 8000);
     ASSERT_EQ(Apply(LEffectKind::ConvertMono, pDoc.Get(), 0, 0), 0);
     EXPECT_EQ(pDoc->GetChannels(), 1);
     auto vMono = ReadDoc(*pDoc);
     ASSERT_EQ(vMono.size(), 8000u);
-    EXPECT_EQ(vMono[123], vIn[246]);
+    EXPECT_EQ(vMono[123], (vIn[246] + vIn[247]) / 2);
+    EXPECT_EQ(vMono[7777], (vIn[2 * 7777] + vIn[2 * 7777 + 1]) / 2);
     LEffectArgs args;
     args.mapValues = {{"ConvertSampleRate", 16000}};
     ASSERT_EQ(Apply(LEffectKind::ConvertSampleRate, pDoc.Get(), 0, 0, args), 0);

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
 #include <tuple>
 
+#include "core/LComponents.h"
 #include "core/LFile.h"
 #include "core/LMemorySound.h"
+#include "core/LSettings.h"
 #include "formats/LAudioFile.h"
 #include "formats/LAudioFormat.h"
 #include "support/TestSupport.h"
@@ -111,7 +115,8 @@ TEST(AudioFile, SaveWritesThroughThePumpAndReplacesTheTarget)
     ASSERT_EQ(p->GetLength(), 20000);
     EXPECT_EQ(p->GetChannels(), 1);
     const std::vector<int32_t> v = ReadFrames(*p, 3);
-    EXPECT_EQ(v, (std::vector<int32_t>{0, 32, 64})); // the left channel
+    // Both channels mixed: (0 + 16) / 2, (32 + 48) / 2, ..., each half a 16-bit step rounded up.
+    EXPECT_EQ(v, (std::vector<int32_t>{16, 48, 80}));
     EXPECT_EQ(FilesIn(dir), 1u);
 }
 
@@ -144,58 +149,154 @@ TEST(AudioFile, FailedOrCancelledSaveKeepsTheOldFile)
     EXPECT_EQ(FilesIn(dir), 1u);
 }
 
-// Every write, flush and rename a save makes is failed in turn (and every write cut short):
-// the save reports the system's reason and the old file stays byte for byte, with no part file
-// left beside it. Only the last step, flushing the folder after the rename, comes after the
-// old file is gone; it still fails the save.
-TEST(AudioFile, FaultAtAnyStepOfASaveKeepsTheOldFile)
+namespace {
+
+// One way of writing a file: a writable format of the registry and one of its encodings.
+struct Writer
+{
+    const LAudioFormat* pFormat;
+    std::string szEncoding;
+    std::string Name() const { return std::string(pFormat->GetName()) + ":" + szEncoding; }
+};
+
+// Every encoding of every format that writes, straight from the format list: a new format or
+// codec is covered by being listed there.
+std::vector<Writer> EveryWriter()
+{
+    std::vector<Writer> v;
+    for (const LAudioFormat* p : LAudioFormat::All())
+        for (const std::string& szEncoding : p->GetEncodings())
+            v.push_back({p, szEncoding});
+    return v;
+}
+
+// The settings a save reads (the encoder component's path among them) kept away from other tests.
+class AllWriters : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        LSettings::SetStore(&store);
+        // The components that writing needs are registered from the programs installed.
+        for (const LAudioFormat* p : LAudioFormat::All()) {
+            const std::string szComponent = p->GetWriteComponent();
+            if (!szComponent.empty())
+                LComponents::SetPath(szComponent, LComponents::FindOnPath(LComponents::ProgramFor(szComponent)));
+        }
+    }
+    void TearDown() override
+    {
+        LFile::ClearFault();
+        LSettings::SetStore(nullptr);
+    }
+    LMemorySettings store;
+};
+
+} // namespace
+
+// Every write, flush and rename a save makes is failed in turn (and every write cut short),
+// for every writer: its file's blocks, its closing header, the sound it pipes to an encoder.
+// The save reports the failure and the old file stays byte for byte, with no part file left
+// beside it. Only the last step, flushing the folder after the rename, comes after the old file
+// is gone; it still fails the save.
+TEST_F(AllWriters, FaultAtAnyStepOfASaveFailsItAndKeepsTheOldFile)
+{
+    const Bytes vOld(1000, 'o');
+    size_t nFormats = 0;
+    const LAudioFormat* pLast = nullptr;
+    for (const Writer& w : EveryWriter()) {
+        SCOPED_TRACE(w.Name());
+        nFormats += w.pFormat != pLast;
+        pLast = w.pFormat;
+        TempDir dir;
+        const std::string szPath = dir.File("keep" + w.pFormat->GetDefaultExtension());
+
+        // Stereo, so that the formats that hold one channel convert on the way.
+        LFile::InjectFault(0);
+        SaveProcess counted(Ramp(10000, 2).Get(), dir.File("counted" + w.pFormat->GetDefaultExtension()), w.szEncoding);
+        ASSERT_EQ(counted.Run(), 0) << counted.szError;
+        const int64_t nCalls = LFile::GetFaultCalls();
+        ASSERT_GE(nCalls, 4); // at least one write, the flush, the rename and the folder's flush
+        LFile::Delete(counted.szPath);
+
+        for (int nFault = LFile::FaultFail; nFault <= LFile::FaultShortWrite; ++nFault) {
+            for (int64_t nCall = 1; nCall <= nCalls; ++nCall) {
+                SCOPED_TRACE("fault " + std::to_string(nFault) + " at call " + std::to_string(nCall));
+                testsupport::WriteFileBytes(szPath, vOld);
+                LFile::InjectFault(nCall, static_cast<LFile::Fault>(nFault));
+                SaveProcess save(Ramp(10000, 2).Get(), szPath, w.szEncoding);
+                EXPECT_EQ(save.Run(), 2);
+                EXPECT_FALSE(save.szError.empty());
+                if (nCall < nCalls)
+                    EXPECT_EQ(testsupport::ReadFileBytes(szPath), vOld);
+                else
+                    EXPECT_FALSE(LAudioFile::OpenSource(szPath)->IsError()); // written, but not flushed
+                EXPECT_EQ(FilesIn(dir), 1u);
+            }
+        }
+        LFile::ClearFault();
+    }
+    size_t nWritable = 0;
+    for (const LAudioFormat* p : LAudioFormat::All())
+        nWritable += p->CanWrite();
+    EXPECT_EQ(nFormats, nWritable);
+}
+
+// The reasons a failed save gives: the system's for a file of ours, the encoder's own words for
+// a file an encoder writes.
+TEST_F(AllWriters, AFailedSaveNamesItsReason)
 {
     TempDir dir;
-    const std::string szPath = dir.File("keep.wav");
-    const Bytes vOld(1000, 'o');
-    testsupport::WriteFileBytes(szPath, vOld);
-    struct FaultOff
-    {
-        ~FaultOff() { LFile::ClearFault(); }
-    } off;
+    // The call that fails: a block of sound, or the first write into the encoder's pipe. GSM
+    // writes its frames (fewer than 256 here) only as it completes.
+    const std::tuple<std::string, int, std::string> cases[] = {
+        {"a.wav", 2, "writing the file failed: No space left on device"},
+        {"a.gsm", 1, "writing the file failed: No space left on device"},
+        {"a.au", 2, "writing the file failed: No space left on device"},
+        {"a.flac", 1, "writing the file failed: flac stopped taking sound"},
+        {"a.mp3", 1, "writing the file failed: the MP3 encoder stopped taking sound"},
+    };
+    for (const auto& [szName, nCall, szReason] : cases) {
+        LFile::InjectFault(nCall);
+        SaveProcess save(Ramp(10000, 2).Get(), dir.File(szName));
+        EXPECT_EQ(save.Run(), 2) << szName;
+        EXPECT_EQ(save.szError.rfind(szReason, 0), 0u) << szName << ": " << save.szError;
+        LFile::ClearFault();
+    }
+    EXPECT_EQ(FilesIn(dir), 0u);
+}
 
-    // 20000 frames: the header, three blocks, the closing header, the file's flush, the rename
-    // and the folder's flush.
-    LFile::InjectFault(0);
-    SaveProcess counted(Ramp(20000, 1).Get(), dir.File("counted.wav"));
-    ASSERT_EQ(counted.Run(), 0) << counted.szError;
-    const int64_t nCalls = LFile::GetFaultCalls();
-    ASSERT_EQ(nCalls, 8);
-    LFile::Delete(dir.File("counted.wav"));
-
-    for (int nFault = LFile::FaultFail; nFault <= LFile::FaultShortWrite; ++nFault) {
-        for (int64_t nCall = 1; nCall <= nCalls; ++nCall) {
-            SCOPED_TRACE("fault " + std::to_string(nFault) + " at call " + std::to_string(nCall));
-            testsupport::WriteFileBytes(szPath, vOld);
-            LFile::InjectFault(nCall, static_cast<LFile::Fault>(nFault));
-            SaveProcess save(Ramp(20000, 1).Get(), szPath);
+// An encoder that takes all the sound and writes the file, and then exits with an error or is
+// killed, fails the save: the file it wrote is not taken.
+TEST_F(AllWriters, AnEncoderThatExitsWithAnErrorOrIsKilledFailsTheSave)
+{
+    TempDir tools;
+    // The output is the argument after "-o" (flac) or the last one (the MP3 encoder).
+    const std::string szWrite = "out=; prev=; for a; do [ \"$prev\" = -o ] && out=$a; prev=$a; done; "
+                                "[ -n \"$out\" ] || out=$a; cat > \"$out\"; ";
+    const std::pair<std::string, std::string> endings[] = {
+        {"echo 'disk on fire' >&2; exit 3", " failed: disk on fire"},
+        {"kill -9 $$", " failed"},
+    };
+    const std::pair<std::string, std::string> encoders[] = {{"keep.mp3", "the MP3 encoder"}, {"keep.flac", "flac"}};
+    for (const auto& [szEnding, szReason] : endings) {
+        const std::string szScript = tools.File("enc");
+        std::ofstream(szScript) << "#!/bin/sh\n" << szWrite << szEnding << "\n";
+        ::chmod(szScript.c_str(), 0755);
+        LComponents::SetPath(LComponents::kMp3Encoder, szScript);
+        LComponents::SetPath("flac", szScript);
+        for (const auto& [szName, szWho] : encoders) {
+            SCOPED_TRACE(szName + ": " + szEnding);
+            TempDir dir;
+            const Bytes vOld(100, 'o');
+            testsupport::WriteFileBytes(dir.File(szName), vOld);
+            SaveProcess save(Ramp(10000, 2).Get(), dir.File(szName));
             EXPECT_EQ(save.Run(), 2);
-            const bool bWrite = nCall <= 5;
-            if (bWrite) {
-                EXPECT_EQ(save.szError.rfind(nCall == 1 ? "cannot write the file: " : "writing the file failed: ", 0), 0u)
-                    << save.szError;
-                EXPECT_NE(save.szError.find("No space left on device"), std::string::npos) << save.szError;
-            } else {
-                EXPECT_NE(save.szError.find("Input/output error"), std::string::npos) << save.szError;
-            }
-            if (nCall < nCalls) {
-                EXPECT_EQ(testsupport::ReadFileBytes(szPath), vOld);
-            } else {
-                EXPECT_EQ(LAudioFile::OpenSource(szPath)->GetLength(), 20000); // written, but not flushed
-            }
+            EXPECT_EQ(save.szError, "writing the file failed: " + szWho + szReason);
+            EXPECT_EQ(testsupport::ReadFileBytes(dir.File(szName)), vOld);
             EXPECT_EQ(FilesIn(dir), 1u);
         }
     }
-    // Disarmed, the same save goes through.
-    LFile::ClearFault();
-    SaveProcess save(Ramp(20000, 1).Get(), szPath);
-    EXPECT_EQ(save.Run(), 0) << save.szError;
-    EXPECT_EQ(LAudioFile::OpenSource(szPath)->GetLength(), 20000);
 }
 
 // A real full disk: a small file system in a mount namespace of its own, where the system lets
