@@ -9,8 +9,10 @@
 #include "formats/mp3/LMP3Tables.h"
 
 // The filter banks are plain float loops: where the processor has wider vector units, a second
-// copy built for them is chosen when the program starts.
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__)
+// copy built for them is chosen when the program starts. Not under the thread checker: the choice
+// runs while the program is being loaded, before the checker's runtime exists, and crashes there.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__) &&                     \
+    !defined(__SANITIZE_THREAD__)
 #define LMP3_WIDE_VECTORS __attribute__((target_clones("arch=x86-64-v3", "default")))
 #else
 #define LMP3_WIDE_VECTORS
