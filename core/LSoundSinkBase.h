@@ -20,6 +20,9 @@ public:
     // that its failure can be seen: false, with the latch set, when it did not all reach its
     // target. Later writes are not expected; the destructor then has nothing left to do.
     virtual bool Complete() { return !IsError(); }
+    // A hint before the first write: about how many frames are coming. A file writer may lay out
+    // its header for that size (a WAV file past 4 GB needs 64-bit sizes); the default ignores it.
+    virtual void ExpectFrames(int64_t nFrames) {}
 
     int32_t GetPosition() const { return sPosition; }
     int32_t GetSampleRate() const { return nSampleRate; }
