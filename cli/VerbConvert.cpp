@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "cli/LCliVerb.h"
+#include "core/LSRCLimitLength.h"
 #include "formats/LAudioFile.h"
 #include "formats/LAudioFormat.h"
 #include "work/LProgressDialog.h"
@@ -153,6 +154,34 @@ private:
     LAudioEncoding encoding;
 };
 
+// A header may claim more than the file holds: only what is there is converted, and the user
+// hears of the rest (it would read as silence, gigabytes of it for a damaged size field).
+LSoundSourcePtr WhatTheFileHolds(const Options& opt, LSoundSourceBase* pSource)
+{
+    const int32_t sClaimed = pSource->GetLength();
+    const int32_t sHeld = pSource->GetLengthInFile();
+    if (sHeld < 0 || sHeld >= sClaimed)
+        return LSoundSourcePtr(pSource);
+    LCliError("convert: " + opt.szIn + ": the header claims " + std::to_string(sClaimed) +
+              " frames but the file holds only " + std::to_string(sHeld) + "; converting those");
+    return LSoundSourcePtr(new LSRCLimitLength(pSource, sHeld));
+}
+
+// With no encoding asked for, the input's is kept where the output's format has it; where it has
+// not, the format's default is written, and when that is 16-bit PCM of a wider or coded input the
+// user is told.
+void NoteEncoding(const Options& opt, const LAudioFileDetails& details, const LAudioEncoding& encoding)
+{
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(opt.szOut);
+    if (!pFormat || !pFormat->CanWrite() || pFormat->GetEncodings().front() != "pcm16")
+        return;
+    const std::string& szIn = details.encoding.szName;
+    if (szIn.empty() || szIn == "pcm16" || szIn == "pcm8" || !LAudioFile::EncodingFor(*pFormat, encoding).szName.empty())
+        return;
+    LCliError("convert: " + opt.szOut + ": " + pFormat->GetName() + " files here cannot hold " + details.szEncoding +
+              "; writing 16-bit PCM");
+}
+
 int RunConvert(const std::vector<std::string>& vArgs)
 {
     Options opt;
@@ -174,6 +203,9 @@ int RunConvert(const std::vector<std::string>& vArgs)
         encoding = LAudioEncoding::Named(opt.nBits == 8 ? "pcm8" : "pcm16");
     if (!opt.szEncoding.empty())
         encoding = LAudioEncoding::Named(opt.szEncoding);
+    if (!opt.nBits && opt.szEncoding.empty())
+        NoteEncoding(opt, details, encoding);
+    pSource = WhatTheFileHolds(opt, pSource.Get());
     LPRConvert convert(opt, pSource.Get(), encoding);
     const int32_t nResult = convert.Run();
     if (nResult == LProgressDialog::ResultCancelled) {
