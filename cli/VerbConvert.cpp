@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "cli/LCliVerb.h"
+#include "core/LSRCLimitLength.h"
 #include "formats/LAudioFile.h"
 #include "formats/LAudioFormat.h"
 #include "work/LProgressDialog.h"
@@ -14,7 +15,9 @@ const char kUsage[] =
     "usage: sonitra-cli convert IN OUT [--rate N] [--channels 1|2] [--bits 8|16] [--format FORMAT:ENCODING]\n"
     "\n"
     "Reads IN and writes OUT in the format its extension names (.wav). Without options OUT\n"
-    "keeps the rate, channels and encoding of IN where its format has them.\n"
+    "keeps the rate, channels and encoding of IN where its format has them (24-bit stays\n"
+    "24-bit); where it has not, OUT is 16-bit PCM and a note says so. A file whose header\n"
+    "claims more frames than it holds is converted as far as it goes, with a warning.\n"
     "\n"
     "  --rate N         sample rate of OUT in Hz (1 to 196000)\n"
     "  --channels 1|2   1 mixes the two channels of a stereo file, 2 doubles a mono one\n"
@@ -153,6 +156,34 @@ private:
     LAudioEncoding encoding;
 };
 
+// A header may claim more than the file holds: only what is there is converted, and the user
+// hears of the rest (it would read as silence, gigabytes of it for a damaged size field).
+LSoundSourcePtr WhatTheFileHolds(const Options& opt, LSoundSourceBase* pSource)
+{
+    const int32_t sClaimed = pSource->GetLength();
+    const int32_t sHeld = pSource->GetLengthInFile();
+    if (sHeld < 0 || sHeld >= sClaimed)
+        return LSoundSourcePtr(pSource);
+    LCliError("convert: " + opt.szIn + ": the header claims " + std::to_string(sClaimed) +
+              " frames but the file holds only " + std::to_string(sHeld) + "; converting those");
+    return LSoundSourcePtr(new LSRCLimitLength(pSource, sHeld));
+}
+
+// With no encoding asked for, the input's is kept where the output's format has it; where it has
+// not, the format's default is written, and when that is 16-bit PCM of a wider or coded input the
+// user is told.
+void NoteEncoding(const Options& opt, const LAudioFileDetails& details, const LAudioEncoding& encoding)
+{
+    const LAudioFormat* pFormat = LAudioFormat::ByExtension(opt.szOut);
+    if (!pFormat || !pFormat->CanWrite() || pFormat->GetEncodings().front() != "pcm16")
+        return;
+    const std::string& szIn = details.encoding.szName;
+    if (szIn.empty() || szIn == "pcm16" || szIn == "pcm8" || !LAudioFile::EncodingFor(*pFormat, encoding).szName.empty())
+        return;
+    LCliError("convert: " + opt.szOut + ": " + pFormat->GetName() + " files here cannot hold " + details.szEncoding +
+              "; writing 16-bit PCM");
+}
+
 int RunConvert(const std::vector<std::string>& vArgs)
 {
     Options opt;
@@ -174,6 +205,9 @@ int RunConvert(const std::vector<std::string>& vArgs)
         encoding = LAudioEncoding::Named(opt.nBits == 8 ? "pcm8" : "pcm16");
     if (!opt.szEncoding.empty())
         encoding = LAudioEncoding::Named(opt.szEncoding);
+    if (!opt.nBits && opt.szEncoding.empty())
+        NoteEncoding(opt, details, encoding);
+    pSource = WhatTheFileHolds(opt, pSource.Get());
     LPRConvert convert(opt, pSource.Get(), encoding);
     const int32_t nResult = convert.Run();
     if (nResult == LProgressDialog::ResultCancelled) {

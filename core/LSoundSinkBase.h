@@ -26,6 +26,9 @@ public:
     // Why the sink failed, in the words of whoever failed (an encoder's last message), where the
     // system's reason for the last failed file call would not tell; empty otherwise.
     virtual std::string GetErrorText() const { return std::string(); }
+    // A hint before the first write: about how many frames are coming. A file writer may lay out
+    // its header for that size (a WAV file past 4 GB needs 64-bit sizes); the default ignores it.
+    virtual void ExpectFrames(int64_t nFrames) {}
 
     int32_t GetPosition() const { return sPosition; }
     int32_t GetSampleRate() const { return nSampleRate; }

@@ -68,12 +68,23 @@ int64_t AIFFFindChunk(LFile& file, const char* szId)
 bool SameId(const uint8_t* p, const char* szId) { return std::memcmp(p, szId, 4) == 0; }
 
 // The headerless encoding of an AIFF-C compression type and sample size; -1 when not read.
+// Samples of 17 to 32 bits are left-justified in 3 or 4 bytes.
 int32_t RawEncodingOf(const uint8_t* pType, int32_t nBits)
 {
-    if (SameId(pType, "NONE") || SameId(pType, "twos"))
-        return nBits == 16 ? RawPcm16BE : nBits == 8 ? RawPcm8Signed : -1;
-    if (SameId(pType, "sowt"))
-        return nBits == 16 ? RawPcm16LE : nBits == 8 ? RawPcm8Signed : -1;
+    const bool bBig = SameId(pType, "NONE") || SameId(pType, "twos");
+    if (bBig || SameId(pType, "sowt")) {
+        if (nBits == 16)
+            return bBig ? RawPcm16BE : RawPcm16LE;
+        if (nBits == 8)
+            return RawPcm8Signed;
+        if (nBits > 16 && nBits <= 32)
+            return LRawWideEncoding(nBits <= 24 ? LWideSample::Pcm24 : LWideSample::Pcm32, bBig);
+        return -1;
+    }
+    if (SameId(pType, "fl32") || SameId(pType, "FL32"))
+        return RawFloat32BE;
+    if (SameId(pType, "fl64") || SameId(pType, "FL64"))
+        return RawFloat64BE;
     if (SameId(pType, "ulaw") || SameId(pType, "ULAW"))
         return RawULaw;
     if (SameId(pType, "alaw") || SameId(pType, "ALAW"))
@@ -146,10 +157,14 @@ LSoundSourcePtr LAifFile::OpenSource(const std::string& szFileName, std::string*
     }
     uint8_t comm[kCommBytesAifc] = {};
     const int64_t nCommWanted = bAifc ? kCommBytesAifc : kCommBytes;
-    if ((bAifc ? nCommSize < kCommBytesAifc : nCommSize != kCommBytes) || file.Read(comm, nCommWanted) != nCommWanted) {
+    if (bAifc ? nCommSize < kCommBytesAifc : nCommSize != kCommBytes) {
         LTRACE("AIFFOpenHeader COMM header does not contain 18 bytes");
         return Fail(pszError, "the AIFF file's COMM chunk is " + std::to_string(nCommSize) + " bytes, not " +
                                   (bAifc ? std::string("at least 22") : std::string("18")));
+    }
+    if (file.Read(comm, nCommWanted) != nCommWanted) {
+        LTRACE("AIFFOpenHeader COMM header does not contain 18 bytes");
+        return Fail(pszError, "damaged AIFF file: it ends inside its COMM chunk");
     }
     const uint16_t nChans = GetBE16(comm);
     const int32_t nBits = GetBE16(comm + 6);
@@ -171,7 +186,7 @@ LSoundSourcePtr LAifFile::OpenSource(const std::string& szFileName, std::string*
     const int32_t nRaw = RawEncodingOf(pType, nBits);
     if (nRaw < 0) {
         if (RawEncodingOf(pType, 16) >= 0) {
-            LTRACE("LAifFile::OpenSource Does not yet support 32 bit samples");
+            LTRACE("LAifFile::OpenSource Does not support %d bit samples", static_cast<int>(nBits));
             return Fail(pszError, "AIFF files of " + std::to_string(nBits) + "-bit samples are not supported");
         }
         LTRACE("LAifFile::OpenSource unsupported compression %s", TypeText(pType).c_str());
@@ -222,10 +237,21 @@ bool WriteHeaderAIFF(LFile& file, uint8_t nChans, int32_t nSampleRate, int32_t n
     return file.Write(h, sizeof(h)) == static_cast<int64_t>(sizeof(h));
 }
 
+namespace {
+// The encodings an AIFF file holds, and their sample sizes.
+int32_t AiffEncoding(int32_t nEncoding)
+{
+    return nEncoding == RawPcm8Signed || nEncoding == RawPcm24BE || nEncoding == RawPcm32BE ? nEncoding : RawPcm16BE;
+}
+int32_t BitsOf(int32_t nEncoding)
+{
+    return 8 * LVoxRawSettings::ElementSize(AiffEncoding(nEncoding));
+}
+} // namespace
+
 LSNKAifFile::LSNKAifFile(const std::string& szPath, int32_t nRate, uint8_t nChannels, int32_t nEncoding)
-    : LRawFileDataSoundSinkBase(szPath, nRate, nChannels, nEncoding == RawPcm8Signed ? RawPcm8Signed : RawPcm16BE,
-                                kHeaderBytes),
-      nSampleBits(nEncoding == RawPcm8Signed ? 8 : 16)
+    : LRawFileDataSoundSinkBase(szPath, nRate, nChannels, AiffEncoding(nEncoding), kHeaderBytes),
+      nSampleBits(BitsOf(nEncoding))
 {
     StartHeader();
 }

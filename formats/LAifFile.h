@@ -31,7 +31,8 @@ public:
 // Writes FORM, COMM and SSND for nDataBytes of samples of nSampleBits bits; 54 bytes.
 bool WriteHeaderAIFF(LFile& file, uint8_t nChans, int32_t nSampleRate, int32_t nSampleBits, int64_t nDataBytes);
 
-// Writes an AIFF file of 16-bit (RawPcm16BE) or 8-bit signed (RawPcm8Signed) samples.
+// Writes an AIFF file of 16-bit (RawPcm16BE), 24- or 32-bit (RawPcm24BE, RawPcm32BE) or 8-bit
+// signed (RawPcm8Signed) samples.
 class LSNKAifFile : public LRawFileDataSoundSinkBase
 {
 public:

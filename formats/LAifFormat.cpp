@@ -12,6 +12,18 @@ bool LAifFormat::MatchesContent(const uint8_t* pHead, size_t nBytes) const
            (!std::memcmp(pHead + 8, "AIFF", 4) || !std::memcmp(pHead + 8, "AIFC", 4));
 }
 
+namespace {
+// The encoding that writes a file back as it was read, where AIFF holds it.
+const char* EncodingName(const std::string& szType, int32_t nBits)
+{
+    if (szType == "fl32" || szType == "FL32" || szType == "fl64" || szType == "FL64")
+        return "float";
+    if (szType != "NONE" && szType != "twos" && szType != "sowt")
+        return "pcm16";
+    return nBits == 8 ? "pcm8" : nBits > 24 ? "pcm32" : nBits > 16 ? "pcm24" : "pcm16";
+}
+} // namespace
+
 LSoundSourcePtr LAifFormat::OpenSource(const std::string& szPath, std::string* pszError,
                                        LAudioFileDetails* pDetails) const
 {
@@ -24,12 +36,12 @@ LSoundSourcePtr LAifFormat::OpenSource(const std::string& szPath, std::string* p
             pDetails->szEncoding = "G.711 u-law";
         else if (szType == "alaw" || szType == "ALAW")
             pDetails->szEncoding = "G.711 A-law";
+        else if (szType == "fl32" || szType == "FL32" || szType == "fl64" || szType == "FL64")
+            pDetails->szEncoding = "IEEE float " + std::to_string(szType[2] == '3' ? 32 : 64) + "-bit";
         else
             pDetails->szEncoding = "PCM " + std::to_string(info.nSampleBits) + "-bit" +
                                    (szType == "sowt" ? " little-endian" : "");
-        const bool b8 = info.nSampleBits == 8 && szType != "ulaw" && szType != "ULAW" && szType != "alaw" &&
-                        szType != "ALAW";
-        pDetails->encoding = LAudioEncoding::Named(b8 ? "pcm8" : "pcm16");
+        pDetails->encoding = LAudioEncoding::Named(EncodingName(szType, info.nSampleBits));
     }
     return pSource;
 }
@@ -38,8 +50,9 @@ LSoundSinkPtr LAifFormat::OpenSink(const std::string& szPath, int32_t nSampleRat
                                    const LAudioEncoding& encoding, std::string* pszError) const
 {
     errno = 0;
-    LSoundSinkPtr pSink(
-        new LSNKAifFile(szPath, nSampleRate, nChans, encoding.szName == "pcm8" ? RawPcm8Signed : RawPcm16BE));
+    const std::string& sz = encoding.szName;
+    const int32_t nRaw = sz == "pcm8" ? RawPcm8Signed : sz == "pcm24" ? RawPcm24BE : sz == "pcm32" ? RawPcm32BE : RawPcm16BE;
+    LSoundSinkPtr pSink(new LSNKAifFile(szPath, nSampleRate, nChans, nRaw));
     if (pSink->IsError()) {
         const int nErr = errno;
         if (pszError)

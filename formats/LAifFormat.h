@@ -12,7 +12,7 @@ public:
         return {{"Apple AIF Files(*.aif)", "*.aif;*.aiff;*.aifc"}};
     }
     bool MatchesContent(const uint8_t* pHead, size_t nBytes) const override;
-    std::vector<std::string> GetEncodings() const override { return {"pcm16", "pcm8"}; }
+    std::vector<std::string> GetEncodings() const override { return {"pcm16", "pcm8", "pcm24", "pcm32"}; }
 
     LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError,
                                LAudioFileDetails* pDetails) const override;

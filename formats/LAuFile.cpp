@@ -35,6 +35,10 @@ int32_t RawEncodingOf(uint32_t nAuEncoding)
     case LAuFile::kLinear8: return RawPcm8Signed;
     case LAuFile::kLinear16: return RawPcm16BE;
     case LAuFile::kALaw: return RawALaw;
+    case LAuFile::kLinear24: return RawPcm24BE;
+    case LAuFile::kLinear32: return RawPcm32BE;
+    case LAuFile::kFloat: return RawFloat32BE;
+    case LAuFile::kDouble: return RawFloat64BE;
     default: return -1;
     }
 }
@@ -44,6 +48,10 @@ uint32_t AuEncodingOf(int32_t nRawEncoding)
     switch (nRawEncoding) {
     case RawULaw: return LAuFile::kULaw;
     case RawALaw: return LAuFile::kALaw;
+    case RawPcm24BE: return LAuFile::kLinear24;
+    case RawPcm32BE: return LAuFile::kLinear32;
+    case RawFloat32BE: return LAuFile::kFloat;
+    case RawFloat64BE: return LAuFile::kDouble;
     default: return LAuFile::kLinear16;
     }
 }
@@ -84,6 +92,12 @@ LSoundSourcePtr LAuFile::OpenSource(const std::string& szFileName, std::string* 
     if (nChans < 1 || nChans > 255) {
         LTRACE("LAuFile::OpenSource bad channel count %u", nChans);
         return Fail(pszError, "the AU file's channel count " + std::to_string(nChans) + " is out of range");
+    }
+    // Other programs put an annotation between the header and the samples.
+    const uint32_t nOffset = GetBE32(header + 4);
+    if (nOffset > kHeaderBytes && static_cast<int64_t>(nOffset) <= file.Size() && file.Seek(nOffset) != nOffset) {
+        LTRACE("LAuFile::OpenSource cannot seek to the data offset %u", nOffset);
+        return Fail(pszError, "cannot read the AU file's samples");
     }
     const int64_t nDataBytes = nDataSize == kUnknownSize ? LRawFileDataSoundSourceBase::kUnspecifiedLength : nDataSize;
     return LMakeRawSource(nRaw, std::move(file), static_cast<int32_t>(nRate), nDataBytes, static_cast<uint8_t>(nChans));

@@ -10,18 +10,20 @@ class LAuFile
 {
 public:
     static constexpr int64_t kHeaderBytes = 24;
-    // The encodings read and written: G.711 µ-law, 8-bit linear, 16-bit linear, G.711 A-law.
-    static constexpr uint32_t kULaw = 1, kLinear8 = 2, kLinear16 = 3, kALaw = 27;
+    // The encodings read and written: G.711 µ-law, 8-, 16-, 24- and 32-bit linear, 32- and 64-bit
+    // float, G.711 A-law.
+    static constexpr uint32_t kULaw = 1, kLinear8 = 2, kLinear16 = 3, kLinear24 = 4, kLinear32 = 5, kFloat = 6,
+                              kDouble = 7, kALaw = 27;
 
-    // Samples are taken from byte 24 on whatever the header's data offset says, so a longer
-    // header (an annotation) is read as the first samples. Never null: on failure a latched
-    // silent source, the reason in *pszError. *pnEncoding receives the header's encoding.
+    // Samples start at the header's data offset, so an annotation after the 24 bytes is skipped;
+    // an offset below 24 or past the end of the file is taken as 24. Never null: on failure a
+    // latched silent source, the reason in *pszError. *pnEncoding receives the header's encoding.
     static LSoundSourcePtr OpenSource(const std::string& szFileName, std::string* pszError = nullptr,
                                       uint32_t* pnEncoding = nullptr);
 };
 
-// Writes an AU file with a 24-byte header: 16-bit linear, µ-law or A-law (RawPcm16BE, RawULaw,
-// RawALaw). The data size stays "unknown" until the sink closes.
+// Writes an AU file with a 24-byte header: 16-, 24- or 32-bit linear, float, µ-law or A-law
+// (RawPcm16BE, RawPcm24BE, RawPcm32BE, RawFloat32BE, RawULaw, RawALaw). The data size stays "unknown" until the sink closes.
 class LSNKAuFile : public LRawFileDataSoundSinkBase
 {
 public:

@@ -31,6 +31,16 @@ LSoundSourcePtr LAuFormat::OpenSource(const std::string& szPath, std::string* ps
             pDetails->szEncoding = "PCM 8-bit";
             pDetails->encoding = LAudioEncoding::Named("pcm16");
             break;
+        case LAuFile::kLinear24:
+        case LAuFile::kLinear32:
+            pDetails->szEncoding = nEncoding == LAuFile::kLinear24 ? "PCM 24-bit" : "PCM 32-bit";
+            pDetails->encoding = LAudioEncoding::Named(nEncoding == LAuFile::kLinear24 ? "pcm24" : "pcm32");
+            break;
+        case LAuFile::kFloat:
+        case LAuFile::kDouble:
+            pDetails->szEncoding = nEncoding == LAuFile::kFloat ? "IEEE float 32-bit" : "IEEE float 64-bit";
+            pDetails->encoding = LAudioEncoding::Named("float");
+            break;
         default:
             pDetails->szEncoding = "PCM 16-bit";
             pDetails->encoding = LAudioEncoding::Named("pcm16");
@@ -43,7 +53,13 @@ LSoundSourcePtr LAuFormat::OpenSource(const std::string& szPath, std::string* ps
 LSoundSinkPtr LAuFormat::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                                   const LAudioEncoding& encoding, std::string* pszError) const
 {
-    const int32_t nRaw = encoding.szName == "ulaw" ? RawULaw : encoding.szName == "alaw" ? RawALaw : RawPcm16BE;
+    const std::string& sz = encoding.szName;
+    const int32_t nRaw = sz == "ulaw"    ? RawULaw
+                         : sz == "alaw"  ? RawALaw
+                         : sz == "pcm24" ? RawPcm24BE
+                         : sz == "pcm32" ? RawPcm32BE
+                         : sz == "float" ? RawFloat32BE
+                                         : RawPcm16BE;
     errno = 0;
     LSoundSinkPtr pSink(new LSNKAuFile(szPath, nSampleRate, nChans, nRaw));
     if (pSink->IsError()) {

@@ -9,7 +9,7 @@ public:
     const char* GetName() const override { return "AU"; }
     std::vector<LAudioFileType> GetFileTypes() const override { return {{"Sun AU Files(*.au)", "*.au;*.snd"}}; }
     bool MatchesContent(const uint8_t* pHead, size_t nBytes) const override;
-    std::vector<std::string> GetEncodings() const override { return {"pcm16", "ulaw", "alaw"}; }
+    std::vector<std::string> GetEncodings() const override { return {"pcm16", "ulaw", "alaw", "pcm24", "pcm32", "float"}; }
 
     LSoundSourcePtr OpenSource(const std::string& szPath, std::string* pszError,
                                LAudioFileDetails* pDetails) const override;

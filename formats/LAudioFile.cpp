@@ -1,5 +1,6 @@
 #include "formats/LAudioFile.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -25,7 +26,7 @@ std::string KnownFormats()
 {
     std::string sz;
     for (const LAudioFormat* p : LAudioFormat::All())
-        sz += std::string(sz.empty() ? "" : ", ") + p->GetName();
+        sz += std::string(sz.empty() ? "" : ", ") + p->GetListedName();
     return sz;
 }
 
@@ -69,11 +70,13 @@ const LAudioFormat* FormatToWrite(const std::string& szPath, std::string* pszErr
     return pFormat;
 }
 
-// The encoding a file was read in gives way to the target format's default where that format
-// lacks it (an MP3 saved as WAV).
-LAudioEncoding EncodingFor(const LAudioFormat& format, const LAudioEncoding& encoding)
+// Plain sample widths mean the same in every format that has them.
+bool IsPlainWidth(const std::string& szName)
 {
-    return format.CanWrite(encoding) ? encoding : LAudioEncoding();
+    for (const char* sz : {"pcm8", "pcm16", "pcm24", "pcm32", "float", "float64"})
+        if (szName == sz)
+            return true;
+    return false;
 }
 
 bool CheckSinkShape(const LAudioFormat& format, int32_t nSampleRate, uint8_t nChans, std::string* pszError)
@@ -157,6 +160,17 @@ int32_t FinishSave(int32_t nResult, LSoundSinkPtr& pSink, const std::string& szP
 
 } // namespace
 
+LAudioEncoding LAudioFile::EncodingFor(const LAudioFormat& format, const LAudioEncoding& encoding)
+{
+    if (format.CanWrite(encoding))
+        return encoding;
+    // A 24-bit AIFF saved as WAV stays 24-bit; an MP3 saved as WAV gets WAV's default.
+    const LAudioEncoding width = LAudioEncoding::Named(encoding.szName);
+    if (IsPlainWidth(encoding.szName) && format.CanWrite(width))
+        return width;
+    return LAudioEncoding();
+}
+
 LSoundSourcePtr LAudioFile::OpenSource(const std::string& szPath, std::string* pszError)
 {
     return OpenSource(szPath, pszError, nullptr);
@@ -227,6 +241,9 @@ int32_t LAudioFile::Save(LProgressDialog& dlg, const std::string& szTitle, LSoun
         LFile::Delete(szPart);
         return LProgressDialog::ResultError;
     }
+    // Frames at the sink's rate; a little more than the converters give is no harm.
+    const int64_t nSourceRate = std::max(pSource->GetSampleRate(), 1);
+    pSink->ExpectFrames(static_cast<int64_t>(pSource->GetLength()) * nSampleRate / nSourceRate + 1);
     const int32_t nResult = LPRSourceToSink::Pump(dlg, szTitle, pSource, pSink.Get());
     return FinishSave(nResult, pSink, szPart, szPath, pszError);
 }

@@ -9,6 +9,7 @@
 #include "core/LSoundSinkBase.h"
 #include "core/LSoundSourceBase.h"
 
+class LAudioFormat;
 class LProgressDialog;
 
 // How a file is to be written: one of its format's encodings, with that encoding's settings.
@@ -43,6 +44,10 @@ public:
     // default). Null on failure, with the reason in *pszError.
     static LSoundSinkPtr OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                                   const LAudioEncoding& encoding, std::string* pszError = nullptr);
+
+    // The encoding a save into the format uses for the one asked: it when the format has it, the
+    // same plain sample width (pcm24, float) when it has that, else the format's default (empty).
+    static LAudioEncoding EncodingFor(const LAudioFormat& format, const LAudioEncoding& encoding);
 
     // Pumps a source into a new file through the converters the format needs: a format that holds
     // only some rates or channel counts gets the nearest it holds. The file is written beside the

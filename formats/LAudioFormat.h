@@ -23,6 +23,8 @@ public:
     virtual ~LAudioFormat() = default;
 
     virtual const char* GetName() const = 0;
+    // How messages that list the known formats name this one; by default its name.
+    virtual std::string GetListedName() const { return GetName(); }
     virtual std::vector<LAudioFileType> GetFileTypes() const = 0;
     // szExt is lower case with the dot (".wav"); by default one of the file types' patterns.
     virtual bool HasExtension(const std::string& szExt) const;

@@ -1,5 +1,7 @@
 #include "formats/LExternalFormat.h"
 
+#include <cctype>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -223,4 +225,20 @@ LSoundSinkPtr LExternalFormat::OpenSink(const std::string& szPath, int32_t nSamp
     }
     SetReason(pszError, "no encoder for " + std::string(info.szName) + " files: " + szMissing);
     return LSoundSinkPtr();
+}
+
+std::string LExternalFormat::GetListedName() const
+{
+    if (!info.bTakesExtraExtensions)
+        return GetName();
+    std::string sz;
+    for (const LAudioFileType& type : info.vTypes) {
+        for (char c : type.szPatterns) {
+            if (c == '*' || c == '.')
+                continue;
+            sz += c == ';' ? std::string(", ") : std::string(1, static_cast<char>(std::toupper(static_cast<unsigned char>(c))));
+        }
+        sz += ", ";
+    }
+    return sz.empty() ? sz : sz.substr(0, sz.size() - 2);
 }

@@ -25,6 +25,8 @@ public:
     explicit LExternalFormat(const LExternalFormatInfo& info) : info(info) {}
 
     const char* GetName() const override { return info.szName; }
+    // The catch-all for extensions ffmpeg opens is listed by its extensions, not its name.
+    std::string GetListedName() const override;
     std::vector<LAudioFileType> GetFileTypes() const override;
     bool HasExtension(const std::string& szExt) const override;
     bool MatchesContent(const uint8_t* pHead, size_t nBytes) const override;

@@ -19,6 +19,10 @@ LRawFileDataSoundSinkBase::LRawFileDataSoundSinkBase(const std::string& szPath, 
     case RawPcm8Signed: pfnConvert = LRawPcm8Signed::FromSamples; break;
     case RawPcm16BE: pfnConvert = LRawPcm16BE::FromSamples; break;
     default:
+        if (LRawIsWide(nEncoding)) {
+            pfnConvert = LWideWriter(LRawWideKind(nEncoding), LRawIsBigEndian(nEncoding));
+            break;
+        }
         LTRACE("LRawFileDataSoundSinkBase::LRawFileDataSoundSinkBase no headerless writer for encoding %d",
                static_cast<int>(nEncoding));
         SetError();

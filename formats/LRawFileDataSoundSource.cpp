@@ -27,6 +27,11 @@ LSoundSourcePtr LMakeRawSource(int32_t nEncoding, LFile&& file, int32_t nSampleR
         p = new LRawFileDataSoundSource<LRawPcm16BE>(std::move(file), nSampleRate, nDataBytes, nChans);
         break;
     default:
+        if (LRawIsWide(nEncoding)) {
+            p = new LRawWideSource(std::move(file), nSampleRate, nDataBytes, nChans, LRawWideKind(nEncoding),
+                                   LRawIsBigEndian(nEncoding));
+            break;
+        }
         LTRACE("LMakeRawSource no headerless reader for encoding %d", static_cast<int>(nEncoding));
         p = new LSRCSilence;
         break;

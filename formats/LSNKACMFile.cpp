@@ -5,14 +5,7 @@
 
 #include "core/LFixed.h"
 #include "core/LTrace.h"
-
-namespace {
-void Put32(uint8_t* p, uint32_t v)
-{
-    for (int i = 0; i < 4; ++i)
-        p[i] = static_cast<uint8_t>(v >> (8 * i));
-}
-} // namespace
+#include "formats/LWaveHeader.h"
 
 LSNKACMFile::LSNKACMFile(const std::string& szPath, const LWaveFormatRecord& record)
     : LSoundSinkBase(static_cast<int32_t>(record.nSamplesPerSec),
@@ -46,7 +39,7 @@ LSNKACMFile::LSNKACMFile(const std::string& szPath, const LWaveFormatRecord& rec
     vDst.resize(nDstBytes);
     header.pbSrc = reinterpret_cast<const uint8_t*>(vSrc.data());
     header.pbDst = vDst.data();
-    if (!WriteHeader(kOpenSize, kOpenSize))
+    if (!WriteHeader(LWaveHeader::kUnknown))
         SetError();
 }
 
@@ -62,11 +55,7 @@ bool LSNKACMFile::Complete()
     bCompleted = true;
     if (!IsError() && !Convert(LCodecStream::kConvertEnd))
         SetError();
-    // Sizes that do not fit stay in the open form, which readers take as "up to the end of the file".
-    const uint64_t nHeaderPart = 38 + uint64_t{vRecord.size()} - LWaveFormatRecord::kFixedBytes;
-    const bool bFits = nEncodedBytes + nHeaderPart < kOpenSize;
-    if (file.Seek(0) != 0 || !WriteHeader(bFits ? static_cast<uint32_t>(nHeaderPart + nEncodedBytes) : kOpenSize,
-                                          bFits ? static_cast<uint32_t>(nEncodedBytes) : kOpenSize)) {
+    if (file.Seek(0) != 0 || !WriteHeader(static_cast<int64_t>(nEncodedBytes))) {
         LTRACE("LSNKACMFile::Complete closing header not written");
         SetError();
     }
@@ -77,16 +66,11 @@ bool LSNKACMFile::Complete()
     return !IsError();
 }
 
-bool LSNKACMFile::WriteHeader(uint32_t nRiffSize, uint32_t nDataSize)
+bool LSNKACMFile::WriteHeader(int64_t nDataBytes)
 {
-    std::vector<uint8_t> v(20 + vRecord.size() + 8);
-    std::memcpy(v.data(), "RIFF", 4);
-    Put32(v.data() + 4, nRiffSize);
-    std::memcpy(v.data() + 8, "WAVEfmt ", 8);
-    Put32(v.data() + 16, static_cast<uint32_t>(vRecord.size()));
-    std::copy(vRecord.begin(), vRecord.end(), v.begin() + 20);
-    std::memcpy(v.data() + 20 + vRecord.size(), "data", 4);
-    Put32(v.data() + 24 + vRecord.size(), nDataSize);
+    // The "fact" chunk tells readers the true frame count: the last block is padded.
+    const LWaveHeader header(vRecord, true, false);
+    const std::vector<uint8_t> v = header.Build(nDataBytes, nDataBytes < 0 ? LWaveHeader::kUnknown : sPosition);
     if (file.Write(v.data(), static_cast<int64_t>(v.size())) != static_cast<int64_t>(v.size())) {
         LTRACE("LSNKACMFile::WriteHeader write failed");
         return false;

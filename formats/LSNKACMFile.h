@@ -1,4 +1,4 @@
-// Writes compressed (or wider than 16-bit) WAV: the frames become 16-bit PCM, a codec stream
+// Writes compressed WAV: the frames become 16-bit PCM, a codec stream
 // turns whole blocks of it into the target format, and the header is completed on close.
 #pragma once
 
@@ -25,7 +25,8 @@ public:
     bool Complete() override;
 
 private:
-    bool WriteHeader(uint32_t nRiffSize, uint32_t nDataSize);
+    // nDataBytes < 0: the open form.
+    bool WriteHeader(int64_t nDataBytes);
     // Converts what the source buffer holds; false when the file could not take the bytes.
     bool Convert(uint32_t nFlags);
 

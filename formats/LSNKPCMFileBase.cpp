@@ -7,22 +7,30 @@
 #include "core/LTrace.h"
 
 namespace {
-void Put16(uint8_t* p, uint32_t v)
+// The format chunk: the record given, or 18 bytes of plain PCM.
+std::vector<uint8_t> FormatBytes(const LWaveFormatRecord* pRecord, int32_t nRate, uint8_t nChans, int nBytes)
 {
-    p[0] = static_cast<uint8_t>(v);
-    p[1] = static_cast<uint8_t>(v >> 8);
+    LWaveFormatRecord pcm;
+    if (!pRecord) {
+        const uint32_t nFrame = static_cast<uint32_t>(nChans) * static_cast<uint32_t>(nBytes);
+        pcm = LWaveFormatRecord::Make(LWaveFormatRecord::kTagPCM, nChans, static_cast<uint32_t>(nRate),
+                                      static_cast<uint32_t>(nRate) * nFrame, static_cast<uint16_t>(nFrame),
+                                      static_cast<uint16_t>(nBytes * 8));
+        pRecord = &pcm;
+    }
+    std::vector<uint8_t> v(LWaveFormatRecord::kFixedBytes + pRecord->cbSize, 0);
+    std::copy_n(pRecord->vBytes.begin(), std::min(pRecord->vBytes.size(), v.size()), v.begin());
+    v[16] = static_cast<uint8_t>(pRecord->cbSize);
+    v[17] = static_cast<uint8_t>(pRecord->cbSize >> 8);
+    return v;
 }
-void Put32(uint8_t* p, uint32_t v)
-{
-    Put16(p, v & 0xFFFF);
-    Put16(p + 2, v >> 16);
-}
-constexpr uint32_t kOpenSize = 0xFFFFFFFF;
 } // namespace
 
 LSNKPCMFileBase::LSNKPCMFileBase(const std::string& szPath, int32_t nRate, int32_t sStartFrame, uint8_t nChannels,
-                                 int nBytes)
-    : LSoundSinkBase(nRate, nChannels), nBytesPerSample(nBytes)
+                                 int nBytes, const LWaveFormatRecord* pRecord)
+    : LSoundSinkBase(nRate, nChannels),
+      header(FormatBytes(pRecord, nRate, nChannels ? nChannels : 1, nBytes), pRecord && !pRecord->IsPCM(), false),
+      nBytesPerSample(nBytes)
 {
     nFrameSize = nChans * nBytesPerSample;
     if (IsError())
@@ -33,13 +41,13 @@ LSNKPCMFileBase::LSNKPCMFileBase(const std::string& szPath, int32_t nRate, int32
         return;
     }
     vBuffer.resize(static_cast<size_t>(kBlockFrames) * nFrameSize);
-    if (!WriteHeader(kOpenSize, kOpenSize)) {
+    if (!WriteHeader(LWaveHeader::kUnknown)) {
         SetError();
         return;
     }
     sPosition = std::max(sStartFrame, 0);
     if (sPosition > 0)
-        file.Seek(std::min(kHeaderBytes + static_cast<int64_t>(sPosition) * nFrameSize, file.Size()));
+        file.Seek(std::min(header.GetBytes() + static_cast<int64_t>(sPosition) * nFrameSize, file.Size()));
     file.Truncate();
 }
 
@@ -48,16 +56,23 @@ LSNKPCMFileBase::~LSNKPCMFileBase()
     Complete();
 }
 
+void LSNKPCMFileBase::ExpectFrames(int64_t nFrames)
+{
+    // The header can change its size only while no sample follows it.
+    if (IsError() || !file.IsOpen() || sPosition != 0 || header.HasRoomForDs64() ||
+        !header.NeedsRF64(nFrames * nFrameSize))
+        return;
+    header = LWaveHeader(header, true);
+    if (file.Seek(0) != 0 || !WriteHeader(LWaveHeader::kUnknown) || !file.Truncate())
+        SetError();
+}
+
 bool LSNKPCMFileBase::Complete()
 {
     if (bCompleted || !file.IsOpen())
         return !IsError();
     bCompleted = true;
-    // Sizes that do not fit stay in the open form, which readers take as "up to the end of the file".
-    const int64_t nData = static_cast<int64_t>(sPosition) * nFrameSize;
-    const bool bFits = nData + 38 < kOpenSize;
-    if (file.Seek(0) != 0 ||
-        !WriteHeader(bFits ? static_cast<uint32_t>(38 + nData) : kOpenSize, bFits ? static_cast<uint32_t>(nData) : kOpenSize)) {
+    if (file.Seek(0) != 0 || !WriteHeader(static_cast<int64_t>(sPosition) * nFrameSize)) {
         LTRACE("LSNKPCMFileBase::Complete closing header not written");
         SetError();
     }
@@ -68,23 +83,10 @@ bool LSNKPCMFileBase::Complete()
     return !IsError();
 }
 
-bool LSNKPCMFileBase::WriteHeader(uint32_t nRiffSize, uint32_t nDataSize)
+bool LSNKPCMFileBase::WriteHeader(int64_t nDataBytes)
 {
-    uint8_t header[kHeaderBytes];
-    std::memcpy(header, "RIFF", 4);
-    Put32(header + 4, nRiffSize);
-    std::memcpy(header + 8, "WAVEfmt ", 8);
-    Put32(header + 16, 18);
-    Put16(header + 20, 1);
-    Put16(header + 22, nChans);
-    Put32(header + 24, static_cast<uint32_t>(nSampleRate));
-    Put32(header + 28, static_cast<uint32_t>(nSampleRate) * static_cast<uint32_t>(nFrameSize));
-    Put16(header + 32, static_cast<uint32_t>(nFrameSize));
-    Put16(header + 34, static_cast<uint32_t>(nBytesPerSample * 8));
-    Put16(header + 36, 0);
-    std::memcpy(header + 38, "data", 4);
-    Put32(header + 42, nDataSize);
-    if (file.Write(header, kHeaderBytes) != kHeaderBytes) {
+    const std::vector<uint8_t> v = header.Build(nDataBytes, nDataBytes < 0 ? LWaveHeader::kUnknown : sPosition);
+    if (file.Write(v.data(), static_cast<int64_t>(v.size())) != static_cast<int64_t>(v.size())) {
         LTRACE("LSNKPCMFileBase::WriteHeader write failed");
         return false;
     }
@@ -129,6 +131,6 @@ void LSNKPCMFileBase::CutAt(int32_t sFrame)
     sPosition = sFrame;
     if (!file.IsOpen())
         return;
-    file.Seek(kHeaderBytes + static_cast<int64_t>(sFrame) * nFrameSize);
+    file.Seek(header.GetBytes() + static_cast<int64_t>(sFrame) * nFrameSize);
     file.Truncate();
 }

@@ -6,9 +6,9 @@
 #include "core/LFixed.h"
 #include "core/LTrace.h"
 
-LSRCACMWave::LSRCACMWave(LFile&& fileIn, const LWaveFormatRecord& record, uint32_t nSize)
+LSRCACMWave::LSRCACMWave(LFile&& fileIn, const LWaveFormatRecord& record, uint32_t nSize, int64_t nFactFrames)
     : LSoundSourceBase(static_cast<int32_t>(record.nSamplesPerSec), static_cast<uint8_t>(record.nChannels), 0x7FFF0),
-      file(std::move(fileIn)), nDataSize(nSize)
+      file(std::move(fileIn)), nDataSize(nSize), sFactFrames(nFactFrames)
 {
     nFileRate = std::max<uint32_t>(record.nSamplesPerSec, 1);
     nAvgBytesPerSec = record.nAvgBytesPerSec ? record.nAvgBytesPerSec : nFileRate;
@@ -127,6 +127,12 @@ void LSRCACMWave::Read(int32_t* pBuffer, int32_t nFrames)
     LZeroFrames(pBuffer, nLead, nChans);
     int32_t* pOut = pBuffer + static_cast<size_t>(nLead) * nChans;
     int32_t nWanted = nFrames - nLead;
+    // Past the true end that a "fact" chunk gives lies only the padding of the last block.
+    if (sFactFrames >= 0 && sTo > sFactFrames) {
+        const int32_t nPast = static_cast<int32_t>(std::min<int64_t>(sTo - sFactFrames, nWanted));
+        LZeroFrames(pOut + static_cast<size_t>(nWanted - nPast) * nChans, nPast, nChans);
+        nWanted -= nPast;
+    }
     while (nWanted > 0) {
         if (nDstHeld == 0 && (sEndFrame >= 0 || !Refill(nWanted))) {
             LZeroFrames(pOut, nWanted, nChans);
@@ -224,10 +230,13 @@ int32_t LSRCACMWave::GetLength()
 {
     if (IsError())
         return 0;
-    if (sEndFrame >= 0)
-        return static_cast<int32_t>(std::min<int64_t>(sEndFrame, INT32_MAX));
-    const uint32_t nUnread = nDataSize - (nBytesRead - nSrcFill);
-    const int64_t nLength = std::max(sPosition, 0) + static_cast<int64_t>(nDstHeld / nChans) + FramesIn(nUnread);
+    int64_t nLength = sEndFrame;
+    if (nLength < 0) {
+        const uint32_t nUnread = nDataSize - (nBytesRead - nSrcFill);
+        nLength = std::max(sPosition, 0) + static_cast<int64_t>(nDstHeld / nChans) + FramesIn(nUnread);
+    }
+    if (sFactFrames >= 0)
+        nLength = std::min(nLength, sFactFrames);
     return static_cast<int32_t>(std::min<int64_t>(nLength, INT32_MAX));
 }
 

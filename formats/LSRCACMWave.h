@@ -16,8 +16,10 @@ public:
     static constexpr int32_t kBlockFrames = 8192;
     static constexpr uint32_t kStreamingSize = 0xFFFFFFFF;
 
-    // Takes over the file, whose pointer stands at the first byte of the data.
-    LSRCACMWave(LFile&& file, const LWaveFormatRecord& record, uint32_t nDataSize);
+    // Takes over the file, whose pointer stands at the first byte of the data. nFactFrames: the
+    // true frame count of the file's "fact" chunk, or -1; it shortens the length when the blocks
+    // hold more (the last block's padding).
+    LSRCACMWave(LFile&& file, const LWaveFormatRecord& record, uint32_t nDataSize, int64_t nFactFrames = -1);
 
     void Read(int32_t* pBuffer, int32_t nFrames) override;
     int32_t GetPosition() override { return sPosition; }
@@ -61,6 +63,7 @@ private:
     uint32_t nBlockFrames = 0; // frames in one block, 0 when not known
     int32_t sPosition = 0;
     int64_t sEndFrame = -1;
+    int64_t sFactFrames = -1;
     struct LKeptState
     {
         int64_t nBlock; // the state before this block

@@ -6,8 +6,8 @@
 class LSRCPCMFile16 : public LSRCPCMFileBase
 {
 public:
-    LSRCPCMFile16(LFile&& file, uint32_t nDataSize, int32_t nSampleRate, uint8_t nChans)
-        : LSRCPCMFileBase(std::move(file), nDataSize, nSampleRate, nChans, 2)
+    LSRCPCMFile16(LFile&& file, int64_t nDataBytes, int32_t nSampleRate, uint8_t nChans)
+        : LSRCPCMFileBase(std::move(file), nDataBytes, nSampleRate, nChans, 2)
     {
     }
 

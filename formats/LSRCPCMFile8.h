@@ -6,8 +6,8 @@
 class LSRCPCMFile8 : public LSRCPCMFileBase
 {
 public:
-    LSRCPCMFile8(LFile&& file, uint32_t nDataSize, int32_t nSampleRate, uint8_t nChans)
-        : LSRCPCMFileBase(std::move(file), nDataSize, nSampleRate, nChans, 1)
+    LSRCPCMFile8(LFile&& file, int64_t nDataBytes, int32_t nSampleRate, uint8_t nChans)
+        : LSRCPCMFileBase(std::move(file), nDataBytes, nSampleRate, nChans, 1)
     {
     }
 

@@ -8,13 +8,11 @@
 class LSRCPCMFileBase : public LRawFileDataSoundSourceBase
 {
 public:
-    // A data size of all ones marks a file that is still being written.
-    static constexpr uint32_t kStreamingSize = 0xFFFFFFFF;
-
-    // Takes over the file, whose pointer stands at the first sample.
-    LSRCPCMFileBase(LFile&& file, uint32_t nDataSize, int32_t nSampleRate, uint8_t nChans, int nBytesPerSample)
+    // Takes over the file, whose pointer stands at the first sample. nDataBytes < 0: a file still
+    // being written, whose samples run to its end.
+    LSRCPCMFileBase(LFile&& file, int64_t nDataBytes, int32_t nSampleRate, uint8_t nChans, int nBytesPerSample)
         : LRawFileDataSoundSourceBase(std::move(file), static_cast<size_t>(nBytesPerSample), nSampleRate,
-                                      nDataSize == kStreamingSize ? kUnspecifiedLength : int64_t{nDataSize}, nChans)
+                                      nDataBytes < 0 ? kUnspecifiedLength : nDataBytes, nChans)
     {
     }
 };

@@ -14,8 +14,19 @@ std::vector<LAudioFileType> LVoxRawFormat::GetFileTypes() const
 {
     if (bVox)
         return {{"Vox Files(*.vox)", "*.vox"}};
-    return {{"Raw Audio Files(*.raw)", "*.raw"}};
+    return {{"Raw Audio Files(*.raw;*.pcm)", "*.raw;*.pcm"}};
 }
+
+namespace {
+// A ".pcm" file is headerless 16-bit audio by name: the stored rate and channels apply, and the
+// stored encoding only when it is one of the 16-bit ones.
+LVoxRawSettings ForExtension(const std::string& szPath, LVoxRawSettings s)
+{
+    if (LFile::ExtensionOf(szPath) == ".pcm" && s.nFormat != RawPcm16LE && s.nFormat != RawPcm16BE)
+        s.nFormat = RawPcm16LE;
+    return s;
+}
+} // namespace
 
 std::vector<std::string> LVoxRawFormat::GetEncodings() const
 {
@@ -36,7 +47,7 @@ void LVoxRawFormat::FitShape(const LAudioEncoding& encoding, int32_t& nSampleRat
 LSoundSourcePtr LVoxRawFormat::OpenSource(const std::string& szPath, std::string* pszError,
                                           LAudioFileDetails* pDetails) const
 {
-    LVoxRawSettings s = LVoxRawSettings::Load();
+    LVoxRawSettings s = ForExtension(szPath, LVoxRawSettings::Load());
     if (bVox || s.nFormat == RawDialogicAdpcm)
         s.nChans = 1;
     LSoundSourcePtr pSource;
@@ -66,7 +77,7 @@ LSoundSourcePtr LVoxRawFormat::OpenSource(const std::string& szPath, std::string
 LSoundSinkPtr LVoxRawFormat::OpenSink(const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                                       const LAudioEncoding& encoding, std::string* pszError) const
 {
-    const LVoxRawSettings s = LVoxRawSettings::FromEncoding(encoding);
+    const LVoxRawSettings s = ForExtension(szPath, LVoxRawSettings::FromEncoding(encoding));
     errno = 0;
     LSoundSinkPtr pSink;
     if (s.nFormat == RawDialogicAdpcm) {

@@ -46,6 +46,8 @@ int32_t LVoxRawSettings::ElementSize(int32_t nFormat)
     case RawDialogicAdpcm:
         return 0;
     default:
+        if (LRawIsWide(nFormat))
+            return static_cast<int32_t>(LWideBytes(LRawWideKind(nFormat)));
         return 1;
     }
 }

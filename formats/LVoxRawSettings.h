@@ -6,6 +6,7 @@
 #include <string>
 
 #include "formats/LAudioFile.h"
+#include "formats/LRawWideSamples.h"
 
 // The encodings of headerless files; the stored setting is the position in this list.
 enum LRawEncoding : int32_t
@@ -17,7 +18,29 @@ enum LRawEncoding : int32_t
     RawPcm8Unsigned = 4,
     RawPcm8Signed = 5,
     RawPcm16BE = 6,
+    // Read and written inside AU, AIFF and WAV files only; never offered for headerless files.
+    RawPcm24BE = 16,
+    RawPcm32BE = 17,
+    RawFloat32BE = 18,
+    RawFloat64BE = 19,
+    RawPcm24LE = 20,
+    RawPcm32LE = 21,
+    RawFloat32LE = 22,
+    RawFloat64LE = 23,
 };
+
+// The wide encodings and their sample layout.
+inline bool LRawIsWide(int32_t nEncoding) { return nEncoding >= RawPcm24BE && nEncoding <= RawFloat64LE; }
+inline bool LRawIsBigEndian(int32_t nEncoding) { return nEncoding >= RawPcm24BE && nEncoding <= RawFloat64BE; }
+inline LWideSample LRawWideKind(int32_t nEncoding)
+{
+    return static_cast<LWideSample>((nEncoding - RawPcm24BE) % 4);
+}
+// The wide encoding of a layout.
+inline int32_t LRawWideEncoding(LWideSample kind, bool bBigEndian)
+{
+    return (bBigEndian ? RawPcm24BE : RawPcm24LE) + static_cast<int32_t>(kind);
+}
 
 struct LVoxRawSettings
 {

@@ -1,6 +1,8 @@
 #include "formats/LWaveFile.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 
@@ -9,9 +11,13 @@
 #include "formats/LSNKACMFile.h"
 #include "formats/LSNKPCMFile16.h"
 #include "formats/LSNKPCMFile8.h"
+#include "formats/LSNKPCMFileWide.h"
 #include "formats/LSRCACMWave.h"
 #include "formats/LSRCPCMFile16.h"
 #include "formats/LSRCPCMFile8.h"
+#include "formats/LRawFileDataSoundSource.h"
+#include "formats/LVoxRawSettings.h"
+#include "formats/codec/LCodec.h"
 
 namespace {
 
@@ -32,15 +38,35 @@ bool Fail(std::string* pszReason, const char* szTrace, const std::string& szUser
     return false;
 }
 
-// Steps over top-level chunks until the RIFF WAVE chunk; the pointer then stands inside it.
-bool FindRiffWave(LFile& file, std::string* pszReason)
+// What the chunk walk learns besides the format: the sizes that RF64 keeps in its ds64 chunk and
+// the true frame count of a "fact" chunk.
+struct LWaveChunks
+{
+    uint32_t nRiffSize = 0;
+    bool bRF64 = false;
+    bool bDs64 = false;
+    uint64_t nDs64Data = 0;
+    bool bFact = false;
+    uint32_t nFactFrames = 0;
+};
+
+uint64_t Get64(const uint8_t* p)
+{
+    return static_cast<uint64_t>(Get32(p)) | (static_cast<uint64_t>(Get32(p + 4)) << 32);
+}
+
+// Steps over top-level chunks until the RIFF (or RF64, BW64) WAVE chunk; the pointer then stands inside it.
+bool FindRiffWave(LFile& file, LWaveChunks& chunks, std::string* pszReason)
 {
     while (true) {
         uint8_t head[12];
         if (file.Read(head, 12) < 12)
             return Fail(pszReason, "No RIFF WAVE chunk found", "not a WAV file: no RIFF WAVE chunk found");
-        if (!std::memcmp(head, "RIFF", 4) && !std::memcmp(head + 8, "WAVE", 4))
+        chunks.bRF64 = !std::memcmp(head, "RF64", 4) || !std::memcmp(head, "BW64", 4);
+        if ((chunks.bRF64 || !std::memcmp(head, "RIFF", 4)) && !std::memcmp(head + 8, "WAVE", 4)) {
+            chunks.nRiffSize = Get32(head + 4);
             return true;
+        }
         const uint32_t nSize = (Get32(head + 4) + 1) & ~1u;
         if (nSize <= 4)
             return Fail(pszReason, "chunk too short!", "not a WAV file: damaged chunk ahead of the RIFF WAVE chunk");
@@ -49,8 +75,25 @@ bool FindRiffWave(LFile& file, std::string* pszReason)
     }
 }
 
+// Reads the head of a ds64 or fact chunk met on the way; returns the bytes read.
+uint32_t NoteChunk(LFile& file, const uint8_t* pHead, uint32_t nSize, LWaveChunks& chunks)
+{
+    uint8_t body[24];
+    if (!std::memcmp(pHead, "ds64", 4) && nSize >= 24 && file.Read(body, 24) == 24) {
+        chunks.bDs64 = true;
+        chunks.nDs64Data = Get64(body + 8);
+        return 24;
+    }
+    if (!std::memcmp(pHead, "fact", 4) && nSize >= 4 && file.Read(body, 4) == 4) {
+        chunks.bFact = true;
+        chunks.nFactFrames = Get32(body);
+        return 4;
+    }
+    return 0;
+}
+
 // Steps over sub-chunks until the one named szId; the pointer then stands at its contents.
-bool FindSubchunk(LFile& file, const char* szId, uint32_t& nSize, std::string* pszReason)
+bool FindSubchunk(LFile& file, const char* szId, uint32_t& nSize, LWaveChunks& chunks, std::string* pszReason)
 {
     while (true) {
         uint8_t head[8];
@@ -65,7 +108,8 @@ bool FindSubchunk(LFile& file, const char* szId, uint32_t& nSize, std::string* p
         const uint32_t nSkip = ((nSize + 1) / 2) * 2;
         if (static_cast<int32_t>(nSkip) < 0)
             return Fail(pszReason, "subchunk too short (< 0)!", "damaged WAV file: a chunk size is out of range");
-        if (file.Seek(nSkip, LFile::FromCurrent) < 0)
+        const uint32_t nRead = NoteChunk(file, head, nSize, chunks);
+        if (file.Seek(nSkip - nRead, LFile::FromCurrent) < 0)
             return Fail(pszReason, "subchunk seek failed", "damaged WAV file: a chunk size is out of range");
     }
 }
@@ -91,27 +135,61 @@ bool CheckFormat(const LWaveFormatRecord& record, std::string* pszReason)
                     std::to_string(record.nSamplesPerSec) + " Hz");
 }
 
-// Every record the PCM readers cannot take goes to the codec-layer reader.
-LSoundSourcePtr OpenCompressedReader(LFile&& file, const LWaveFormatRecord& record, uint32_t nDataSize,
-                                     std::string* pszReason)
+// The bytes of samples, or -1 when they run to the end of the file. A size of all ones is the
+// mark of a file still being written, and so is 0 in a file whose RIFF size does not close it
+// there (a recorder that never came back to fill the sizes in). RF64 keeps the true size in ds64.
+int64_t DataBytes(LFile& file, uint32_t nDataSize, const LWaveChunks& chunks)
 {
-    LSoundSourcePtr pSource(new LSRCACMWave(std::move(file), record, nDataSize));
+    if (nDataSize == 0xFFFFFFFF && chunks.bRF64 && chunks.bDs64)
+        return static_cast<int64_t>(std::min<uint64_t>(chunks.nDs64Data, INT64_MAX));
+    if (nDataSize == 0xFFFFFFFF)
+        return -1;
+    if (nDataSize == 0 && static_cast<int64_t>(chunks.nRiffSize) + 8 != file.Size())
+        return -1;
+    return nDataSize;
+}
+
+// Why a record that is neither plain PCM nor a codec's could not be read.
+std::string RefusalOf(const LWaveFormatRecord& record)
+{
+    if ((record.IsPCM() && record.wBitsPerSample > 16) || record.EffectiveTag() == LWaveFormatRecord::kTagFloat)
+        return "damaged WAV file: blocks of " + std::to_string(record.nBlockAlign) + " bytes do not hold " +
+               std::to_string(record.nChannels) + " channels of " + LWaveFile::DescribeEncoding(record);
+    for (const LCodec* p : LCodec::All()) {
+        const std::string sz = p->WhyRefused(record);
+        if (!sz.empty())
+            return sz;
+    }
+    return LWaveFile::DescribeEncoding(record) + " WAV files are not supported";
+}
+
+// Every record the PCM readers cannot take goes to the codec-layer reader.
+LSoundSourcePtr OpenCompressedReader(LFile&& file, const LWaveFormatRecord& record, int64_t nDataBytes,
+                                     const LWaveChunks& chunks, std::string* pszReason)
+{
+    const uint32_t nSize = nDataBytes < 0 ? LSRCACMWave::kStreamingSize
+                                          : static_cast<uint32_t>(std::min<int64_t>(nDataBytes, 0xFFFFFFFE));
+    const int64_t nFact = chunks.bFact ? int64_t{chunks.nFactFrames} : -1;
+    LSoundSourcePtr pSource(new LSRCACMWave(std::move(file), record, nSize, nFact));
     if (pSource->IsError())
-        Fail(pszReason, "no codec for this format", LWaveFile::DescribeEncoding(record) + " WAV files are not supported");
+        Fail(pszReason, "no codec for this format", RefusalOf(record));
     return pSource;
 }
 
-LSoundSourcePtr ChooseReader(LFile&& file, const LWaveFormatRecord& record, uint32_t nDataSize,
-                             std::string* pszReason)
+LSoundSourcePtr ChooseReader(LFile&& file, const LWaveFormatRecord& record, int64_t nDataBytes,
+                             const LWaveChunks& chunks, std::string* pszReason)
 {
     const int32_t nRate = static_cast<int32_t>(record.nSamplesPerSec);
     const uint8_t nChans = static_cast<uint8_t>(record.nChannels);
+    LWideSample kind;
+    if (LSNKPCMFileWide::LayoutOf(record, kind))
+        return LMakeRawSource(LRawWideEncoding(kind, false), std::move(file), nRate, nDataBytes, nChans);
     if (!record.IsPCM() || record.wBitsPerSample > 16)
-        return OpenCompressedReader(std::move(file), record, nDataSize, pszReason);
+        return OpenCompressedReader(std::move(file), record, nDataBytes, chunks, pszReason);
     // A PCM record that claims 0 bits is read as 8-bit.
     if (record.wBitsPerSample > 8)
-        return LSoundSourcePtr(new LSRCPCMFile16(std::move(file), nDataSize, nRate, nChans));
-    return LSoundSourcePtr(new LSRCPCMFile8(std::move(file), nDataSize, nRate, nChans));
+        return LSoundSourcePtr(new LSRCPCMFile16(std::move(file), nDataBytes, nRate, nChans));
+    return LSoundSourcePtr(new LSRCPCMFile8(std::move(file), nDataBytes, nRate, nChans));
 }
 
 } // namespace
@@ -128,20 +206,24 @@ LSoundSourcePtr LWaveFile::OpenSource(const std::string& szPath, std::string* ps
         return LSoundSourcePtr(new LSRCSilence);
     }
     LWaveFormatRecord record;
+    LWaveChunks chunks;
     uint32_t nFmtSize = 0;
     uint32_t nDataSize = 0;
-    if (!FindRiffWave(file, pszReason) || !FindSubchunk(file, "fmt ", nFmtSize, pszReason) ||
+    if (!FindRiffWave(file, chunks, pszReason) || !FindSubchunk(file, "fmt ", nFmtSize, chunks, pszReason) ||
         !ReadFormat(file, nFmtSize, record, pszReason))
         return LSoundSourcePtr(new LSRCSilence);
     if (pRecord)
         *pRecord = record;
-    if (!FindSubchunk(file, "data", nDataSize, pszReason) || !CheckFormat(record, pszReason))
+    if (!FindSubchunk(file, "data", nDataSize, chunks, pszReason) || !CheckFormat(record, pszReason))
         return LSoundSourcePtr(new LSRCSilence);
-    return ChooseReader(std::move(file), record, nDataSize, pszReason);
+    return ChooseReader(std::move(file), record, DataBytes(file, nDataSize, chunks), chunks, pszReason);
 }
 
 LSoundSinkPtr LWaveFile::OpenSink(const std::string& szPath, const LWaveFormatRecord& record)
 {
+    LWideSample kind;
+    if (record.nChannels <= kMaxChannels && LSNKPCMFileWide::LayoutOf(record, kind))
+        return LSoundSinkPtr(new LSNKPCMFileWide(szPath, record));
     if (record.wFormatTag == LWaveFormatRecord::kTagPCM && record.nChannels <= kMaxChannels)
         return OpenSinkPCM(szPath, static_cast<int32_t>(record.nSamplesPerSec), 0, record.wBitsPerSample,
                            static_cast<uint8_t>(record.nChannels));

@@ -1,5 +1,6 @@
-// The WAV module behind the audio file door. Its encodings: "pcm16" (the default) and "pcm8"
-// written directly, and one per codec of the codec layer ("pcm24", "float", "ima", ...). An
+// The WAV module behind the audio file door. Its encodings: "pcm16" (the default) and "pcm8",
+// the wide "pcm24", "pcm32", "float" and "float64" (all written directly, at the internal
+// sample's full precision), and one per codec of the codec layer ("ima", "gsm", ...). An
 // encoding may carry a whole format record (the one a file was read in, or one the user chose);
 // the file is then written in exactly that format.
 #pragma once

@@ -64,6 +64,7 @@ public:
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
     // the user told why, when it cannot be read.
     bool LoadFile(const std::string& szPath);
+    void WarnIfCutShort(const std::string& szPath, LSoundSourceBase& source);
     // Gives a new document its own window; the frame takes ownership.
     LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath, const std::string& szName);
     // Saves a file to its own path; false (and the file stays modified) when it fails.

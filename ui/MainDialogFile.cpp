@@ -13,6 +13,7 @@
 #include "core/LEdFile.h"
 #include "core/LFile.h"
 #include "core/LSettings.h"
+#include "core/LSoundTime.h"
 #include "core/LTrace.h"
 #include "formats/LAudioFile.h"
 #include "formats/LAudioFormat.h"
@@ -118,7 +119,25 @@ bool MainDialog::LoadFile(const std::string& szPath)
     recent.Add(szPath, static_cast<int64_t>(std::time(nullptr)));
     RebuildRecentMenu();
     UpdateMenuStates();
+    WarnIfCutShort(szPath, *pSource);
     return true;
+}
+
+// A file whose header claims more than it holds opens padded with silence; the user hears why.
+void MainDialog::WarnIfCutShort(const std::string& szPath, LSoundSourceBase& source)
+{
+    const int32_t sHeld = source.GetLengthInFile();
+    if (sHeld < 0 || sHeld >= source.GetLength())
+        return;
+    LSoundTime held, claimed;
+    held.SetSamples(sHeld, source.GetSampleRate());
+    claimed.SetSamples(source.GetLength(), source.GetSampleRate());
+    LUiPrompts::Get().Inform(
+        this, "File Warning",
+        QString("\"%1\" is shorter than its header says: it holds %2 of %3. The rest is silence.")
+            .arg(QString::fromStdString(szPath), QString::fromStdString(held.FormatMilliseconds()),
+                 QString::fromStdString(claimed.FormatMilliseconds())),
+        LUiPrompts::IconWarning);
 }
 
 LEdFileWindow* MainDialog::AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath,

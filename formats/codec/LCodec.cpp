@@ -46,6 +46,16 @@ const LCodec* LCodec::ByShortName(const std::string& szShortName)
     return nullptr;
 }
 
+std::string LCodec::ChannelRefusal(const LWaveFormatRecord& record, uint16_t wTag, const char* szName,
+                                   uint16_t nMaxChans)
+{
+    if (record.EffectiveTag() != wTag || (record.nChannels >= 1 && record.nChannels <= nMaxChans))
+        return std::string();
+    return std::string(szName) + " WAV files of " + std::to_string(record.nChannels) +
+           " channels are not supported (" + (nMaxChans == 1 ? std::string("mono only") : "1 to " + std::to_string(nMaxChans)) +
+           ")";
+}
+
 std::vector<LWaveFormatRecord> LCodec::ListRecords() const
 {
     std::vector<LWaveFormatRecord> v;

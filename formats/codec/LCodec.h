@@ -83,6 +83,10 @@ public:
     virtual void FitShape(int32_t& nRate, uint8_t& nChans) const {}
     // The records the format chooser lists (by default the common rates, mono and stereo).
     virtual std::vector<LWaveFormatRecord> ListRecords() const;
+    // For a record of this codec's tag that Describe refuses: why, in words for the user ("IMA
+    // ADPCM WAV files of 7 channels are not supported (1 or 2)"); empty when the record is not one
+    // of this codec's or nothing better than "not supported" can be said.
+    virtual std::string WhyRefused(const LWaveFormatRecord& record) const { return std::string(); }
     // For a record Describe accepted.
     virtual std::unique_ptr<LCodecDecoder> NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const = 0;
     virtual std::unique_ptr<LCodecEncoder> NewEncoder(const LWaveFormatRecord& record, const LCodecShape& shape) const = 0;
@@ -92,6 +96,10 @@ public:
     // The codec that takes the record (filling shape), or null.
     static const LCodec* ForRecord(const LWaveFormatRecord& record, LCodecShape* pShape = nullptr);
     static const LCodec* ByShortName(const std::string& szShortName);
+
+    // The refusal of a record of tag wTag whose channel count is outside 1..nMaxChans, else empty.
+    static std::string ChannelRefusal(const LWaveFormatRecord& record, uint16_t wTag, const char* szName,
+                                      uint16_t nMaxChans);
 
     // Frames at most one block may hold: the readers' and writers' buffers hold 8192 frames.
     static constexpr uint32_t kMaxBlockFrames = 8192;

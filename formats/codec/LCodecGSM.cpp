@@ -89,3 +89,8 @@ std::unique_ptr<LCodecEncoder> LCodecGSM::NewEncoder(const LWaveFormatRecord& re
 {
     return std::make_unique<LGsmEncoder>(shape);
 }
+
+std::string LCodecGSM::WhyRefused(const LWaveFormatRecord& record) const
+{
+    return ChannelRefusal(record, kTag, GetName(), 1);
+}

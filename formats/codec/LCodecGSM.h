@@ -12,6 +12,7 @@ public:
     const char* GetName() const override { return "GSM 6.10"; }
     const char* GetShortName() const override { return "gsm"; }
     bool Describe(const LWaveFormatRecord& record, LCodecShape& shape) const override;
+    std::string WhyRefused(const LWaveFormatRecord& record) const override;
     bool MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const override;
     // The codec is made for telephone speech: 8000 Hz, one channel.
     void FitShape(int32_t& nRate, uint8_t& nChans) const override;

@@ -268,3 +268,8 @@ std::unique_ptr<LCodecEncoder> LCodecIMA::NewEncoder(const LWaveFormatRecord& re
 {
     return std::make_unique<LImaEncoder>(shape);
 }
+
+std::string LCodecIMA::WhyRefused(const LWaveFormatRecord& record) const
+{
+    return ChannelRefusal(record, kTag, GetName(), kMaxChannels);
+}

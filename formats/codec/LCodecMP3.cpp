@@ -134,3 +134,8 @@ std::unique_ptr<LCodecDecoder> LCodecMP3::NewDecoder(const LWaveFormatRecord& re
     }
     return std::make_unique<LMp3WavDecoder>(record.nSamplesPerSec, record.nChannels);
 }
+
+std::string LCodecMP3::WhyRefused(const LWaveFormatRecord& record) const
+{
+    return ChannelRefusal(record, kTag, GetName(), 2);
+}

@@ -14,6 +14,7 @@ public:
     const char* GetShortName() const override { return "mp3"; }
     bool CanEncode() const override { return false; }
     bool Describe(const LWaveFormatRecord& record, LCodecShape& shape) const override;
+    std::string WhyRefused(const LWaveFormatRecord& record) const override;
     bool MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const override { return false; }
     std::unique_ptr<LCodecDecoder> NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const override;
     std::unique_ptr<LCodecEncoder> NewEncoder(const LWaveFormatRecord& record, const LCodecShape& shape) const override

@@ -300,3 +300,8 @@ std::unique_ptr<LCodecEncoder> LCodecMSADPCM::NewEncoder(const LWaveFormatRecord
 {
     return std::make_unique<LMsEncoder>(record, shape);
 }
+
+std::string LCodecMSADPCM::WhyRefused(const LWaveFormatRecord& record) const
+{
+    return ChannelRefusal(record, kTag, GetName(), kMaxChannels);
+}

@@ -13,6 +13,7 @@ public:
     const char* GetName() const override { return "Microsoft ADPCM"; }
     const char* GetShortName() const override { return "msadpcm"; }
     bool Describe(const LWaveFormatRecord& record, LCodecShape& shape) const override;
+    std::string WhyRefused(const LWaveFormatRecord& record) const override;
     bool MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const override;
     void FitShape(int32_t& nRate, uint8_t& nChans) const override;
     std::unique_ptr<LCodecDecoder> NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const override;

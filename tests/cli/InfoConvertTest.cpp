@@ -171,3 +171,65 @@ TEST(CliConvert, UsageErrorsExitWith64)
     EXPECT_EQ(Cli("convert --help", &szLog), 0);
     EXPECT_NE(szLog.find("--channels 1|2"), std::string::npos);
 }
+
+namespace {
+void PutBytes(std::vector<uint8_t>& v, uint32_t x, int nBytes, bool bBig)
+{
+    for (int i = 0; i < nBytes; ++i)
+        v.push_back(static_cast<uint8_t>(x >> (8 * (bBig ? nBytes - 1 - i : i))));
+}
+} // namespace
+
+// About 1 KB of samples under a header that claims 2^31 frames (or the most its size field can
+// say): the output holds what the file holds, and the user is told the header claimed more.
+TEST(CliConvert, AHeaderClaimingBillionsOfFramesConvertsOnlyWhatIsThere)
+{
+    TempDir dir;
+    std::vector<uint8_t> vSamples;
+    for (int i = 0; i < 500; ++i)
+        PutBytes(vSamples, static_cast<uint16_t>(i * 50), 2, false);
+    std::vector<uint8_t> vWav = {'R', 'I', 'F', 'F'};
+    PutBytes(vWav, 0xFFFFFFF0u, 4, false);
+    for (const char* sz : {"WAVEfmt "})
+        vWav.insert(vWav.end(), sz, sz + 8);
+    for (auto [x, n] : {std::pair<uint32_t, int>{16, 4}, {1, 2}, {1, 2}, {8000, 4}, {16000, 4}, {2, 2}, {16, 2}})
+        PutBytes(vWav, x, n, false);
+    vWav.insert(vWav.end(), {'d', 'a', 't', 'a'});
+    PutBytes(vWav, 0x80000000u * 2u - 2u, 4, false); // 2^31 - 1 frames
+    vWav.insert(vWav.end(), vSamples.begin(), vSamples.end());
+
+    std::vector<uint8_t> vAu = {'.', 's', 'n', 'd'};
+    for (uint32_t x : {24u, 0x7FFFFF00u, 3u, 8000u, 1u})
+        PutBytes(vAu, x, 4, true);
+    std::vector<uint8_t> vAif = {'F', 'O', 'R', 'M'};
+    PutBytes(vAif, 0x7FFFFF40u, 4, true);
+    vAif.insert(vAif.end(), {'A', 'I', 'F', 'F', 'C', 'O', 'M', 'M'});
+    PutBytes(vAif, 18, 4, true);
+    PutBytes(vAif, 1, 2, true);
+    PutBytes(vAif, 0x3FFFFF80u, 4, true);
+    PutBytes(vAif, 16, 2, true);
+    vAif.insert(vAif.end(), {0x40, 0x0B, 0xFA, 0, 0, 0, 0, 0, 0, 0}); // 8000 Hz
+    vAif.insert(vAif.end(), {'S', 'S', 'N', 'D'});
+    PutBytes(vAif, 0x7FFFFF00u, 4, true);
+    PutBytes(vAif, 0, 8, true);
+    for (size_t i = 0; i < vSamples.size(); i += 2) {
+        for (std::vector<uint8_t>* p : {&vAu, &vAif})
+            p->insert(p->end(), {vSamples[i + 1], vSamples[i]});
+    }
+    const std::pair<const char*, std::vector<uint8_t>> aFiles[] = {
+        {"liar.wav", vWav}, {"liar.au", vAu}, {"liar.aif", vAif}};
+    for (const auto& [szName, vBytes] : aFiles) {
+        SCOPED_TRACE(szName);
+        WriteFileBytes(dir.File(szName), vBytes);
+        const std::string szOut = dir.File(std::string(szName) + ".wav");
+        std::string szLog;
+        ASSERT_EQ(Cli("convert " + Quote(dir.File(szName)) + " " + Quote(szOut), &szLog), 0) << szLog;
+        EXPECT_NE(szLog.find("frames but the file holds only 500; converting those"), std::string::npos) << szLog;
+        const std::vector<uint8_t> vOut = ReadFileBytes(szOut);
+        ASSERT_EQ(vOut.size(), 46u + 1000);
+        EXPECT_TRUE(std::equal(vSamples.begin(), vSamples.end(), vOut.begin() + 46));
+        // info shows the claim and what is there.
+        Cli("info " + Quote(dir.File(szName)), &szLog);
+        EXPECT_NE(szLog.find("the file holds only 500"), std::string::npos) << szLog;
+    }
+}

@@ -25,7 +25,7 @@ std::string KnownFormats()
 {
     std::string sz;
     for (const LAudioFormat* p : LAudioFormat::All())
-        sz += std::string(sz.empty() ? "" : ", ") + p->GetName();
+        sz += std::string(sz.empty() ? "" : ", ") + p->GetListedName();
     return sz;
 }
 
@@ -100,6 +100,11 @@ TEST(AudioFile, OpenSourceNamesTheFormatOrTheReason)
         EXPECT_TRUE(LAudioFile::OpenSource(dir.File(szName), &szError)->IsError()) << szName;
         EXPECT_EQ(szError, szReason);
     }
+    // The list names what a user can recognise: the catch-all format by its extensions.
+    LAudioFile::OpenSource(dir.File("text.txt"), &szError);
+    EXPECT_EQ(szError.find("Other"), std::string::npos) << szError;
+    EXPECT_NE(szError.find("WAV, MP3"), std::string::npos) << szError;
+    EXPECT_NE(szError.find("DSS"), std::string::npos) << szError;
     EXPECT_TRUE(LAudioFile::OpenSource(dir.Path(), &szError)->IsError());
     EXPECT_EQ(szError, "cannot open the file: not a regular file");
 }

@@ -5,6 +5,7 @@
 #include "core/LMemorySound.h"
 #include "core/LSettings.h"
 #include "formats/LAudioFile.h"
+#include "formats/LAudioFormat.h"
 #include "formats/LDialogicAdpcm.h"
 #include "formats/LG711.h"
 #include "formats/LRawFileDataSoundSinkBase.h"
@@ -362,4 +363,25 @@ TEST_F(Headerless, EightBitSignedWritesRoundAndWrap)
         p->Write(v.data(), static_cast<int32_t>(v.size()));
     }
     EXPECT_EQ(ReadFileBytes(dir.File("s8.raw")), (std::vector<uint8_t>{0, 0, 1, 0, 0xFF, 127, 127, 0x80}));
+}
+
+TEST_F(Headerless, PcmFilesOpenAsHeaderlessSixteenBit)
+{
+    // Whatever encoding is stored for ".raw", a ".pcm" file is 16-bit at the stored rate and channels.
+    Use(RawDialogicAdpcm, 16000, 2);
+    WriteFileBytes(dir.File("a.pcm"), {0x10, 0x00, 0x20, 0x00, 0xF0, 0xFF, 0x00, 0x80});
+    std::string szError;
+    LAudioFileDetails details;
+    LSoundSourcePtr p = LAudioFile::OpenSource(dir.File("a.pcm"), &szError, &details);
+    ASSERT_FALSE(p->IsError()) << szError;
+    EXPECT_EQ(details.szFormat, "RAW");
+    EXPECT_EQ(p->GetSampleRate(), 16000);
+    EXPECT_EQ(p->GetChannels(), 2);
+    EXPECT_EQ(ReadN(*p, 2), (std::vector<int32_t>{16 * 16, 32 * 16, -16 * 16, -32768 * 16}));
+    // The big-endian 16-bit layout, when stored, is kept.
+    Use(RawPcm16BE, 8000, 1);
+    p = LAudioFile::OpenSource(dir.File("a.pcm"));
+    EXPECT_EQ(ReadN(*p, 1), (std::vector<int32_t>{0x1000 * 16}));
+    // The open dialog lists the extension.
+    EXPECT_NE(LAudioFormat::AllPatterns(LAudioFormat::OpenTypes()).find("*.pcm"), std::string::npos);
 }

@@ -51,11 +51,14 @@ protected:
         WriteFileBytes(sz, v);
         return LWaveFile::OpenSource(sz);
     }
-    // The data chunk of a file we wrote (it follows the record at once).
+    // The data chunk of a file we wrote (the last chunk).
     static Bytes DataOf(const Bytes& vFile)
     {
-        const size_t nAt = 20 + Get32(vFile, 16) + 8;
-        return Bytes(vFile.begin() + static_cast<long>(nAt), vFile.end());
+        size_t nAt = 12;
+        while (nAt + 8 <= vFile.size() && std::string(vFile.begin() + nAt, vFile.begin() + nAt + 4) != "data")
+            nAt += 8 + Get32(vFile, nAt + 4);
+        nAt += 8;
+        return Bytes(vFile.begin() + static_cast<long>(std::min(nAt, vFile.size())), vFile.end());
     }
 
     testsupport::TempDir dir;
@@ -75,27 +78,32 @@ TEST_F(WavCompressed, HeaderIsOpenWhileWritingAndCompletedOnClose)
         const Bytes vOpen = ReadFileBytes(sz);
         EXPECT_EQ(Get32(vOpen, 4), 0xFFFFFFFFu);
         EXPECT_EQ(Get32(vOpen, 16), 20u); // 18 + cbSize 2
-        EXPECT_EQ(Get32(vOpen, 44), 0xFFFFFFFFu);
+        EXPECT_EQ(std::string(vOpen.begin() + 40, vOpen.begin() + 44), "fact");
+        EXPECT_EQ(Get32(vOpen, 56), 0xFFFFFFFFu);
         // A file whose writer has not closed yet reads as streaming: one whole block so far.
         LSoundSourcePtr pSrc = LWaveFile::OpenSource(sz);
         ASSERT_FALSE(pSrc->IsError());
         EXPECT_EQ(pSrc->GetLength(), 505);
     }
-    // One whole block, then 495 frames in a block of 4 + 62 x 4 bytes.
+    // One whole block, then 495 frames in a block of 4 + 62 x 4 bytes; "fact" holds the true count.
     const Bytes v = ReadFileBytes(sz);
-    ASSERT_EQ(v.size(), 48u + 256 + 252);
-    EXPECT_EQ(Get32(v, 4), 40u + 256 + 252); // 38 + cbSize + data
-    EXPECT_EQ(Get32(v, 44), 256u + 252);
-    EXPECT_EQ(std::string(v.begin() + 40, v.begin() + 44), "data");
+    ASSERT_EQ(v.size(), 60u + 256 + 252);
+    EXPECT_EQ(Get32(v, 4), 52u + 256 + 252); // 38 + cbSize + fact + data
+    EXPECT_EQ(Get32(v, 44), 4u);
+    EXPECT_EQ(Get32(v, 48), 1000u);
+    EXPECT_EQ(Get32(v, 56), 256u + 252);
+    EXPECT_EQ(std::string(v.begin() + 52, v.begin() + 56), "data");
+    EXPECT_EQ(LWaveFile::OpenSource(sz)->GetLength(), 1000);
 
-    // Closed after nothing: the bare header with both sizes filled in.
+    // Closed after nothing: the bare header with the sizes and the count filled in.
     const LWaveFormatRecord ms = Record("msadpcm", 8000, 2);
     const std::string szEmpty = Path();
     LWaveFile::OpenSink(szEmpty, ms).Reset();
     const Bytes vEmpty = ReadFileBytes(szEmpty);
-    ASSERT_EQ(vEmpty.size(), 46u + 32);
-    EXPECT_EQ(Get32(vEmpty, 4), 38u + 32);
-    EXPECT_EQ(Get32(vEmpty, 74), 0u);
+    ASSERT_EQ(vEmpty.size(), 58u + 32);
+    EXPECT_EQ(Get32(vEmpty, 4), 50u + 32);
+    EXPECT_EQ(Get32(vEmpty, 78), 0u);
+    EXPECT_EQ(Get32(vEmpty, 86), 0u);
 }
 
 TEST_F(WavCompressed, SinkFailsCleanly)
@@ -140,12 +148,15 @@ TEST_F(WavCompressed, ChunksBeforeDataAndStreamingSizeKeepTheLength)
         const Bytes vList = Chunk("LIST", Bytes(13, 'i'));
         vFact.insert(vFact.end(), vList.begin(), vList.end());
         const uint32_t nStreaming = 0xFFFFFFFF;
-        for (const Bytes& vFile : {FileOf(r, vData, vFact), FileOf(r, vData, {}, &nStreaming)}) {
-            LSoundSourcePtr p = Open(vFile);
-            ASSERT_FALSE(p->IsError()) << szCodec;
-            EXPECT_EQ(p->GetLength(), nLength) << szCodec;
-            EXPECT_EQ(DecodeAll(*p), vPlain) << szCodec;
-        }
+        LSoundSourcePtr pStreaming = Open(FileOf(r, vData, {}, &nStreaming));
+        ASSERT_FALSE(pStreaming->IsError()) << szCodec;
+        EXPECT_EQ(pStreaming->GetLength(), nLength) << szCodec;
+        EXPECT_EQ(DecodeAll(*pStreaming), vPlain) << szCodec;
+        // A "fact" count of 3000 ends the sound there: the rest is the last block's padding.
+        LSoundSourcePtr pFact = Open(FileOf(r, vData, vFact));
+        ASSERT_FALSE(pFact->IsError()) << szCodec;
+        EXPECT_EQ(pFact->GetLength(), 3000) << szCodec;
+        EXPECT_EQ(DecodeAll(*pFact), std::vector<int16_t>(vPlain.begin(), vPlain.begin() + 3000)) << szCodec;
     }
 }
 

@@ -133,6 +133,16 @@ protected:
 testsupport::TempDir* WavInterop::pDir = nullptr;
 bool WavInterop::bTools = false;
 
+// A tool may decode the padding of the last block that the file's "fact" count leaves out (we
+// end where the count says): less than one block more is cut off, anything else is kept.
+std::vector<int16_t> WithinFact(std::vector<int16_t> vTool, size_t nOurs)
+{
+    constexpr size_t kLargestBlock = 2 * 2048;
+    if (vTool.size() > nOurs && vTool.size() - nOurs < kLargestBlock)
+        vTool.resize(nOurs);
+    return vTool;
+}
+
 } // namespace
 
 TEST_P(WavInterop, ToolFilesDecodeAsThePublishedAlgorithm)
@@ -149,7 +159,7 @@ TEST_P(WavInterop, ToolFilesDecodeAsThePublishedAlgorithm)
             const std::vector<int16_t> vOurs = DecodeFile(szFile);
             if (e.match != Match::One) {
                 for (Tool tool : {Tool::Sox, Tool::Ffmpeg}) {
-                    const std::vector<int16_t> vTool = ToolDecode(tool, szFile);
+                    const std::vector<int16_t> vTool = WithinFact(ToolDecode(tool, szFile), vOurs.size());
                     ASSERT_EQ(vOurs.size(), vTool.size()) << szFile;
                     ExpectMatch(e, tool, vOurs, vTool, szFile);
                 }
@@ -178,7 +188,7 @@ TEST_P(WavInterop, ToolsReadOurFilesAsWeDo)
         const std::vector<int16_t> vOurs = DecodeFile(szOurs, &nLength);
         ASSERT_FALSE(vOurs.empty());
         for (Tool tool : {Tool::Sox, Tool::Ffmpeg}) {
-            const std::vector<int16_t> vTool = ToolDecode(tool, szOurs);
+            const std::vector<int16_t> vTool = WithinFact(ToolDecode(tool, szOurs), vOurs.size());
             const std::string szWhat = szOurs + (tool == Tool::Sox ? " by sox" : " by ffmpeg");
             ASSERT_EQ(vTool.size(), vOurs.size()) << szWhat;
             ExpectMatch(e, tool, vOurs, vTool, szWhat);

@@ -7,6 +7,9 @@
 #include <QtTest>
 
 #include <atomic>
+#include <cmath>
+#include <cstring>
+#include <fstream>
 #include <memory>
 #include <thread>
 
@@ -379,6 +382,94 @@ private slots:
         // Asking again brings the same window forward.
         QVERIFY(frame->Command(CmHelpId));
         QCOMPARE(frame->findChildren<LHelpDlg*>().size(), 1);
+    }
+
+    void fileCutShortOpensPaddedWithAWarning()
+    {
+        const QString szPath = MakeWav("cut.wav", 4000);
+        QFile f(szPath);
+        QVERIFY(f.resize(44 + 1000 * 2)); // the header still claims 4000 frames
+        LEdFileWindow* pWindow = Open(szPath);
+        QVERIFY(pWindow);
+        QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 4000);
+        QCOMPARE(h->prompts.informs.size(), qsizetype(1));
+        QVERIFY(h->prompts.informs.back().startsWith("File Warning: "));
+        QVERIFY2(h->prompts.informs.back().contains("holds 0:00:00.125 of 0:00:00.500"),
+                 qPrintable(h->prompts.informs.back()));
+        QVERIFY(Open(MakeWav("whole.wav", 100)));
+        QCOMPARE(h->prompts.informs.size(), qsizetype(1)); // a whole file says nothing
+    }
+
+    // 24-bit and float files come back from the editor's load and save in their own encoding,
+    // within one step of the 20 bits a sample holds inside.
+    void wideFilesKeepTheirPrecisionThroughLoadAndSave()
+    {
+        for (const bool bFloat : {false, true}) {
+            const QString szPath = h->File(bFloat ? "f.wav" : "p24.wav");
+            std::vector<double> vIn;
+            for (int i = 0; i < 3000; ++i)
+                vIn.push_back(0.9 * std::sin(i * 0.013) + (i % 16) / 8388608.0);
+            WriteWide(szPath, vIn, bFloat);
+            LEdFileWindow* pWindow = Open(szPath);
+            QVERIFY(pWindow);
+            pWindow->GetFile().SetModified(true);
+            QVERIFY(frame->Command(CmSaveId));
+            const std::vector<double> vOut = ReadWide(szPath, bFloat);
+            QCOMPARE(vOut.size(), vIn.size());
+            for (size_t i = 0; i < vIn.size(); ++i)
+                QVERIFY2(std::abs(vOut[i] - vIn[i]) <= 1.0 / 524288 + 1e-9, qPrintable(QString::number(i)));
+            QVERIFY(frame->Command(CmCloseId));
+        }
+    }
+
+private:
+    // Mono 8000 Hz, 24-bit PCM or 32-bit float, with the plain 16-byte format chunk.
+    static void WriteWide(const QString& szPath, const std::vector<double>& v, bool bFloat)
+    {
+        std::ofstream f(szPath.toStdString(), std::ios::binary);
+        const uint32_t nBytes = bFloat ? 4 : 3;
+        const uint32_t nData = static_cast<uint32_t>(v.size()) * nBytes;
+        f.write("RIFF", 4);
+        PutLe(f, 36 + nData, 4);
+        f.write("WAVEfmt ", 8);
+        for (auto [x, n] : {std::pair<uint32_t, int>{16, 4}, {bFloat ? 3u : 1u, 2}, {1, 2}, {8000, 4},
+                            {8000 * nBytes, 4}, {nBytes, 2}, {nBytes * 8, 2}})
+            PutLe(f, x, n);
+        f.write("data", 4);
+        PutLe(f, nData, 4);
+        for (double x : v) {
+            uint32_t u = 0;
+            if (bFloat) {
+                const float fx = static_cast<float>(x);
+                std::memcpy(&u, &fx, 4);
+            } else {
+                u = static_cast<uint32_t>(static_cast<int32_t>(std::lround(x * 8388608.0)));
+            }
+            PutLe(f, u, static_cast<int>(nBytes));
+        }
+    }
+
+    // The samples of the "data" chunk, wherever the header puts it.
+    static std::vector<double> ReadWide(const QString& szPath, bool bFloat)
+    {
+        const QByteArray v = Bytes(szPath);
+        const auto At32 = [&](qsizetype n) {
+            return static_cast<uint32_t>(static_cast<uint8_t>(v[n]) | (static_cast<uint8_t>(v[n + 1]) << 8) |
+                                         (static_cast<uint8_t>(v[n + 2]) << 16) |
+                                         (static_cast<uint32_t>(static_cast<uint8_t>(v[n + 3])) << 24));
+        };
+        qsizetype n = 12;
+        while (n + 8 <= v.size() && v.mid(n, 4) != "data")
+            n += 8 + At32(n + 4);
+        std::vector<double> vOut;
+        const qsizetype nBytes = bFloat ? 4 : 3;
+        for (n += 8; n + nBytes <= v.size(); n += nBytes) {
+            const uint32_t u = bFloat ? At32(n) : static_cast<uint32_t>(At32(n - 1) & 0xFFFFFF00u);
+            float fx;
+            std::memcpy(&fx, &u, 4);
+            vOut.push_back(bFloat ? fx : static_cast<int32_t>(u) / 2147483648.0);
+        }
+        return vOut;
     }
 };
 
