@@ -52,6 +52,8 @@ public:
 
     // Writes the image (as LCdImageWriter made it) disc-at-once with its CD-TEXT. 0 done,
     // 1 cancelled, 2 error with the reason ("No CD writer found") in *pszError.
+    // Whether a writer is there (the given device, or any); false with "No CD writer found".
+    static bool FindWriter(const std::string& szDevice, std::string* pszError);
     static int32_t Burn(LProgressDialog& dlg, const LCdBurnOptions& options, const LCdLayout& layout,
                         const std::string& szBinPath, std::string* pszError);
 

@@ -154,6 +154,18 @@ int32_t WaitForWriter(LProgressDialog& dlg, burn_drive* pDrive)
 
 } // namespace
 
+bool LCdDisc::FindWriter(const std::string& szDevice, std::string* pszError)
+{
+    LBurnSession s;
+    if (!burn_initialize())
+        return Fail(pszError, "Cannot start the CD writing library") == LProgressDialog::ResultDone;
+    s.bStarted = true;
+    burn_msgs_set_severities(const_cast<char*>("NEVER"), const_cast<char*>("NEVER"), const_cast<char*>("libburn: "));
+    if (!GrabWriter(s, szDevice))
+        return Fail(pszError, "No CD writer found") == LProgressDialog::ResultDone;
+    return true;
+}
+
 int32_t LCdDisc::Burn(LProgressDialog& dlg, const LCdBurnOptions& options, const LCdLayout& layout,
                       const std::string& szBinPath, std::string* pszError)
 {

@@ -89,7 +89,7 @@ int32_t LCdImageWriter::WriteBin(LProgressDialog& dlg, const std::string& szPath
 {
     std::FILE* pFile = std::fopen(szPath.c_str(), "wb");
     if (!pFile) {
-        Fail(pszError, "Cannot create " + szPath);
+        Fail(pszError, "Cannot create " + szPath.substr(0, szPath.size() - 5)); // without ".part"
         return LProgressDialog::ResultError;
     }
     layout.vTracks.clear();

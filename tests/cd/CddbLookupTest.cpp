@@ -8,7 +8,7 @@
 #include "cd/LCdTitles.h"
 #include "cd/LCddbDiscId.h"
 #include "support/TestSupport.h"
-#include "tests/cd/CddbTestServer.h"
+#include "support/CddbTestServer.h"
 
 using cdtest::CddbTestServer;
 

@@ -1,4 +1,4 @@
-#include "tests/cd/CddbTestServer.h"
+#include "support/CddbTestServer.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
