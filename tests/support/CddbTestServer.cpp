@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -200,6 +201,7 @@ std::string CddbTestServer::Answer(const std::string& szCommand) const
         for (const auto& cat : fs::directory_iterator(szFolder, ec))
             if (fs::exists(cat.path() / v[2]))
                 vMatches.push_back(cat.path().filename().string() + " " + v[2] + " " + DiscTitle(FileText(cat.path() / v[2])));
+        std::sort(vMatches.begin(), vMatches.end()); // in the order of their categories' names
         if (vMatches.empty())
             return "202 No match for disc ID " + v[2] + ".\r\n";
         if (vMatches.size() == 1)

@@ -19,6 +19,8 @@
 #include "work/LProgressDialog.h"
 #include "work/LProgressHost.h"
 #include "UiTestSupport.h"
+#include "cd/LCddbDiscId.h"
+#include "support/CddbTestServer.h"
 
 using namespace uitest;
 
@@ -117,6 +119,38 @@ private slots:
         QCOMPARE(h->prompts.informs.back(),
                  QString("Sonitra: Read 3 of 3 track(s) in paranoid mode: 0 sector(s) corrected, 0 uncorrectable."));
         QCOMPARE(LSettings::GetString("CD", "ReadMode"), std::string("paranoid"));
+    }
+
+    void severalCddbMatchesAreChosenFromInTheDialog()
+    {
+        const QString szCue = h->File("disc.cue");
+        WriteImage(szCue);
+        const std::string szId = LCddb::DiscIdText(LCddb::DiscId(LCdDisc::Open(szCue.toStdString())->GetToc()));
+        for (const std::string szCat : {"blues", "rock"}) {
+            QDir().mkpath(h->File("db/" + QString::fromStdString(szCat)));
+            const std::string szEntry = "DTITLE=Band / " + szCat + "\nTTITLE0=" + szCat + " one\nTTITLE1=" + szCat +
+                                        " two\nTTITLE2=" + szCat + " three\n";
+            std::ofstream(h->File(QString::fromStdString("db/" + szCat + "/" + szId)).toStdString()) << szEntry;
+        }
+        cdtest::CddbTestServer server(h->File("db").toStdString(), true);
+        LSettings::SetBool("CDDB", "Enabled", true);
+        LSettings::SetString("CDDB", "Server", "127.0.0.1");
+        LSettings::SetString("CDDB", "Protocol", "http");
+        LSettings::SetInt("CDDB", "Port", server.Port());
+        QVERIFY(frame->LoadFile(szCue.toStdString()));
+        WhenDialogShows<LCdLoadDlg>([](LCdLoadDlg& dlg) {
+            auto* pTracks = dlg.findChild<QTreeWidget*>("tracks");
+            auto* pMatch = dlg.findChild<QComboBox*>("match");
+            QTRY_COMPARE(pMatch->count(), 2);
+            QTRY_COMPARE(pTracks->topLevelItem(0)->text(2), QString("blues one"));
+            QVERIFY(dlg.findChild<QLabel*>("status")->text().startsWith("Titles from CDDB"));
+            pMatch->setCurrentIndex(1);
+            QTRY_COMPARE(pTracks->topLevelItem(2)->text(2), QString("rock three"));
+            pTracks->topLevelItem(2)->setCheckState(0, Qt::Checked);
+            dlg.accept();
+        });
+        QTRY_COMPARE(frame->GetFileWindows().size(), size_t(1));
+        QCOMPARE(frame->GetFileWindows()[0]->GetName(), std::string("03 - rock three"));
     }
 
     void aCancelKeepsTheTracksAlreadyRead()
