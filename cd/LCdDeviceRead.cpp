@@ -11,6 +11,7 @@
 #include <sstream>
 #include <unistd.h>
 #include <atomic>
+#include <cctype>
 #include <cstring>
 #include <mutex>
 

@@ -78,6 +78,12 @@ LCdCopyDlg::LCdCopyDlg(QWidget* pParent, const std::vector<LEdFileWindow*>& vOpe
     pMinutes = new QComboBox(this);
     pMinutes->setObjectName("minutes");
     pMinutes->addItems({tr("80 minutes"), tr("74 minutes")});
+    LayOut(pAdd, pUp, pDown, pRemove);
+    UpdateTarget();
+}
+
+void LCdCopyDlg::LayOut(QPushButton* pAdd, QPushButton* pUp, QPushButton* pDown, QPushButton* pRemove)
+{
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     pButtons->button(QDialogButtonBox::Ok)->setText(tr("&Write"));
 
@@ -109,7 +115,6 @@ LCdCopyDlg::LCdCopyDlg(QWidget* pParent, const std::vector<LEdFileWindow*>& vOpe
     connect(pToDisc, &QRadioButton::toggled, this, &LCdCopyDlg::UpdateTarget);
     connect(pButtons, &QDialogButtonBox::accepted, this, &LCdCopyDlg::accept);
     connect(pButtons, &QDialogButtonBox::rejected, this, &LCdCopyDlg::reject);
-    UpdateTarget();
 }
 
 void LCdCopyDlg::UpdateTarget()

@@ -13,6 +13,7 @@ class QComboBox;
 class QDoubleSpinBox;
 class QLineEdit;
 class QListWidget;
+class QPushButton;
 class QRadioButton;
 
 struct LCdCopyChoice
@@ -42,6 +43,7 @@ public:
     void accept() override;
 
 private:
+    void LayOut(QPushButton* pAdd, QPushButton* pUp, QPushButton* pDown, QPushButton* pRemove);
     void AddFiles();
     void Move(int nBy);
     void Remove();
