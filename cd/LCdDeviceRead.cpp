@@ -16,6 +16,7 @@
 #include <mutex>
 
 #include "cd/LCdDevice.h"
+#include "cd/LCdSheetCheck.h"
 #include "cd/LCdTocPaths.h"
 #include "core/LTrace.h"
 
@@ -61,17 +62,22 @@ std::string CdText(cdtext_t* pText, cdtext_field_t field, track_t nTrack)
     return sz ? std::string(sz) : std::string();
 }
 
-// A .toc file is read through a copy whose file names are absolute; the reader has read it all
-// once cdio_open returns, so the copy goes at once.
-CdIo_t* OpenToc(const std::string& szPath)
+// A sheet whole, or false when it cannot be read (or is far too long to be one).
+bool ReadSheet(const std::string& szPath, std::string& szText)
 {
-    constexpr std::streamsize kMaxToc = 1 << 20;
     std::ifstream in(szPath, std::ios::binary);
     if (!in)
-        return nullptr;
-    std::string szText(static_cast<size_t>(kMaxToc), '\0');
-    in.read(szText.data(), kMaxToc);
+        return false;
+    szText.assign(LCdSheetCheck::kMaxSheet + 1, '\0');
+    in.read(szText.data(), static_cast<std::streamsize>(szText.size()));
     szText.resize(static_cast<size_t>(in.gcount()));
+    return true;
+}
+
+// A .toc file is read through a copy whose file names are absolute; the reader has read it all
+// once cdio_open returns, so the copy goes at once.
+CdIo_t* OpenToc(const std::string& szPath, const std::string& szText)
+{
     std::error_code ec;
     const std::string szFolder = std::filesystem::absolute(std::filesystem::path(szPath), ec).parent_path().string();
     const std::string szResolved = LCdTocPaths::Resolve(szText, szFolder);
@@ -86,10 +92,21 @@ CdIo_t* OpenToc(const std::string& szPath)
     return pCdio;
 }
 
-CdIo_t* OpenCdio(const std::string& szPath)
+// Null on failure, with what was wrong with an image's sheet in szReason.
+CdIo_t* OpenCdio(const std::string& szPath, std::string& szReason)
 {
     const driver_id_t driver = DriverFor(szPath);
-    return driver == DRIVER_CDRDAO ? OpenToc(szPath) : cdio_open(szPath.c_str(), driver);
+    if (driver == DRIVER_DEVICE)
+        return cdio_open(szPath.c_str(), driver);
+    std::string szText;
+    if (!ReadSheet(szPath, szText)) {
+        szReason = "it cannot be opened";
+        return nullptr;
+    }
+    const bool bToc = driver == DRIVER_CDRDAO;
+    if (!(bToc ? LCdSheetCheck::CheckToc(szText, szReason) : LCdSheetCheck::CheckCue(szText, szReason)))
+        return nullptr;
+    return bToc ? OpenToc(szPath, szText) : cdio_open(szPath.c_str(), driver);
 }
 
 thread_local LCdReadCounts* pCallbackCounts = nullptr;
@@ -186,7 +203,8 @@ private:
 void LSRCCdSectors::OpenParanoia()
 {
     // Paranoia owns its handle, so it gets one of its own on the same drive or image.
-    CdIo_t* pCdio = OpenCdio(pDisc->szPath);
+    std::string szReason;
+    CdIo_t* pCdio = OpenCdio(pDisc->szPath, szReason);
     if (pCdio)
         pDrive = cdio_cddap_identify_cdio(pCdio, CDDA_MESSAGE_FORGETIT, nullptr);
     if (!pDrive || cdio_cddap_open(pDrive) != 0) {
@@ -359,9 +377,12 @@ std::shared_ptr<LCdDisc> LCdDisc::Open(const std::string& szDeviceOrImage)
     pDisc->szName = szPath;
     pDisc->pImpl->szPath = szPath;
     const bool bImage = IsImagePath(szPath);
-    pDisc->pImpl->pCdio = OpenCdio(szPath);
+    std::string szReason;
+    pDisc->pImpl->pCdio = OpenCdio(szPath, szReason);
     if (!pDisc->pImpl->pCdio) {
         pDisc->szError = bImage ? "Cannot read the disc image " + szPath : "Cannot open the CD drive " + szPath;
+        if (!szReason.empty())
+            pDisc->szError += ": " + szReason;
         return pDisc;
     }
     ReadToc(pDisc->pImpl->pCdio, pDisc->toc);

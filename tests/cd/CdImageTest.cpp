@@ -206,6 +206,26 @@ TEST(CdImage, BadImagesAndTrackNumbersAreReportedNotRead)
     EXPECT_TRUE(pDisc->OpenSpan(300, 100, LCdReadMode::Fast)->IsError());
 }
 
+TEST(CdImage, SheetsTheReaderWouldMishandleAreRefusedWithAReason)
+{
+    testsupport::TempDir dir;
+    testsupport::WriteFileBytes(dir.File("f.bin"), std::vector<uint8_t>(20 * 2352));
+    auto open = [&](const std::string& szName, const std::string& szText) {
+        testsupport::WriteFileBytes(dir.File(szName), std::vector<uint8_t>(szText.begin(), szText.end()));
+        return LCdDisc::Open(dir.File(szName))->GetError();
+    };
+    // A track without its mode once made the reader divide by zero.
+    EXPECT_NE(open("a.toc", "CD_DA\nTRACK AUDIO\n FILE \"f.bin\" 0 00:00:05\nTRACK\n FILE \"f.bin\" 0\n").find("no known mode"),
+              std::string::npos);
+    EXPECT_NE(open("b.cue", "FILE \"f.bin\" BINARY\n TRACK 01\n INDEX 01 00:00:00\n").find("no known mode"), std::string::npos);
+    EXPECT_NE(open("c.cue", std::string("FILE \"f.bin\" BINARY\n TRACK 01 AUDIO\0\n INDEX 01 00:00:00\n", 50)).find("not a text file"),
+              std::string::npos);
+    EXPECT_NE(open("d.toc", "CD_DA\n// TRACK\n").find("names no tracks"), std::string::npos);
+    // The word inside a title or a comment is no track.
+    EXPECT_EQ(open("e.toc", "CD_DA\n// a TRACK here\nTRACK AUDIO\n FILE \"f.bin\" 0 00:00:05\n"), "");
+    EXPECT_EQ(open("f.cue", "TITLE \"TRACK\"\nFILE \"f.bin\" BINARY\n TRACK 01 AUDIO\n INDEX 01 00:00:00\n"), "");
+}
+
 TEST(CdImage, CdrdaoTocImagesOpenLikeCueSheets)
 {
     testsupport::TempDir dir;
