@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "cd/LCdDevice.h"
 #include "core/LCutListAudioLoadSource.h"
@@ -23,7 +24,17 @@ int main(int argc, char** argv)
         return 2;
     }
     int64_t nFrames = 0;
+    // WORK-FOLDER "-": the tracks are read and dropped, to see what the reading alone costs.
+    const bool bReadOnly = std::string(argv[3]) == "-";
+    std::vector<int32_t> vBlock(8192 * 2);
     for (const LCdTrackInfo& t : pDisc->GetToc().vTracks) {
+        if (bReadOnly) {
+            LSoundSourcePtr pTrack = pDisc->OpenTrack(t.nNumber, mode);
+            for (int32_t s = 0; s < pTrack->GetLength(); s += 8192)
+                pTrack->Read(vBlock.data(), 8192);
+            nFrames += pTrack->GetLength();
+            continue;
+        }
         LCutListAudioPtr pDoc(new LCutListAudio);
         LSoundSourcePtr pTrack = pDisc->OpenTrack(t.nNumber, mode);
         LCutListAudioLoadSource load("Reading", pDoc.Get(), pTrack.Get());
