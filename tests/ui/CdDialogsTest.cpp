@@ -16,6 +16,9 @@
 #include "core/LMemorySound.h"
 #include "ui/cd/LCdCopyDlg.h"
 #include "ui/cd/LCdLoadDlg.h"
+#include "ui/settings/LCdPage.h"
+#include <QLineEdit>
+#include <QSpinBox>
 #include "work/LProgressDialog.h"
 #include "work/LProgressHost.h"
 #include "UiTestSupport.h"
@@ -151,6 +154,29 @@ private slots:
         });
         QTRY_COMPARE(frame->GetFileWindows().size(), size_t(1));
         QCOMPARE(frame->GetFileWindows()[0]->GetName(), std::string("03 - rock three"));
+    }
+
+    void theCdSettingsPageKeepsTheCddbServer()
+    {
+        LCdPage page(nullptr);
+        QCOMPARE(page.findChild<QLineEdit*>("CddbServer")->text(), QString("gnudb.gnudb.org"));
+        QCOMPARE(page.findChild<QSpinBox*>("CddbPort")->value(), 8880);
+        page.findChild<QComboBox*>("CddbProtocol")->setCurrentIndex(1); // the usual port follows
+        QCOMPARE(page.findChild<QSpinBox*>("CddbPort")->value(), 80);
+        page.findChild<QLineEdit*>("CddbServer")->setText("  ");
+        page.findChild<QCheckBox*>("CddbEnabled")->setChecked(true);
+        QVERIFY(!page.Validate()); // no server to ask
+        page.findChild<QLineEdit*>("CddbServer")->setText("cddb.example.org");
+        page.findChild<QSpinBox*>("CddbPort")->setValue(8080);
+        page.findChild<QComboBox*>("ReadMode")->setCurrentIndex(0);
+        QVERIFY(page.Validate());
+        page.Save();
+        const LCddbServer server = LCddbServer::FromSettings();
+        QCOMPARE(server.szHost, std::string("cddb.example.org"));
+        QCOMPARE(server.nPort, 8080);
+        QVERIFY(server.bHttp);
+        QVERIFY(server.bEnabled);
+        QCOMPARE(LSettings::GetString("CD", "ReadMode"), std::string("fast"));
     }
 
     void aCancelKeepsTheTracksAlreadyRead()
