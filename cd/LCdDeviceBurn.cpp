@@ -67,7 +67,11 @@ bool GrabWriter(LBurnSession& s, const std::string& szDevice)
         return true;
     }
     unsigned int nDrives = 0;
-    if (burn_drive_scan(&s.pInfos, &nDrives) <= 0 || !s.pInfos)
+    // The scan runs in the library's own thread: it is asked again until it has finished.
+    int nScan = 0;
+    while ((nScan = burn_drive_scan(&s.pInfos, &nDrives)) == 0)
+        usleep(20000);
+    if (nScan < 0 || !s.pInfos)
         return false;
     for (unsigned int i = 0; i < nDrives; ++i) {
         if (s.pInfos[i].write_cdr && burn_drive_grab(s.pInfos[i].drive, 1) > 0) {
