@@ -111,7 +111,7 @@ int32_t LCdImageWriter::WriteBin(LProgressDialog& dlg, const std::string& szPath
         auto* pCd = static_cast<LSNKCdAudio*>(pSink.Get());
         const std::string szTitle = "Writing track " + std::to_string(i + 1) + " of " + std::to_string(vItems.size());
         nResult = LPRSourceToSink::Pump(dlg, szTitle, vItems[i].pSource.Get(), pCd);
-        if (nResult == LProgressDialog::ResultDone && (!pCd->PadToSector() || pCd->IsError()))
+        if (nResult == LProgressDialog::ResultDone && (!pCd->PadToSector() || !pCd->Complete()))
             nResult = LProgressDialog::ResultError;
         t.nSectors = static_cast<int32_t>(pCd->FramesWritten() / LCd::kFramesPerSector);
         lsn += t.nSectors;

@@ -39,6 +39,15 @@ void LSNKCdAudio::Write(const int32_t* pBuffer, int32_t nFrames)
     }
 }
 
+bool LSNKCdAudio::Complete()
+{
+    if (!IsError() && std::fflush(pFile) != 0) {
+        LTRACE("LSNKCdAudio::Complete fflush failed");
+        SetError();
+    }
+    return !IsError();
+}
+
 bool LSNKCdAudio::PadToSector()
 {
     const int32_t nRest = static_cast<int32_t>(nFramesWritten % LCd::kFramesPerSector);

@@ -12,6 +12,8 @@ class LSNKCdAudio : public LSoundSinkBase
 public:
     explicit LSNKCdAudio(std::FILE* pFile); // not owned
     void Write(const int32_t* pBuffer, int32_t nFrames) override;
+    // Flushes what was written; the file itself is closed (and checked) by its owner.
+    bool Complete() override;
     // Writes silence up to the next whole sector; false (latched) when the file refused it.
     bool PadToSector();
     int64_t FramesWritten() const { return nFramesWritten; }
