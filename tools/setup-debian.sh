@@ -6,6 +6,7 @@ packages=(
   libgtest-dev libgmock-dev
   qt6-base-dev qt6-base-dev-tools libgl-dev
   portaudio19-dev
+  libcdio-dev libcdio-paranoia-dev libburn-dev libdiscid-dev cd-paranoia
   clang libclang-rt-14-dev
   sox ffmpeg mpg123 lame libgsm-tools flac vorbis-tools espeak-ng xdg-utils
   pulseaudio pulseaudio-utils

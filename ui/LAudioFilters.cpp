@@ -33,7 +33,8 @@ QString Filter(const std::vector<LAudioFileType>& vTypes)
 
 QString LAudioFilters::Open()
 {
-    return Filter(LAudioFormat::OpenTypes());
+    // Disc images open through the CD dialog, as a drive does.
+    return Filter(LAudioFormat::OpenTypes()).replace(";;All Files (*)", ";;CD Disc Images (*.cue *.toc *.CUE *.TOC);;All Files (*)");
 }
 
 QString LAudioFilters::Save()

@@ -268,6 +268,8 @@ bool MainDialog::IsCommandEnabled(int nId) const
     case CmGoToEndId:
         return bFile;
     case CmBatchConverterId:
+    case CmLoadCdId:
+    case CmCopyToCdId:
         return !bBusy;
     default:
         return IsEffectCommandEnabled(nId) || IsToolCommandEnabled(nId);

@@ -17,6 +17,8 @@
 #include "project/LEdRegion.h"
 #include "ui/LRecentFiles.h"
 
+struct LCdCopyChoice;
+struct LCdSourceItem;
 class LEdFile;
 class LEdProject;
 class LProjectSegments;
@@ -143,6 +145,11 @@ private:
     void RebuildRecentMenu();
     void RebuildWindowMenu();
     bool IsCommandEnabled(int nId) const;
+
+    // MainDialogCd.cpp
+    void CmLoadCd(const std::string& szImage = std::string());
+    void CmCopyToCd();
+    bool CopyToCdSources(const LCdCopyChoice& choice, std::vector<LCdSourceItem>& vItems);
 
     // MainDialogFile.cpp
     bool CmFile(int nId);

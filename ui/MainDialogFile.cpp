@@ -9,6 +9,7 @@
 
 #include <ctime>
 
+#include "cd/LCdDevice.h"
 #include "core/LCutListAudioLoadSource.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"
@@ -56,6 +57,8 @@ bool MainDialog::CmFile(int nId)
     case CmExitId: CmExit(); return true;
     case CmCloseAllId: CloseAllFiles(); return true;
     case CmSettingsId: CmSetting(); return true;
+    case CmLoadCdId: QTimer::singleShot(0, this, [this] { CmLoadCd(); }); return true;
+    case CmCopyToCdId: QTimer::singleShot(0, this, [this] { CmCopyToCd(); }); return true;
     default: return false;
     }
 }
@@ -87,6 +90,11 @@ bool MainDialog::LoadFile(const std::string& szPath)
     // A project named on the command line, by a file manager or a second start opens as a project.
     if (LFile::ExtensionOf(szPath) == ".snp")
         return OpenProject(szPath);
+    // A disc image opens as a disc does: its tracks are chosen in the CD dialog.
+    if (LCdDisc::IsImagePath(szPath)) {
+        QTimer::singleShot(0, this, [this, szPath] { CmLoadCd(szPath); });
+        return true;
+    }
     const std::string szName = LFile::FileNameOf(szPath);
     // A format read by settings of its own (a headerless file) offers them first.
     const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);

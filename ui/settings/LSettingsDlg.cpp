@@ -4,6 +4,7 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "ui/settings/LCdPage.h"
 #include "ui/settings/LDevicesPage.h"
 #include "ui/settings/LFoldersPage.h"
 #include "ui/settings/LGeneralPage.h"
@@ -16,7 +17,7 @@ LSettingsDlg::LSettingsDlg(QWidget* pParent) : QDialog(pParent)
     setObjectName("SettingsDlg");
     pTabs = new QTabWidget(this);
     pFolders = new LFoldersPage(pTabs);
-    vPages = {new LGeneralPage(pTabs), new LDevicesPage(pTabs), new LRecorderPage(pTabs), pFolders, new LKeysPage(pTabs)};
+    vPages = {new LGeneralPage(pTabs), new LDevicesPage(pTabs), new LRecorderPage(pTabs), pFolders, new LKeysPage(pTabs), new LCdPage(pTabs)};
     for (LSettingsPage* p : vPages)
         pTabs->addTab(p, p->Title());
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
