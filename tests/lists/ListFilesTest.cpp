@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/LSettings.h"
+#include "dsp/effects/LCurveFile.h"
 #include "dsp/effects/LEffectSettingsRecord.h"
 #include "dsp/effects/LStoredValues.h"
 #include "lists/LBatchScript.h"
@@ -219,6 +220,14 @@ TEST_F(ListFilesTest, KeysFileMakesItsFolderOrSaysWhyNot)
     std::vector<LKeyMacro> vBack;
     ASSERT_EQ(LKeyMacroFile::Load(dir.File("fresh/data/keys.dat"), vBack), LListLoad::Loaded);
     EXPECT_EQ(vBack, vMacros);
+    // The curves of the equalizer and envelope live there too.
+    LSettings::SetString("Folders", "Current", dir.File("fresh2/data"));
+    LPointList curve;
+    curve.Add(20, -6);
+    curve.Add(20000, 3);
+    ASSERT_TRUE(LCurveFile::Save(LCurveFile::PathOf(LCurveFile::kEqualizerFile), curve, &szError)) << szError;
+    EXPECT_EQ(LCurveFile::LoadEqualizer().nPoints, 2);
+    EXPECT_EQ(LCurveFile::LoadEqualizer().aPoints[0].y, -6);
     WriteFileBytes(dir.File("plain"), {1});
     EXPECT_FALSE(LKeyMacroFile::Save(dir.File("plain/keys.dat"), vMacros, &szError));
     EXPECT_NE(szError.find("cannot make the folder"), std::string::npos) << szError;
