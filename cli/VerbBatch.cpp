@@ -21,7 +21,9 @@ const char kUsage[] =
     "Runs the batch script SCRIPT.snb (made in the editor's Batch Converter or with\n"
     "sonitra-cli script new) over every FILE: each is loaded, the script's commands are\n"
     "applied in order to the whole file with their stored settings, and the result is saved\n"
-    "as NAME.EXT in DIR (default: beside its input). An output never replaces its input.\n"
+    "as NAME.EXT in DIR (default: beside its input). An output never replaces any file\n"
+    "the batch reads, and two files are never written to one output: such a file is not\n"
+    "converted and the summary says why.\n"
     "\n"
     "  --to EXT    the output format by its extension: wav, au, ...\n"
     "  --out DIR   the folder for the outputs (made when missing)\n"
@@ -89,19 +91,14 @@ bool ParseArgs(const std::vector<std::string>& vArgs, Request& req)
 
 bool LoadScript(const std::string& szPath, std::vector<CommandDataItem>& vScript)
 {
-    switch (LBatchScript::Load(szPath, vScript)) {
-    case LListLoad::Missing:
-        LCliError(szPath + ": " + LListFile::kCannotCreateMessage);
+    std::string szWhy;
+    const LListLoad result = LBatchScript::Load(szPath, vScript, &szWhy);
+    if (result == LListLoad::Damaged) {
+        LCliError(LListFile::DamagedMessage(szPath, szWhy));
         return false;
-    case LListLoad::BadVersion:
-        LCliError(szPath + ": " + LListFile::kVersionMessage);
-        return false;
-    case LListLoad::Loaded:
-        break;
     }
-    std::string szError;
-    if (!EdBatchConverter::CheckScript(vScript, &szError)) {
-        LCliError(szPath + ": " + szError);
+    if (result != LListLoad::Loaded) {
+        LCliError(szPath + ": " + LListFile::LoadMessage(result, szPath, szWhy));
         return false;
     }
     return true;

@@ -5,6 +5,7 @@
 #include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 #include "formats/LAudioFile.h"
+#include "lists/LListFile.h"
 #include "project/LBookmarkFile.h"
 #include "project/LEdLoadProject.h"
 
@@ -25,9 +26,13 @@ int RunBookmarks(const std::vector<std::string>& vArgs)
     }
     const std::string& szAudio = vArgs[0];
     std::vector<LEdBookMark> v;
-    switch (LBookmarkFile::Load(szAudio, v)) {
+    std::string szWhy;
+    switch (LBookmarkFile::Load(szAudio, v, &szWhy)) {
     case LBookmarkFile::BadVersion:
         LCliError(LBookmarkFile::PathFor(szAudio) + ": " + LEdLoadProject::kVersionMessage);
+        return CliError;
+    case LBookmarkFile::Damaged:
+        LCliError(LListFile::DamagedMessage(LBookmarkFile::PathFor(szAudio), szWhy));
         return CliError;
     case LBookmarkFile::NoFile: return CliDone;
     case LBookmarkFile::Loaded: break;

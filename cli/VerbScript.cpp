@@ -95,8 +95,9 @@ int RunNew(const std::vector<std::string>& vArgs)
         vItems.push_back(std::move(item));
         vWords.clear();
     }
-    if (!LBatchScript::Save(vArgs[1], vItems)) {
-        LCliError(vArgs[1] + ": " + LListFile::kCannotCreateMessage);
+    std::string szError;
+    if (!LBatchScript::Save(vArgs[1], vItems, &szError)) {
+        LCliError(LListFile::SaveFailedMessage(vArgs[1], szError));
         return CliError;
     }
     return CliDone;
@@ -107,15 +108,15 @@ int RunShow(const std::vector<std::string>& vArgs)
     if (vArgs.size() != 2)
         return UsageError("show needs exactly one script file"), CliUsage;
     std::vector<CommandDataItem> vItems;
-    switch (LBatchScript::Load(vArgs[1], vItems)) {
-    case LListLoad::Missing:
-        LCliError(vArgs[1] + ": " + LListFile::kCannotCreateMessage);
+    std::string szWhy;
+    const LListLoad result = LBatchScript::Load(vArgs[1], vItems, &szWhy);
+    if (result == LListLoad::Damaged) {
+        LCliError(LListFile::DamagedMessage(vArgs[1], szWhy));
         return CliError;
-    case LListLoad::BadVersion:
-        LCliError(vArgs[1] + ": " + LListFile::kVersionMessage);
+    }
+    if (result != LListLoad::Loaded) {
+        LCliError(vArgs[1] + ": " + LListFile::LoadMessage(result, vArgs[1], szWhy));
         return CliError;
-    case LListLoad::Loaded:
-        break;
     }
     bool bAllUsable = true;
     for (size_t i = 0; i < vItems.size(); ++i) {
@@ -132,7 +133,7 @@ int RunShow(const std::vector<std::string>& vArgs)
             for (const char* szKey : pInfo->vKeys)
                 szLine += std::string(" ") + szKey + "=" + std::to_string(args.Value(szKey));
         bAllUsable = bAllUsable && bRead;
-        std::printf("%zu. %s\n   %s\n", i + 1, szLine.c_str(), DescribeCommandDataItem(vItems[i]).c_str());
+        std::printf("%zu. %s\n   %s\n", i + 1, szLine.c_str(), DescribeCommandRecord(vItems[i]).c_str());
     }
     if (vItems.empty())
         std::printf("(no commands)\n");

@@ -10,6 +10,7 @@
 
 #include "core/LFile.h"
 #include "core/LSettings.h"
+#include "core/LTempFolder.h"
 #include "core/LTrace.h"
 
 namespace {
@@ -36,7 +37,7 @@ std::string CacheBase()
     const char* szHome = std::getenv("HOME");
     if (szHome && szHome[0] == '/')
         return std::string(szHome) + "/.cache";
-    return std::filesystem::temp_directory_path().string();
+    return LTempFolder::Path();
 }
 
 bool IsSegmentFile(const std::filesystem::path& path)

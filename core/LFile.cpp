@@ -105,6 +105,7 @@ bool LFile::Open(const std::string& szPath, OpenMode mode)
     case ReadWriteExisting: flags = O_RDWR; break;
     case ReadWriteKeep: flags = O_RDWR | O_CREAT; break;
     case ReadWriteCreate: flags = O_RDWR | O_CREAT | O_TRUNC; break;
+    case CreateNew: flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW; break;
     }
 #ifdef O_CLOEXEC
     flags |= O_CLOEXEC;

@@ -13,6 +13,7 @@ public:
         ReadWriteExisting, // read and write, the file must exist
         ReadWriteKeep,     // read and write, created if absent, kept if present
         ReadWriteCreate,   // read and write, created anew (emptied if present)
+        CreateNew,         // read and write, a new file: fails when the name exists, even as a link
     };
     enum SeekFrom
     {

@@ -1,7 +1,8 @@
-// Feeds arbitrary bytes to the key-macro reader; whatever it accepts must write back and read again
-// to the same list when no count saturated.
+// Feeds arbitrary bytes to the key-macro reader; whatever it accepts must write back to the same
+// bytes and read again to the same list.
 #include <cstddef>
 #include <cstdint>
+#include <algorithm>
 #include <cstdlib>
 
 #include "lists/LKeyMacroFile.h"
@@ -9,12 +10,15 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize)
 {
     std::vector<LKeyMacro> vMacros;
-    LMemoryByteReader reader(pData, nSize);
-    if (LKeyMacroFile::Parse(reader, vMacros) != LListLoad::Loaded)
+    LByteReader reader(pData, nSize);
+    std::string szWhy;
+    if (LKeyMacroFile::Parse(reader, vMacros, &szWhy) != LListLoad::Loaded)
         return 0;
     const std::vector<uint8_t> vBytes = LKeyMacroFile::Serialize(vMacros);
+    if (vBytes.size() != nSize || !std::equal(vBytes.begin(), vBytes.end(), pData))
+        std::abort();
     std::vector<LKeyMacro> vAgain;
-    LMemoryByteReader again(vBytes.data(), vBytes.size());
+    LByteReader again(vBytes.data(), vBytes.size());
     if (LKeyMacroFile::Parse(again, vAgain) != LListLoad::Loaded || vAgain != vMacros)
         std::abort();
     return 0;

@@ -1,7 +1,11 @@
 #include "lists/EdBatchConverter.h"
 
 #include <filesystem>
+#include <map>
+#include <sys/stat.h>
 #include <system_error>
+#include <unordered_map>
+#include <utility>
 
 #include "core/LCutListAudio.h"
 #include "core/LCutListAudioLoadSource.h"
@@ -10,36 +14,68 @@
 #include "dsp/effects/LEffectRunner.h"
 
 namespace {
-// A path as the file system resolves it, found once per path: comparing these finds two names of
-// one file without asking the file system for every pair.
-struct LResolvedPath
+// A path as the file system resolves it, and the file it names when that exists, found once per
+// path: two names of one file (a link to its folder, "./", a hard link) compare equal without
+// asking the file system for every pair.
+struct LFileKey
 {
     std::string szResolved;
     bool bExists = false;
+    dev_t nDevice = 0;
+    ino_t nInode = 0;
 
-    explicit LResolvedPath(const std::string& sz)
+    explicit LFileKey(const std::string& sz)
     {
         std::error_code ec;
         szResolved = std::filesystem::weakly_canonical(sz, ec).string();
         if (ec)
             szResolved = sz;
-        bExists = std::filesystem::exists(sz, ec);
+        struct stat st;
+        bExists = ::stat(sz.c_str(), &st) == 0;
+        if (bExists) {
+            nDevice = st.st_dev;
+            nInode = st.st_ino;
+        }
     }
 };
 
-bool SameFile(const std::string& szA, const LResolvedPath& a, const std::string& szB, const LResolvedPath& b)
+// Paths by the file they name; the first path added for a file keeps it.
+class LFileIndex
 {
-    if (szA == szB || a.szResolved == b.szResolved)
-        return true;
-    // Hard links are one file under two resolved names: only files that exist can be that.
-    std::error_code ec;
-    return a.bExists && b.bExists && std::filesystem::equivalent(szA, szB, ec);
-}
+public:
+    static constexpr size_t kNone = static_cast<size_t>(-1);
+
+    void Add(const LFileKey& key, size_t nIndex)
+    {
+        mapByName.emplace(key.szResolved, nIndex);
+        if (key.bExists)
+            mapById.emplace(std::make_pair(key.nDevice, key.nInode), nIndex);
+    }
+    size_t Find(const LFileKey& key) const
+    {
+        if (auto it = mapByName.find(key.szResolved); it != mapByName.end())
+            return it->second;
+        if (key.bExists)
+            if (auto it = mapById.find(std::make_pair(key.nDevice, key.nInode)); it != mapById.end())
+                return it->second;
+        return kNone;
+    }
+
+private:
+    std::unordered_map<std::string, size_t> mapByName;
+    std::map<std::pair<dev_t, ino_t>, size_t> mapById;
+};
 
 bool SameFile(const std::string& szA, const std::string& szB)
 {
-    return SameFile(szA, LResolvedPath(szA), szB, LResolvedPath(szB));
+    if (szA == szB)
+        return true;
+    LFileIndex index;
+    index.Add(LFileKey(szA), 0);
+    return index.Find(LFileKey(szB)) != LFileIndex::kNone;
 }
+
+const char kReplacesOwnInput[] = "the output would replace the input; choose another folder or format";
 } // namespace
 
 EdBatchConverter::EdBatchConverter(std::vector<CommandDataItem> vS, std::vector<std::string> vF, LBatchOutput o)
@@ -70,22 +106,31 @@ std::string EdBatchConverter::OutputPathFor(const std::string& szInput, const LB
 std::vector<std::string> EdBatchConverter::OutputPathsFor(const std::vector<std::string>& vInputs,
                                                           const LBatchOutput& output, std::vector<std::string>& vWhy)
 {
-    std::vector<std::string> vPaths;
-    std::vector<LResolvedPath> vResolved;
+    LFileIndex inputs;
+    for (size_t i = 0; i < vInputs.size(); ++i)
+        inputs.Add(LFileKey(vInputs[i]), i);
+    LFileIndex outputs;
+    std::vector<std::string> vPaths(vInputs.size());
     vWhy.assign(vInputs.size(), "");
     for (size_t i = 0; i < vInputs.size(); ++i) {
-        std::string szOut = OutputPathFor(vInputs[i], output);
-        const LResolvedPath resolved(szOut);
-        for (size_t k = 0; k < i && !szOut.empty(); ++k) {
-            if (!vPaths[k].empty() && SameFile(vPaths[k], vResolved[k], szOut, resolved)) {
-                vWhy[i] = "another file of this batch is written to " + szOut;
-                szOut.clear();
-            }
-        }
-        vResolved.push_back(resolved);
-        if (szOut.empty() && vWhy[i].empty())
+        const std::string szOut = OutputPathFor(vInputs[i], output);
+        if (szOut.empty()) {
             vWhy[i] = "the output path is too long";
-        vPaths.push_back(szOut);
+            continue;
+        }
+        const LFileKey key(szOut);
+        // A batch never writes over any of its own inputs, whichever file's output it is.
+        const size_t nInput = inputs.Find(key);
+        if (nInput == i)
+            vWhy[i] = kReplacesOwnInput;
+        else if (nInput != LFileIndex::kNone)
+            vWhy[i] = "the output " + szOut + " would replace " + vInputs[nInput] + ", another file of this batch";
+        else if (outputs.Find(key) != LFileIndex::kNone)
+            vWhy[i] = "another file of this batch is written to " + szOut;
+        if (!vWhy[i].empty())
+            continue;
+        outputs.Add(key, i);
+        vPaths[i] = szOut;
     }
     return vPaths;
 }
@@ -115,7 +160,7 @@ int32_t EdBatchConverter::ConvertFile(LProgressDialog& dlg, const std::vector<Co
     if (szOutput.empty())
         return Fail("the output path is too long");
     if (SameFile(szInput, szOutput))
-        return Fail("the output would replace the input; choose another folder or format");
+        return Fail(kReplacesOwnInput);
     std::string szError;
     LSoundSourcePtr pSource = LAudioFile::OpenSource(szInput, &szError);
     if (pSource->IsError())

@@ -1,6 +1,6 @@
 // The batch converter process: loads each file, applies the script's commands in order with their
 // stored settings (to the whole file) and saves it in the chosen format. A file that fails is noted
-// with its reason and the batch goes on with the next; an output never replaces its input.
+// with its reason and the batch goes on with the next; an output never replaces any input.
 #pragma once
 
 #include <cstdint>
@@ -39,8 +39,9 @@ public:
 
     // The output of one input: its name with the new extension, in the folder (or beside it).
     static std::string OutputPathFor(const std::string& szInput, const LBatchOutput& output);
-    // The outputs of all inputs; an input whose output an earlier one already writes gets an
-    // empty path and the reason in vWhy (so two inputs of the same name never overwrite each other).
+    // The outputs of all inputs. An input whose output would be any input of the batch (its own or
+    // another's), or a file an earlier input already writes, gets an empty path and the reason in
+    // vWhy: a batch never replaces a file it reads, and two inputs never write one file.
     static std::vector<std::string> OutputPathsFor(const std::vector<std::string>& vInputs, const LBatchOutput& output,
                                                    std::vector<std::string>& vWhy);
     // Converts one file inside a running process. 0 done, 1 cancelled, 2 error with the reason.

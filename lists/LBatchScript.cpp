@@ -62,41 +62,89 @@ std::string DescribeCommandDataItem(const CommandDataItem& item)
     return LEffectCatalog::Describe(pInfo->kind, args);
 }
 
-LListLoad LBatchScript::Load(const std::string& szPath, std::vector<CommandDataItem>& vItems)
+std::string DescribeCommandRecord(const CommandDataItem& item)
+{
+    const LEffectInfo* pInfo = BatchCommandInfo(item.uCommandId);
+    LEffectArgs args;
+    if (!pInfo || !GetCommandDataItemData(item, args))
+        return DescribeCommandDataItem(item);
+    switch (pInfo->kind) {
+    case LEffectKind::ConvertSampleRate:
+        return "Convert Sample Rate = " + std::to_string(args.Value("ConvertSampleRate"));
+    case LEffectKind::ConvertMono: return "Convert Channel = 1";
+    case LEffectKind::ConvertStereo: return "Convert Channel = 2";
+    default: return DescribeCommandDataItem(item);
+    }
+}
+
+std::string LBatchScript::CheckItem(const CommandDataItem& item)
+{
+    const LEffectInfo* pInfo = BatchCommandInfo(item.uCommandId);
+    if (!pInfo)
+        return "command id " + std::to_string(item.uCommandId) + " is not a command a batch script can hold";
+    LEffectArgs args;
+    std::string szError;
+    if (!GetCommandDataItemData(item, args, &szError))
+        return LEffectCatalog::CliName(*pInfo) + ": " + szError;
+    if (!args.Validate(*pInfo, &szError))
+        return LEffectCatalog::CliName(*pInfo) + ": " + szError;
+    return std::string();
+}
+
+LListLoad LBatchScript::Load(const std::string& szPath, std::vector<CommandDataItem>& vItems, std::string* pszWhy)
 {
     vItems.clear();
     LFile file;
-    if (!file.Open(szPath, LFile::ReadExisting))
+    if (LListFile::Open(szPath, file) != LListLoad::Loaded)
         return LListLoad::Missing;
-    LFileByteReader reader(file);
-    return Parse(reader, vItems);
+    LByteReader reader(file);
+    return Parse(reader, vItems, pszWhy);
 }
 
-LListLoad LBatchScript::Parse(LByteReader& reader, std::vector<CommandDataItem>& vItems)
+namespace {
+// One record at the reader; Loaded, or Damaged with the reason.
+LListLoad ReadItem(LByteReader& in, size_t nRecord, CommandDataItem& item, std::string* pszWhy)
+{
+    if (in.Remaining() < 8)
+        return LListFile::Damaged(nRecord,
+                                  "cut short: " + std::to_string(in.Remaining()) + " of the 8 bytes of its header",
+                                  pszWhy);
+    uint32_t nSize = 0;
+    if (!in.U32(item.uCommandId) || !in.U32(nSize))
+        return LListFile::Damaged(nRecord, "cannot be read", pszWhy);
+    if (nSize > LBatchScript::kMaxDataSize)
+        return LListFile::Damaged(nRecord, "a settings size of " + std::to_string(nSize) + " bytes is out of range",
+                                  pszWhy);
+    if (static_cast<int64_t>(nSize) > in.Remaining())
+        return LListFile::Damaged(nRecord,
+                                  "cut short: " + std::to_string(in.Remaining()) + " of its " +
+                                      std::to_string(nSize) + " bytes of settings",
+                                  pszWhy);
+    item.SetDataSize(nSize);
+    if (nSize && !in.Raw(item.vData.data(), nSize))
+        return LListFile::Damaged(nRecord, "cannot be read", pszWhy);
+    const std::string szProblem = LBatchScript::CheckItem(item);
+    if (!szProblem.empty())
+        return LListFile::Damaged(nRecord, szProblem, pszWhy);
+    return LListLoad::Loaded;
+}
+} // namespace
+
+LListLoad LBatchScript::Parse(LByteReader& reader, std::vector<CommandDataItem>& vItems, std::string* pszWhy)
 {
     vItems.clear();
-    uint8_t nVersion = 0xFF;
-    if (reader.Read(&nVersion, 1) != 1 || nVersion != LListFile::kVersion) {
-        LTRACE("LBatchScript::Parse bad version");
-        return LListLoad::BadVersion;
-    }
-    for (;;) {
+    const LListLoad version = LListFile::ReadVersion(reader, "LBatchScript::Parse");
+    if (version != LListLoad::Loaded)
+        return version;
+    std::vector<CommandDataItem> vRead;
+    while (reader.Remaining() > 0) {
         CommandDataItem item;
-        uint32_t nSize = 0;
-        // A record cut short before its data size is dropped.
-        if (!reader.ReadU32(item.uCommandId) || !reader.ReadU32(nSize))
-            break;
-        if (nSize > kMaxDataSize) {
-            LTRACE("LBatchScript::Parse data size %u too large", nSize);
-            break;
-        }
-        item.SetDataSize(nSize);
-        // Cut short inside its data: kept with its declared size, the missing bytes zero.
-        const bool bShort = reader.Read(item.vData.data(), nSize) != nSize;
-        vItems.push_back(std::move(item));
-        if (bShort)
-            break;
+        const LListLoad r = ReadItem(reader, vRead.size() + 1, item, pszWhy);
+        if (r != LListLoad::Loaded)
+            return r;
+        vRead.push_back(std::move(item));
     }
+    vItems = std::move(vRead);
     return LListLoad::Loaded;
 }
 
@@ -107,14 +155,12 @@ std::vector<uint8_t> LBatchScript::Serialize(const std::vector<CommandDataItem>&
     for (const CommandDataItem& item : vItems) {
         out.U32(item.uCommandId);
         out.U32(item.GetDataSize());
-        out.Bytes(item.vData);
+        out.Raw(item.vData.data(), item.vData.size());
     }
-    return out.Get();
+    return out.Bytes();
 }
 
-bool LBatchScript::Save(const std::string& szPath, const std::vector<CommandDataItem>& vItems)
+bool LBatchScript::Save(const std::string& szPath, const std::vector<CommandDataItem>& vItems, std::string* pszError)
 {
-    LByteWriter out;
-    out.Bytes(Serialize(vItems));
-    return out.SaveTo(szPath);
+    return LAtomicFile::Write(szPath, Serialize(vItems), pszError);
 }

@@ -1,7 +1,6 @@
 // Key macros and their file "keys.dat": a key code and the menu commands it runs, in order.
-// Record: key code (4 bytes), command count (1 byte, saturating at 255), the command ids (4 bytes
-// each). A macro of more than 255 commands still has every id written, so its count disagrees
-// with its data; keep macros short.
+// Record: key code (4 bytes), command count (1 byte), the command ids (4 bytes each). The count
+// byte cannot say more than 255, so a longer macro is refused rather than saved unreadable.
 #pragma once
 
 #include <cstdint>
@@ -22,14 +21,17 @@ class LKeyMacroFile
 {
 public:
     static constexpr const char* kFileName = "keys.dat";
+    static constexpr size_t kMaxCommands = 255;
 
     // "keys.dat" in the data folder.
     static std::string DefaultPath();
 
-    // A missing file gives an empty list. A bad version leaves the list empty.
-    static LListLoad Load(const std::string& szPath, std::vector<LKeyMacro>& vMacros);
-    static LListLoad Parse(LByteReader& reader, std::vector<LKeyMacro>& vMacros);
+    // A missing file gives an empty list. A bad version, a record cut short, a key or command 0
+    // or a key bound twice leaves the list empty; *pszWhy then names the record.
+    static LListLoad Load(const std::string& szPath, std::vector<LKeyMacro>& vMacros, std::string* pszWhy = nullptr);
+    static LListLoad Parse(LByteReader& reader, std::vector<LKeyMacro>& vMacros, std::string* pszWhy = nullptr);
     static std::vector<uint8_t> Serialize(const std::vector<LKeyMacro>& vMacros);
-    // Creates the file anew; false when it cannot be created or written.
-    static bool Save(const std::string& szPath, const std::vector<LKeyMacro>& vMacros);
+    // Replaces the file once the new one is whole, making the data folder when it is missing;
+    // false with the reason (also for a macro of more than 255 commands).
+    static bool Save(const std::string& szPath, const std::vector<LKeyMacro>& vMacros, std::string* pszError = nullptr);
 };

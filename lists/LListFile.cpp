@@ -1,52 +1,52 @@
 #include "lists/LListFile.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "core/LTrace.h"
 
-bool LByteReader::ReadU32(uint32_t& nValue)
+namespace LListFile {
+
+LListLoad Open(const std::string& szPath, LFile& file)
 {
-    uint8_t b[4];
-    if (Read(b, 4) != 4)
-        return false;
-    nValue = static_cast<uint32_t>(b[0]) | static_cast<uint32_t>(b[1]) << 8 | static_cast<uint32_t>(b[2]) << 16 |
-             static_cast<uint32_t>(b[3]) << 24;
-    return true;
+    return file.Open(szPath, LFile::ReadExisting) ? LListLoad::Loaded : LListLoad::Missing;
 }
 
-size_t LMemoryByteReader::Read(void* pBuffer, size_t nBytes)
+LListLoad ReadVersion(LByteReader& in, const char* szWho)
 {
-    const size_t n = std::min(nBytes, nSize - nPos);
-    if (n)
-        std::memcpy(pBuffer, pData + nPos, n);
-    nPos += n;
-    return n;
-}
-
-size_t LFileByteReader::Read(void* pBuffer, size_t nBytes)
-{
-    const int64_t n = file.Read(pBuffer, static_cast<int64_t>(nBytes));
-    return n > 0 ? static_cast<size_t>(n) : 0;
-}
-
-void LByteWriter::U32(uint32_t n)
-{
-    for (int i = 0; i < 4; ++i)
-        vBytes.push_back(static_cast<uint8_t>(n >> (8 * i)));
-}
-
-bool LByteWriter::SaveTo(const std::string& szPath) const
-{
-    LFile file;
-    if (!file.Open(szPath, LFile::ReadWriteCreate)) {
-        LTRACE("LByteWriter::SaveTo cannot create %s", szPath.c_str());
-        return false;
+    uint8_t nVersion = 0xFF;
+    if (!in.U8(nVersion) || nVersion != kVersion) {
+        LTRACE("%s bad version", szWho);
+        return LListLoad::BadVersion;
     }
-    const int64_t nSize = static_cast<int64_t>(vBytes.size());
-    if (file.Write(vBytes.data(), nSize) != nSize) {
-        LTRACE("LByteWriter::SaveTo short write %s", szPath.c_str());
-        return false;
-    }
-    return true;
+    return LListLoad::Loaded;
 }
+
+LListLoad Damaged(size_t nRecord, const std::string& szWhy, std::string* pszWhy)
+{
+    const std::string sz = "record " + std::to_string(nRecord) + ": " + szWhy;
+    LTRACE("LListFile::Damaged %s", sz.c_str());
+    if (pszWhy)
+        *pszWhy = sz;
+    return LListLoad::Damaged;
+}
+
+std::string DamagedMessage(const std::string& szPath, const std::string& szWhy)
+{
+    return "The file \"" + szPath + "\" is damaged and was not loaded:\n" + szWhy + ".";
+}
+
+std::string SaveFailedMessage(const std::string& szPath, const std::string& szWhy)
+{
+    return "Unable to save \"" + szPath + "\":\n" + szWhy;
+}
+
+std::string LoadMessage(LListLoad result, const std::string& szPath, const std::string& szWhy)
+{
+    switch (result) {
+    case LListLoad::Loaded: return std::string();
+    case LListLoad::Missing: return kCannotCreateMessage;
+    case LListLoad::BadVersion: return kVersionMessage;
+    case LListLoad::Damaged: return DamagedMessage(szPath, szWhy);
+    }
+    return std::string();
+}
+
+} // namespace LListFile

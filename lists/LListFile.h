@@ -1,18 +1,21 @@
 // What the small list files (key macros, batch scripts) share: a one-byte version that must be 0,
-// then records until a read comes back short, integers little-endian.
+// then whole records up to the end of the file, integers little-endian. A file whose records do
+// not fill it exactly, or that holds a value no record can have, is damaged and loads nothing.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "core/LFile.h"
+#include "core/LAtomicFile.h"
+#include "project/LBytes.h"
 
 enum class LListLoad
 {
-    Loaded,     // read (possibly with a cut-short record at the end dropped or kept)
+    Loaded,     // every record read
     Missing,    // no such file: an empty list, not an error
     BadVersion, // the version byte is not 0, or the file is empty
+    Damaged,    // a record cut short or holding a value out of range: nothing loaded
 };
 
 namespace LListFile {
@@ -22,54 +25,18 @@ constexpr const char* kVersionMessage =
 constexpr const char* kCannotCreateMessage =
     "Sonitra cannot open this file. The file does not exist or may be corrupted.";
 constexpr uint8_t kVersion = 0;
+
+// Opens szPath for a reader; Missing when it cannot be opened.
+LListLoad Open(const std::string& szPath, LFile& file);
+// Reads the version byte: Loaded when it is 0.
+LListLoad ReadVersion(LByteReader& in, const char* szWho);
+// Damaged, with "record N: why" in *pszWhy.
+LListLoad Damaged(size_t nRecord, const std::string& szWhy, std::string* pszWhy);
+
+// What the user is told about a damaged file, naming it and the record.
+std::string DamagedMessage(const std::string& szPath, const std::string& szWhy);
+// What the user is told about a save that failed, naming the file and the reason.
+std::string SaveFailedMessage(const std::string& szPath, const std::string& szWhy);
+// The message for a load result other than Loaded (empty for Loaded).
+std::string LoadMessage(LListLoad result, const std::string& szPath, const std::string& szWhy);
 } // namespace LListFile
-
-// Where the bytes of a list come from: a file, or memory (tests, fuzzing).
-class LByteReader
-{
-public:
-    virtual ~LByteReader() = default;
-    // The bytes read; fewer than asked only at the end.
-    virtual size_t Read(void* pBuffer, size_t nBytes) = 0;
-
-    // A little-endian 32-bit value; false when fewer than 4 bytes came.
-    bool ReadU32(uint32_t& nValue);
-};
-
-class LMemoryByteReader : public LByteReader
-{
-public:
-    LMemoryByteReader(const uint8_t* pData, size_t nSize) : pData(pData), nSize(nSize) {}
-    size_t Read(void* pBuffer, size_t nBytes) override;
-
-private:
-    const uint8_t* pData;
-    size_t nSize;
-    size_t nPos = 0;
-};
-
-class LFileByteReader : public LByteReader
-{
-public:
-    explicit LFileByteReader(LFile& file) : file(file) {}
-    size_t Read(void* pBuffer, size_t nBytes) override;
-
-private:
-    LFile& file;
-};
-
-// Little-endian output into a growing buffer; written to disk in one go.
-class LByteWriter
-{
-public:
-    void U8(uint8_t n) { vBytes.push_back(n); }
-    void U32(uint32_t n);
-    void Bytes(const std::vector<uint8_t>& v) { vBytes.insert(vBytes.end(), v.begin(), v.end()); }
-    const std::vector<uint8_t>& Get() const { return vBytes; }
-
-    // Creates the file anew (replacing an old one) and writes everything; false when it cannot.
-    bool SaveTo(const std::string& szPath) const;
-
-private:
-    std::vector<uint8_t> vBytes;
-};

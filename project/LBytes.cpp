@@ -6,7 +6,7 @@ bool LByteReader::Fill()
 {
     if (bEnd)
         return false;
-    if (pMem) {
+    if (bMemory) {
         // The whole buffer is the data: it is handed over once.
         bEnd = true;
         return false;
@@ -26,12 +26,13 @@ bool LByteReader::Raw(void* p, size_t n)
     if (bFailed)
         return false;
     auto* pOut = static_cast<uint8_t*>(p);
-    if (pMem) {
+    if (bMemory) {
         if (static_cast<int64_t>(n) > nFileSize - nConsumed) {
             bFailed = true;
             return false;
         }
-        std::memcpy(pOut, pMem + nConsumed, n);
+        if (n)
+            std::memcpy(pOut, pMem + nConsumed, n);
         nConsumed += static_cast<int64_t>(n);
         return true;
     }

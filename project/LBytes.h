@@ -43,7 +43,10 @@ class LByteReader
 public:
     explicit LByteReader(LFile& file) : pFile(&file), nFileSize(file.Size()) {}
     // Over bytes in memory (the fuzz targets and tests).
-    LByteReader(const uint8_t* pData, size_t nSize) : pMem(pData), nFileSize(static_cast<int64_t>(nSize)) {}
+    LByteReader(const uint8_t* pData, size_t nSize)
+        : pMem(pData), bMemory(true), nFileSize(static_cast<int64_t>(nSize))
+    {
+    }
     LByteReader(const LByteReader&) = delete;
     LByteReader& operator=(const LByteReader&) = delete;
 
@@ -55,12 +58,19 @@ public:
     bool Failed() const { return bFailed; }
     // Bytes not yet read (as far as the file's size tells).
     int64_t Remaining() const { return nFileSize - nConsumed; }
+    // Whether what is left is exactly nCount records of nRecordSize bytes: a count that
+    // disagrees with the file's size means the file is damaged.
+    bool HoldsRecords(uint64_t nCount, size_t nRecordSize) const
+    {
+        return !bFailed && static_cast<uint64_t>(Remaining()) == nCount * nRecordSize;
+    }
 
 private:
     bool Fill();
 
     LFile* pFile = nullptr;
     const uint8_t* pMem = nullptr;
+    bool bMemory = false; // over bytes in memory (which may be none at all)
     int64_t nFileSize = 0;
     int64_t nConsumed = 0;
     uint8_t vBuffer[65536];

@@ -1,7 +1,7 @@
 #include "project/LEdSaveProject.h"
 
 #include "core/LTrace.h"
-#include "project/LAtomicFile.h"
+#include "core/LAtomicFile.h"
 #include "project/LBytes.h"
 #include "project/LProjectSegments.h"
 

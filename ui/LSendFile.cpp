@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "core/LComponents.h"
-#include "platform/engine/LChildProcess.h"
+#include "core/LTempFolder.h"
 #include "platform/engine/LChildProcess.h"
 
 std::string LSendFile::CheckMailProgram()
@@ -36,8 +36,7 @@ bool LSendFile::Attach(const std::string& szPath, std::string* pszError)
 
 std::string LSendFile::NewSendFolder()
 {
-    const char* szTmp = std::getenv("TMPDIR");
-    std::string szTemplate = std::string(szTmp && *szTmp ? szTmp : "/tmp") + "/sonitra-send-XXXXXX";
+    std::string szTemplate = LTempFolder::Path() + "/sonitra-send-XXXXXX";
     if (!::mkdtemp(szTemplate.data()))
         return std::string();
     return szTemplate;

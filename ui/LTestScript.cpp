@@ -9,7 +9,7 @@
 
 #include "core/LEdFile.h"
 #include "formats/LAudioFile.h"
-#include "project/LAtomicFile.h"
+#include "core/LAtomicFile.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LEdSaveProcess.h"
 #include "ui/LUiPrompts.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/LAtomicFile.h"
 #include "core/LFile.h"
 #include "core/LSettings.h"
 #include "core/LTrace.h"
@@ -35,18 +36,20 @@ std::vector<uint8_t> LWaveFileFormat::ReadRemembered()
     return v;
 }
 
-bool LWaveFileFormat::WriteRemembered(const std::vector<uint8_t>& vBuffer)
+bool LWaveFileFormat::WriteRemembered(const std::vector<uint8_t>& vBuffer, std::string* pszError)
 {
     std::vector<uint8_t> v = vBuffer;
     v.resize(kBufferBytes, 0);
-    LFile file;
-    const std::string szPath = LSettings::DataFilePath(kFileName);
-    if (szPath.empty() || !file.Open(szPath, LFile::ReadWriteCreate) ||
-        file.Write(v.data(), kBufferBytes) != static_cast<int64_t>(kBufferBytes)) {
-        LTRACE("LWaveFileFormat::WriteRemembered cannot write %s", szPath.c_str());
+    if (!LAtomicFile::Write(RememberedPath(), v, pszError, LAtomicFile::MakeFolder)) {
+        LTRACE("LWaveFileFormat::WriteRemembered cannot write %s", RememberedPath().c_str());
         return false;
     }
     return true;
+}
+
+std::string LWaveFileFormat::RememberedPath()
+{
+    return LSettings::DataFilePath(kFileName);
 }
 
 bool LWaveFileFormat::RecordOf(const std::vector<uint8_t>& vBuffer, LWaveFormatRecord& record)

@@ -31,7 +31,9 @@ public:
 
     // The remembered buffer; GSM 6.10 (8000 Hz mono) when the file is missing or short.
     static std::vector<uint8_t> ReadRemembered();
-    static bool WriteRemembered(const std::vector<uint8_t>& vBuffer);
+    // Replaces the file once the new one is whole, making the data folder when missing.
+    static bool WriteRemembered(const std::vector<uint8_t>& vBuffer, std::string* pszError = nullptr);
+    static std::string RememberedPath();
     static std::vector<uint8_t> DefaultBuffer();
 
     // The record at the start of a buffer (its fixed part and cbSize bytes of codec data).

@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include "formats/LWaveFormat.h"
+#include "lists/LListFile.h"
 #include "ui/LSaveFormatOptions.h"
 #include "ui/LUiPrompts.h"
 #include "ui/LWaveFileFormat.h"
@@ -86,7 +87,11 @@ void LWaveSaveDlg::CmFormat()
     if (!LWaveFileFormat::Choose(this, v, nChans, tr("Compressed WAV Format")))
         return;
     vBuffer = v;
-    LWaveFileFormat::WriteRemembered(vBuffer);
+    std::string szError;
+    if (!LWaveFileFormat::WriteRemembered(vBuffer, &szError))
+        LUiPrompts::Get().Inform(this, "File Error",
+                                 QString::fromStdString(LListFile::SaveFailedMessage(LWaveFileFormat::RememberedPath(), szError)),
+                                 LUiPrompts::IconWarning);
     pCompressed->setChecked(true);
     ShowCompressed();
 }

@@ -267,6 +267,9 @@ private:
     std::vector<LEdBookMark> vBookmarks;
     std::vector<LEdRegion> vRegions;
     std::set<std::string> setBookmarksRead; // files whose bookmark list has been read
+    // Files whose bookmark list was refused (damaged, another version): never written over.
+    std::set<std::string> setBookmarksRefused;
     std::unique_ptr<LRecoveryLock> pRecoveryLock;
     std::string szRecoveryPath;
+    bool bRecoveryFailTold = false; // a failing recovery save is told once, not after every edit
 };

@@ -8,13 +8,14 @@
 #include <algorithm>
 #include <ctime>
 
+#include "core/LAtomicFile.h"
 #include "core/LAudioCutTank.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"
 #include "core/LSettings.h"
 #include "core/LSoundTime.h"
 #include "core/LTrace.h"
-#include "project/LAtomicFile.h"
+#include "lists/LListFile.h"
 #include "project/LBookmarkFile.h"
 #include "project/LBytes.h"
 #include "project/LEdLoadProject.h"
@@ -319,10 +320,16 @@ void MainDialog::LoadBookmarksFor(LEdFileWindow* pWindow)
     if (!setBookmarksRead.insert(szPath).second)
         return;
     std::vector<LEdBookMark> v;
-    if (LBookmarkFile::Load(szPath, v) == LBookmarkFile::BadVersion) {
+    std::string szWhy;
+    const LBookmarkFile::Result result = LBookmarkFile::Load(szPath, v, &szWhy);
+    if (result == LBookmarkFile::BadVersion || result == LBookmarkFile::Damaged) {
+        setBookmarksRefused.insert(szPath);
+        const QString szText = result == LBookmarkFile::BadVersion
+                                   ? QString(LEdLoadProject::kVersionMessage)
+                                   : QString::fromStdString(LListFile::DamagedMessage(LBookmarkFile::PathFor(szPath), szWhy));
         // Told after the switch of windows has finished.
-        QTimer::singleShot(0, this, [this] {
-            LUiPrompts::Get().Inform(this, "File Error", LEdLoadProject::kVersionMessage, LUiPrompts::IconError);
+        QTimer::singleShot(0, this, [this, szText] {
+            LUiPrompts::Get().Inform(this, "File Error", szText, LUiPrompts::IconError);
         });
         return;
     }
@@ -341,9 +348,14 @@ void MainDialog::BookmarksChanged(const std::string& szKey)
 
 bool MainDialog::SaveBookmarksOf(const std::string& szPath)
 {
-    if (LBookmarkFile::Save(szPath, vBookmarks))
+    // A list that could not be read is kept as it is rather than replaced by what little is known.
+    const bool bRefused = setBookmarksRefused.count(szPath) != 0;
+    if (bRefused && LBookmarkFile::CountOf(szPath, vBookmarks) == 0)
         return true;
-    LTRACE("MainDialog::SaveBookmarksOf cannot save %s", LBookmarkFile::PathFor(szPath).c_str());
+    std::string szWhy = "the list beside the file could not be read and is kept as it is";
+    if (!bRefused && LBookmarkFile::Save(szPath, vBookmarks, &szWhy))
+        return true;
+    LTRACE("MainDialog::SaveBookmarksOf cannot save %s: %s", LBookmarkFile::PathFor(szPath).c_str(), szWhy.c_str());
     // Told once the command or the closing of the window has finished.
     const QString szList = QString::fromStdString(LBookmarkFile::PathFor(szPath));
     QTimer::singleShot(0, this, [this, szList] {
@@ -370,6 +382,7 @@ void MainDialog::ForgetBookmarksOf(LEdFileWindow* pWindow)
                                     [&](const LEdBookMark& b) { return b.GetPath() == szKey; }),
                      vBookmarks.end());
     setBookmarksRead.erase(szKey);
+    setBookmarksRefused.erase(szKey);
 }
 
 void MainDialog::RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey)
@@ -564,8 +577,20 @@ void MainDialog::WriteRecovery()
         nStored = nTankRef;
         return true;
     };
-    if (!project.Write(out, mapRef) || !LAtomicFile::Write(szRecoveryPath, out.Bytes()))
-        LTRACE("MainDialog::WriteRecovery cannot write %s", szRecoveryPath.c_str());
+    std::string szError = "the recovery project cannot be built";
+    if (project.Write(out, mapRef) &&
+        LAtomicFile::Write(szRecoveryPath, out.Bytes(), &szError, LAtomicFile::MakeFolder)) {
+        bRecoveryFailTold = false;
+        return;
+    }
+    LTRACE("MainDialog::WriteRecovery cannot write %s", szRecoveryPath.c_str());
+    if (bRecoveryFailTold)
+        return;
+    bRecoveryFailTold = true;
+    const QString szText = QString::fromStdString(LListFile::SaveFailedMessage(szRecoveryPath, szError));
+    QTimer::singleShot(0, this, [this, szText] {
+        LUiPrompts::Get().Inform(this, "File Error", szText, LUiPrompts::IconWarning);
+    });
 }
 
 void MainDialog::StopRecovery()

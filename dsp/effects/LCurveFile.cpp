@@ -1,9 +1,9 @@
 #include "dsp/effects/LCurveFile.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <vector>
 
+#include "core/LAtomicFile.h"
 #include "core/LFile.h"
 #include "core/LSettings.h"
 #include "core/LTrace.h"
@@ -81,24 +81,25 @@ bool LCurveFile::Load(const std::string& szPath, LPointList& list)
     return Parse(v.data(), v.size(), list);
 }
 
-bool LCurveFile::Save(const std::string& szPath, const LPointList& list)
+bool LCurveFile::Save(const std::string& szPath, const LPointList& list, std::string* pszError)
 {
-    if (!list.Validate())
+    if (!list.Validate()) {
+        if (pszError)
+            *pszError = "the curve's points are not in order";
         return false;
+    }
     std::vector<unsigned char> v;
     PutLE32(v, list.nPoints);
     for (int32_t i = 0; i < list.nPoints; ++i) {
         PutLE32(v, list.aPoints[i].x);
         PutLE32(v, list.aPoints[i].y);
     }
-    std::error_code ec;
-    std::filesystem::create_directories(LFile::FolderOf(szPath), ec);
-    LFile file;
-    if (!file.Open(szPath, LFile::ReadWriteCreate)) {
-        LTRACE("LCurveFile::Save cannot create %s", szPath.c_str());
+    std::vector<uint8_t> vBytes(v.begin(), v.end());
+    if (!LAtomicFile::Write(szPath, vBytes, pszError, LAtomicFile::MakeFolder)) {
+        LTRACE("LCurveFile::Save cannot write %s", szPath.c_str());
         return false;
     }
-    return file.Write(v.data(), static_cast<int64_t>(v.size())) == static_cast<int64_t>(v.size());
+    return true;
 }
 
 LPointList LCurveFile::LoadEqualizer()

@@ -24,7 +24,9 @@ public:
 
     // False, with the list untouched, when the file is missing, short or does not validate.
     static bool Load(const std::string& szPath, LPointList& list);
-    static bool Save(const std::string& szPath, const LPointList& list);
+    // Replaces the file once the new one is whole, making its folder when missing; false with the
+    // reason otherwise.
+    static bool Save(const std::string& szPath, const LPointList& list, std::string* pszError = nullptr);
     // Reads a list from bytes (what Load does after reading the file).
     static bool Parse(const unsigned char* pBytes, size_t nBytes, LPointList& list);
 

@@ -1,6 +1,5 @@
 #include "platform/engine/LChildProcess.h"
 
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -17,6 +16,7 @@
 #include <unistd.h>
 
 #include "core/LFile.h"
+#include "core/LTempFolder.h"
 #include "core/LTrace.h"
 
 extern char** environ;
@@ -29,13 +29,31 @@ void SetReason(std::string* pError, const std::string& sz)
         *pError = sz;
 }
 
-std::string ErrorFileName()
+// The environment the child gets: ours, with TMPDIR pointing at a folder it can write when ours
+// names one that is missing or read-only (a child would fail on it as we would).
+class LChildEnvironment
 {
-    static std::atomic<int> nCounter{0};
-    const char* szTmp = std::getenv("TMPDIR");
-    return std::string(szTmp && *szTmp ? szTmp : "/tmp") + "/sonitra-child-" + std::to_string(::getpid()) + "-" +
-           std::to_string(++nCounter) + ".err";
-}
+public:
+    LChildEnvironment()
+    {
+        const char* szTmp = std::getenv("TMPDIR");
+        const std::string szUsable = LTempFolder::Path();
+        if (!szTmp || szUsable == szTmp)
+            return;
+        for (char** p = environ; *p; ++p)
+            if (std::strncmp(*p, "TMPDIR=", 7) != 0)
+                vVars.push_back(*p);
+        vVars.push_back("TMPDIR=" + szUsable);
+        for (std::string& sz : vVars)
+            vPointers.push_back(sz.data());
+        vPointers.push_back(nullptr);
+    }
+    char** Get() { return vPointers.empty() ? environ : vPointers.data(); }
+
+private:
+    std::vector<std::string> vVars;
+    std::vector<char*> vPointers;
+};
 
 // A write to a child that went away must fail with EPIPE, not end this program.
 void IgnoreSigPipe()
@@ -87,8 +105,18 @@ bool LChildProcess::Start(const std::vector<std::string>& vArgs, int nPipes, std
                 ::close(fd);
         return false;
     }
-    if (szErrorFile.empty())
-        szErrorFile = ErrorFileName();
+    // The file for its messages is made here, new and ours, before the child can write to it.
+    if (!szErrorFile.empty())
+        ::unlink(szErrorFile.c_str());
+    std::string szWhy;
+    const int fdError = LTempFolder::CreateFile("sonitra-child-", ".err", szErrorFile, &szWhy);
+    if (fdError < 0) {
+        SetReason(pError, szWhy);
+        for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1]})
+            if (fd >= 0)
+                ::close(fd);
+        return false;
+    }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     if (nPipes & PipeIn)
@@ -99,15 +127,16 @@ bool LChildProcess::Start(const std::vector<std::string>& vArgs, int nPipes, std
         posix_spawn_file_actions_adddup2(&actions, outPipe[1], 1);
     else
         posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, szErrorFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions, fdError, 2);
 
     std::vector<char*> vArgv;
     for (const std::string& s : vArgs)
         vArgv.push_back(const_cast<char*>(s.c_str()));
     vArgv.push_back(nullptr);
-    const int nError = posix_spawnp(&pid, vArgv[0], &actions, nullptr, vArgv.data(), environ);
+    LChildEnvironment env;
+    const int nError = posix_spawnp(&pid, vArgv[0], &actions, nullptr, vArgv.data(), env.Get());
     posix_spawn_file_actions_destroy(&actions);
-    for (int fd : {inPipe[0], outPipe[1]})
+    for (int fd : {inPipe[0], outPipe[1], fdError})
         if (fd >= 0)
             ::close(fd);
     if (nError != 0) {

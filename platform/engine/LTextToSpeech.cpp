@@ -1,8 +1,11 @@
 #include "platform/engine/LTextToSpeech.h"
 
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
+#include <unistd.h>
 
+#include "core/LTempFolder.h"
 #include "core/LTrace.h"
 #include "platform/engine/LChildProcess.h"
 
@@ -23,6 +26,37 @@ bool LTextToSpeech::IsVoiceName(const std::string& szVoice)
     return true;
 }
 
+namespace {
+// The text goes to a new file of our own (never one planted in its place), closed exactly once.
+bool WriteTextFile(const std::string& szText, std::string& szTextPath, std::string& szError)
+{
+    std::string szWhy;
+    const int fd = LTempFolder::CreateFile("sonitra-speech-", ".txt", szTextPath, &szWhy);
+    if (fd < 0) {
+        szError = "Unable to write the text to speak: " + szWhy + ".";
+        return false;
+    }
+    size_t nDone = 0;
+    while (nDone < szText.size()) {
+        const ssize_t n = ::write(fd, szText.data() + nDone, szText.size() - nDone);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        nDone += static_cast<size_t>(n);
+    }
+    const bool bWritten = nDone == szText.size();
+    // The descriptor is gone after close() whatever it returns: it is never closed again.
+    const bool bClosed = ::close(fd) == 0;
+    if (!bWritten || !bClosed) {
+        ::unlink(szTextPath.c_str());
+        szError = "Unable to write the text to " + szTextPath + ".";
+        return false;
+    }
+    return true;
+}
+} // namespace
+
 bool LTextToSpeech::Speak(const std::string& szText, const std::string& szVoice, int nWordsPerMinute,
                           const std::string& szWavPath, std::string& szError)
 {
@@ -41,14 +75,9 @@ bool LTextToSpeech::Speak(const std::string& szText, const std::string& szVoice,
         szError = "The speed must be between 80 and 450 words per minute.";
         return false;
     }
-    const std::string szTextPath = szWavPath + ".txt";
-    FILE* f = std::fopen(szTextPath.c_str(), "wb");
-    if (!f || std::fwrite(szText.data(), 1, szText.size(), f) != szText.size() || std::fclose(f) != 0) {
-        if (f)
-            std::fclose(f);
-        szError = "Unable to write the text to " + szTextPath + ".";
+    std::string szTextPath;
+    if (!WriteTextFile(szText, szTextPath, szError))
         return false;
-    }
     int nExit = 0;
     bool bMissing = false;
     std::string szWhy;

@@ -87,7 +87,8 @@ TEST_F(BatchCli, ScriptRefusesWhatTheDialogsRefuse)
     // A record too short for its effect cannot run.
     testsupport::WriteFileBytes(dir.File("short.snb"), {0, 0xA2, 0x0F, 0, 0, 2, 0, 0, 0, 90, 0});
     EXPECT_EQ(Cli("script show " + dir.File("short.snb")), 2);
-    EXPECT_NE(Out().find("GetCommandDataItemData failed because datasize is too small"), std::string::npos) << Out();
+    EXPECT_NE(Err().find("GetCommandDataItemData failed because datasize is too small"), std::string::npos) << Err();
+    EXPECT_NE(Err().find(dir.File("short.snb")), std::string::npos) << Err();
     const std::vector<std::string> v = MakeInputs(1, "one");
     EXPECT_EQ(Cli("batch " + dir.File("short.snb") + " " + v[0] + " --to wav --out " + dir.File("o")), 2);
     EXPECT_NE(Err().find("GetCommandDataItemData failed because datasize is too small"), std::string::npos) << Err();
@@ -205,4 +206,104 @@ TEST_F(BatchCli, OneWorkerAndTwoGiveTheSameBytesAndOutputsNeverReplaceInputs)
     EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0] + " --to xyz"), 64);
     EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0]), 64);
     EXPECT_EQ(Cli("batch " + dir.File("missing.snb") + " " + vIn[0] + " --to wav --out " + dir.File("o")), 2);
+}
+
+// A script cut short or padded is refused before any file is touched: cutting the last 4 bytes
+// once turned AmplifyGain=150 into 0 and wrote silence with success.
+TEST_F(BatchCli, ADamagedScriptRunsNothing)
+{
+    const std::string szScript = dir.File("s.snb");
+    ASSERT_EQ(Cli("script new " + szScript + " fade-in then amplify AmplifyGain=150"), 0) << Err();
+    const std::vector<uint8_t> vScript = testsupport::ReadFileBytes(szScript);
+    const std::vector<std::string> vIn = MakeInputs(2, "in");
+    const std::vector<std::vector<uint8_t>> vDamaged = {
+        std::vector<uint8_t>(vScript.begin(), vScript.end() - 4),
+        [&] {
+            auto v = vScript;
+            v.insert(v.end(), {0, 0, 0});
+            return v;
+        }(),
+    };
+    for (const std::vector<uint8_t>& vBad : vDamaged) {
+        SCOPED_TRACE(vBad.size());
+        testsupport::WriteFileBytes(szScript, vBad);
+        for (const char* szJobs : {"1", "2"}) {
+            EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0] + " " + vIn[1] + " --to wav --out " + dir.File("out") +
+                          " --jobs " + szJobs),
+                      2);
+            EXPECT_NE(Err().find(szScript), std::string::npos) << Err();
+            EXPECT_NE(Err().find(vBad.size() < vScript.size() ? "record 2: cut short" : "record 3: cut short"),
+                      std::string::npos)
+                << Err();
+            EXPECT_NE(testsupport::RunCommand("test -e " + dir.File("out/f0.wav")), 0);
+        }
+        EXPECT_EQ(Cli("script show " + szScript), 2);
+        EXPECT_EQ(Out(), "");
+    }
+}
+
+TEST_F(BatchCli, ShowDescribesTheConversionsFromTheScript)
+{
+    const std::string szScript = dir.File("s.snb");
+    ASSERT_EQ(Cli("script new " + szScript + " convert-sample-rate ConvertSampleRate=8000 then stereo"), 0) << Err();
+    ASSERT_EQ(Cli("script show " + szScript), 0) << Err();
+    EXPECT_NE(Out().find("convert-sample-rate ConvertSampleRate=8000\n   Convert Sample Rate = 8000\n"), std::string::npos)
+        << Out();
+    EXPECT_NE(Out().find("2. stereo\n   Convert Channel = 2\n"), std::string::npos) << Out();
+}
+
+// x.au would become x.wav, which this same batch reads: neither x.au nor x.wav is converted, the
+// other files are, and x.wav stays byte for byte, whether one process runs the batch or two.
+TEST_F(BatchCli, AnOutputThatIsAnyInputIsRefusedForThatFileOnly)
+{
+    const std::string szScript = dir.File("s.snb");
+    ASSERT_EQ(Cli("script new " + szScript + " reverse"), 0) << Err();
+    const std::vector<std::string> vIn = MakeInputs(3, "in");
+    const std::string szAu = dir.File("in/f0.au");
+    const std::string szOtherAu = dir.File("in/f2.au");
+    ASSERT_EQ(Cli("convert " + vIn[1] + " " + szAu), 0) << Err();
+    ASSERT_EQ(Cli("convert " + vIn[2] + " " + szOtherAu), 0) << Err();
+    const std::string szWav = dir.File("in/f0.wav");
+    testsupport::RunCommand("mkdir -p " + dir.File("in/sub") + " && ln -s .. " + dir.File("in/sub/up"));
+    const std::vector<uint8_t> vWavBefore = testsupport::ReadFileBytes(szWav);
+    const std::vector<uint8_t> vAuBefore = testsupport::ReadFileBytes(szAu);
+    for (const char* szJobs : {"1", "2"}) {
+        SCOPED_TRACE(szJobs);
+        // The other input named through a link to its folder is still the same file.
+        ASSERT_EQ(Cli("batch " + szScript + " " + szAu + " " + szOtherAu + " " + dir.File("in/sub/up/f0.wav") +
+                      " --to wav --jobs " + szJobs),
+                  2);
+        const std::string sz = Out();
+        EXPECT_NE(sz.find("1 of 3 files converted; 2 failed:"), std::string::npos) << sz;
+        EXPECT_NE(sz.find("  " + szAu + ": the output " + szWav + " would replace "), std::string::npos) << sz;
+        EXPECT_NE(sz.find("the output would replace the input"), std::string::npos) << sz;
+        EXPECT_EQ(testsupport::ReadFileBytes(szWav), vWavBefore);
+        EXPECT_EQ(testsupport::ReadFileBytes(szAu), vAuBefore);
+        EXPECT_EQ(testsupport::ReadWavSamples16(vIn[2]).size(), 400u);
+    }
+    // Into another folder nothing clashes and all three are converted.
+    EXPECT_EQ(Cli("batch " + szScript + " " + szAu + " " + szOtherAu + " --to wav --out " + dir.File("o")), 0) << Out();
+}
+
+// A $TMPDIR that does not exist no longer stops the helper programs: the workers of a parallel
+// batch start and every file is converted, and an external encoder runs.
+TEST_F(BatchCli, WorkersRunWithAMissingTemporaryFolder)
+{
+    const std::string szScript = dir.File("s.snb");
+    ASSERT_EQ(Cli("script new " + szScript + " fade-in"), 0) << Err();
+    const std::vector<std::string> vIn = MakeInputs(3, "in");
+    const std::string szSaved = szEnv;
+    szEnv += "TMPDIR=" + dir.File("missing") + " ";
+    EXPECT_EQ(Cli("batch " + szScript + " " + vIn[0] + " " + vIn[1] + " " + vIn[2] + " --to wav --out " +
+                  dir.File("o") + " --jobs 2"),
+              0)
+        << Out() << Err();
+    EXPECT_NE(Out().find("3 of 3 files converted."), std::string::npos) << Out();
+    // An encoder run as a child program is not stopped by it either.
+    if (testsupport::HaveTool("flac")) {
+        EXPECT_EQ(Cli("convert " + vIn[0] + " " + dir.File("o/f0.flac")), 0) << Err();
+        EXPECT_EQ(Cli("convert " + dir.File("o/f0.flac") + " " + dir.File("o/back.wav")), 0) << Err();
+        EXPECT_EQ(testsupport::ReadWavSamples16(dir.File("o/back.wav")), testsupport::ReadWavSamples16(vIn[0]));
+    }
+    szEnv = szSaved;
 }

@@ -5,9 +5,15 @@
 #include <cerrno>
 #include <csignal>
 #include <chrono>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
+#include "core/LTempFolder.h"
 #include "platform/engine/LChildProcess.h"
 #include "support/TestSupport.h"
 
@@ -135,4 +141,95 @@ TEST(ChildProcess, WaitsAndReportsTheExitStatusOrAMissingProgram)
     EXPECT_FALSE(LChildProcess::Run({"sonitra-no-such-program"}, &nExit, &szError, &bMissing));
     EXPECT_TRUE(bMissing);
     EXPECT_NE(szError.find("sonitra-no-such-program"), std::string::npos);
+}
+
+namespace {
+// Sets $TMPDIR for the life of the object.
+class TmpDirAs
+{
+public:
+    explicit TmpDirAs(const std::string& sz)
+    {
+        const char* szOld = std::getenv("TMPDIR");
+        bHad = szOld != nullptr;
+        szSaved = szOld ? szOld : "";
+        ::setenv("TMPDIR", sz.c_str(), 1);
+    }
+    ~TmpDirAs()
+    {
+        if (bHad)
+            ::setenv("TMPDIR", szSaved.c_str(), 1);
+        else
+            ::unsetenv("TMPDIR");
+    }
+
+private:
+    bool bHad = false;
+    std::string szSaved;
+};
+} // namespace
+
+// With $TMPDIR naming a folder that is missing or cannot be written, children still start, their
+// messages are still kept, and they are handed a temporary folder they can use.
+TEST(ChildProcess, AnUnusableTemporaryFolderFallsBackToTheSystemsOwn)
+{
+    TempDir dir;
+    std::filesystem::create_directories(dir.File("ro"));
+    ::chmod(dir.File("ro").c_str(), 0500);
+    for (const std::string& szTmp : {dir.File("missing"), dir.File("ro")}) {
+        SCOPED_TRACE(szTmp);
+        if (szTmp == dir.File("ro") && ::access(szTmp.c_str(), W_OK) == 0)
+            continue; // root writes anyway
+        TmpDirAs tmp(szTmp);
+        EXPECT_NE(LTempFolder::Path(), szTmp);
+        LChildProcess child;
+        std::string szError;
+        ASSERT_TRUE(child.Start({"sh", "-c", "echo \"$TMPDIR\"; echo 'the last word' >&2"}, LChildProcess::PipeOut, &szError))
+            << szError;
+        std::string szOut(256, '\0');
+        szOut.resize(child.ReadFull(szOut.data(), szOut.size()));
+        ASSERT_TRUE(child.Wait(10000));
+        EXPECT_EQ(szOut, LTempFolder::Path() + "\n");
+        EXPECT_EQ(child.GetLastErrorLine(), "the last word");
+    }
+    ::chmod(dir.File("ro").c_str(), 0700);
+    // A usable one is used as it is, for us and for the child.
+    TmpDirAs tmp(dir.Path());
+    EXPECT_EQ(LTempFolder::Path(), dir.Path());
+    LChildProcess child;
+    ASSERT_TRUE(child.Start({"sh", "-c", "echo \"$TMPDIR\""}, LChildProcess::PipeOut));
+    std::string szOut(256, '\0');
+    szOut.resize(child.ReadFull(szOut.data(), szOut.size()));
+    EXPECT_EQ(szOut, dir.Path() + "\n");
+}
+
+// Helper files are always new files of our own: two never share a name, only we may read them,
+// and the messages file of a child is gone with the child's object.
+TEST(ChildProcess, HelperFilesAreNewAndPrivate)
+{
+    TempDir dir;
+    TmpDirAs tmp(dir.Path());
+    std::string szA, szB;
+    const int fdA = LTempFolder::CreateFile("t-", ".txt", szA);
+    const int fdB = LTempFolder::CreateFile("t-", ".txt", szB);
+    ASSERT_GE(fdA, 0);
+    ASSERT_GE(fdB, 0);
+    EXPECT_NE(szA, szB);
+    struct stat st;
+    ASSERT_EQ(::fstat(fdA, &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+    EXPECT_NE(::fcntl(fdA, F_GETFD) & FD_CLOEXEC, 0);
+    ::close(fdA);
+    ::close(fdB);
+    {
+        LChildProcess child;
+        ASSERT_TRUE(child.Start({"sh", "-c", "echo x >&2"}, 0));
+        ASSERT_TRUE(child.Wait(10000));
+        size_t nErrFiles = 0;
+        for (const auto& e : std::filesystem::directory_iterator(dir.Path()))
+            nErrFiles += e.path().extension() == ".err";
+        EXPECT_EQ(nErrFiles, 1u);
+    }
+    for (const auto& e : std::filesystem::directory_iterator(dir.Path()))
+        EXPECT_NE(e.path().extension(), ".err") << e.path();
 }

@@ -40,3 +40,29 @@ TEST(TextToSpeech, RefusesBadRequestsAndSaysWhenTheProgramIsMissing)
     EXPECT_FALSE(bSpoke);
     EXPECT_EQ(szError, LTextToSpeech::kMsgMissing);
 }
+
+// The text goes through a helper file in the temporary folder, which an unusable $TMPDIR does not
+// stop, and which is gone afterwards.
+TEST(TextToSpeech, SpeaksWithAMissingTemporaryFolderAndLeavesNoTextBehind)
+{
+    if (!HaveTool("espeak-ng"))
+        GTEST_SKIP() << "espeak-ng is not installed";
+    TempDir dir;
+    const char* szOld = std::getenv("TMPDIR");
+    const std::string szSaved = szOld ? szOld : "";
+    setenv("TMPDIR", dir.File("missing").c_str(), 1);
+    std::string szError;
+    const bool bSpoke = LTextToSpeech::Speak("Hello.", "en", 200, dir.File("a.wav"), szError);
+    setenv("TMPDIR", dir.Path().c_str(), 1);
+    const bool bSpokeHere = LTextToSpeech::Speak("Hello.", "en", 200, dir.File("b.wav"), szError);
+    if (szOld)
+        setenv("TMPDIR", szSaved.c_str(), 1);
+    else
+        unsetenv("TMPDIR");
+    EXPECT_TRUE(bSpoke) << szError;
+    EXPECT_TRUE(bSpokeHere) << szError;
+    size_t nFiles = 0;
+    for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(dir.Path()))
+        ++nFiles;
+    EXPECT_EQ(nFiles, 2u) << "only the two WAV files";
+}

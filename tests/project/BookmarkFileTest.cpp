@@ -95,19 +95,47 @@ TEST(BookmarkList, AWrongVersionLoadsNothing)
     EXPECT_TRUE(v.empty());
 }
 
-TEST(BookmarkList, CountZeroAndShortRecordsLoadWhatIsWhole)
+// A list is loaded whole or not at all: cut anywhere, padded, or with a count its size
+// disagrees with, it is refused with the reason, and nothing is added to the list.
+TEST(BookmarkList, ACountThatDisagreesWithTheSizeIsRefused)
 {
     std::vector<LEdBookMark> v;
-    const std::vector<uint8_t> empty = {0, 0, 'j', 'u', 'n', 'k'};
-    LByteReader in(empty.data(), empty.size());
-    EXPECT_EQ(LBookmarkFile::Read(in, v), LBookmarkFile::Loaded);
+    std::string szWhy;
+    const std::vector<uint8_t> vEmpty = {0, 0};
+    LByteReader in(vEmpty.data(), vEmpty.size());
+    EXPECT_EQ(LBookmarkFile::Read(in, v, &szWhy), LBookmarkFile::Loaded);
     EXPECT_TRUE(v.empty());
 
-    std::vector<uint8_t> shortList = {0, 3};
-    shortList.resize(2 + 529 + 100, 0);
-    LByteReader in2(shortList.data(), shortList.size());
-    EXPECT_EQ(LBookmarkFile::Read(in2, v), LBookmarkFile::Loaded);
-    EXPECT_EQ(v.size(), 1u) << "the short second record is dropped";
+    LByteWriter out;
+    out.U8(0);
+    out.U8(2);
+    LEdBookMark("one", "/a.wav", 10).Write(out);
+    LEdBookMark("two", "/a.wav", 20).Write(out);
+    const std::vector<uint8_t> vWhole = out.Bytes();
+    std::vector<std::vector<uint8_t>> vBad = {{}, {0}, {0, 0, 'j', 'u', 'n', 'k'}};
+    for (size_t nCut : {1u, 4u, 528u, 529u, 600u})
+        vBad.emplace_back(vWhole.begin(), vWhole.end() - static_cast<long>(nCut));
+    for (size_t nPad : {1u, 529u}) {
+        vBad.push_back(vWhole);
+        vBad.back().resize(vWhole.size() + nPad, 0);
+    }
+    for (const std::vector<uint8_t>& vBytes : vBad) {
+        SCOPED_TRACE(std::to_string(vBytes.size()) + " bytes");
+        LByteReader bad(vBytes.data(), vBytes.size());
+        szWhy.clear();
+        EXPECT_EQ(LBookmarkFile::Read(bad, v, &szWhy), LBookmarkFile::Damaged);
+        EXPECT_FALSE(szWhy.empty());
+        EXPECT_TRUE(v.empty());
+    }
+    // A negative position is no place in a file.
+    std::vector<uint8_t> vNegative = vWhole;
+    vNegative[2 + 529 + 523] = 0x80;
+    LByteReader neg(vNegative.data(), vNegative.size());
+    EXPECT_EQ(LBookmarkFile::Read(neg, v, &szWhy), LBookmarkFile::Damaged);
+    EXPECT_EQ(szWhy.rfind("record 2: ", 0), 0u) << szWhy;
+    LByteReader whole(vWhole.data(), vWhole.size());
+    ASSERT_EQ(LBookmarkFile::Read(whole, v, &szWhy), LBookmarkFile::Loaded);
+    EXPECT_EQ(v.size(), 2u);
 }
 
 TEST(BookmarkList, AListHolds255BookmarksAndMoreAreRefusedLeavingTheOldList)

@@ -149,9 +149,55 @@ private slots:
         QVERIFY(!dlg.OpenFile(h->File("v1.snb").toStdString()));
         QCOMPARE(h->prompts.informs.last(),
                  QString("File Error: This file does not have the same version with the current Sonitra version or it is corrupted."));
-        QVERIFY(!dlg.SaveFileTo(h->File("no/such/folder/x.snb").toStdString()));
-        QCOMPARE(h->prompts.informs.last(),
-                 QString("File Error: Sonitra cannot open this file. The file does not exist or may be corrupted."));
+        // Cut short inside its last record: refused, naming the file and the record.
+        QVERIFY(dlg.AddCommandToList(CmNormalizeId));
+        QVERIFY(dlg.AddCommandToList(CmEchoId));
+        QVERIFY(dlg.SaveFileTo(h->File("cut.snb").toStdString()));
+        QVERIFY(QFile::resize(h->File("cut.snb"), QFileInfo(h->File("cut.snb")).size() - 4));
+        dlg.CmNewFile();
+        QVERIFY(!dlg.OpenFile(h->File("cut.snb").toStdString()));
+        QVERIFY2(h->prompts.informs.last().startsWith("File Error: The file \"" + h->File("cut.snb") + "\" is damaged"),
+                 qPrintable(h->prompts.informs.last()));
+        QVERIFY(h->prompts.informs.last().contains("record 2: cut short"));
+        QCOMPARE(dlg.GetList()->count(), 0);
+        // A save that fails names the file and why.
+        const QString szNoFolder = h->File("no/such/folder/x.snb");
+        QVERIFY(!dlg.SaveFileTo(szNoFolder.toStdString()));
+        QVERIFY2(h->prompts.informs.last().startsWith("File Error: Unable to save \"" + szNoFolder + "\""),
+                 qPrintable(h->prompts.informs.last()));
+        QVERIFY(h->prompts.informs.last().contains("No such file or directory"));
+    }
+
+    // Beside their inputs as WAV, x.au would become x.wav, which the same batch reads: both are
+    // refused with the reason, the third file is converted and x.wav stays as it was.
+    void anOutputThatIsAnyInputIsRefusedForThatFileOnly()
+    {
+        // A file is read by its contents, whatever its extension says.
+        WriteWav16(h->File("x.au"), 8000, 1, Ramp(3000));
+        WriteWav16(h->File("x.wav"), 8000, 1, Ramp(2000));
+        WriteWav16(h->File("y.au"), 8000, 1, Ramp(1000));
+        QFile f(h->File("x.wav"));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArray before = f.readAll();
+        f.close();
+        CommandDataItem reverse;
+        QVERIFY(MakeCommandDataItem(CmReverseId, reverse));
+        LBatchOutput output;
+        output.szExtension = ".wav";
+        const std::vector<std::string> vFiles = {h->File("x.au").toStdString(), h->File("x.wav").toStdString(),
+                                                 h->File("y.au").toStdString()};
+        EdBatchConverter proc({reverse}, vFiles, output);
+        QCOMPARE(proc.Run(), int32_t(LProgressDialog::ResultError));
+        const auto& v = proc.GetResults();
+        QCOMPARE(v.size(), size_t(3));
+        QVERIFY(!v[0].bOk);
+        QVERIFY2(v[0].szError.find("would replace " + vFiles[1]) != std::string::npos, v[0].szError.c_str());
+        QVERIFY(!v[1].bOk);
+        QVERIFY2(v[1].szError.find("would replace the input") != std::string::npos, v[1].szError.c_str());
+        QVERIFY(v[2].bOk);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), before);
+        QVERIFY(QFile::exists(h->File("y.wav")));
     }
 
     void filesAndOutputAreChosenAndOneBadFileDoesNotStopTheBatch()

@@ -18,6 +18,7 @@
 #include "ui/macros/LKeyMacroRunner.h"
 #include "ui/macros/LKeysPage.h"
 #include "ui/macros/SelectKeysMacroDlg.h"
+#include "ui/settings/LSettingsDlg.h"
 #include "UiTestSupport.h"
 
 using namespace uitest;
@@ -39,6 +40,52 @@ void AcceptNextSettingsDialog()
 }
 
 const QKeyCombination kMacroKey(Qt::ControlModifier, Qt::Key_J);
+
+// $HOME for the life of the object, with no XDG_CONFIG_HOME to override it.
+class HomeAs
+{
+public:
+    explicit HomeAs(const QString& szHome) : szOldHome(qgetenv("HOME")), szOldConfig(qgetenv("XDG_CONFIG_HOME"))
+    {
+        qputenv("HOME", szHome.toLocal8Bit());
+        qunsetenv("XDG_CONFIG_HOME");
+    }
+    ~HomeAs()
+    {
+        qputenv("HOME", szOldHome);
+        if (!szOldConfig.isEmpty())
+            qputenv("XDG_CONFIG_HOME", szOldConfig);
+    }
+
+private:
+    QByteArray szOldHome;
+    QByteArray szOldConfig;
+};
+
+// Opens the settings, makes a macro (Ctrl+J: Select All, Fade Out) with New on the key macro
+// page and accepts the settings; the number of messages the user was shown meanwhile.
+int NewMacroThroughTheSettings(const QStringList& informs)
+{
+    const int nBefore = static_cast<int>(informs.size());
+    LSettingsDlg dlg(nullptr);
+    // The page has no meta-object of its own: it is found by name.
+    auto* pPage = dynamic_cast<LKeysPage*>(dlg.findChild<QWidget*>("KeysPage"));
+    if (!pPage)
+        return -1;
+    QTimer::singleShot(0, [] {
+        auto* pMacro = qobject_cast<SelectKeysMacroDlg*>(QApplication::activeModalWidget());
+        if (!pMacro)
+            return;
+        pMacro->GetKeyField()->setKeySequence(QKeySequence(kMacroKey));
+        pMacro->AddCommands({CmSelectAllId, CmFadeOutId});
+        pMacro->CmOk();
+    });
+    pPage->CmNewMacro();
+    if (pPage->GetMacros().size() != 1)
+        return -1;
+    dlg.accept();
+    return static_cast<int>(informs.size()) - nBefore;
+}
 } // namespace
 
 class KeyMacroTest : public QObject, public FrameFixture
@@ -124,6 +171,31 @@ private slots:
         dlg.GetCommandList()->setCurrentRow(1);
         dlg.CmMoveCommand(-1);
         QCOMPARE(dlg.GetMacro().vCommands, (std::vector<uint32_t>{CmFadeOutId, CmSelectAllId}));
+    }
+
+    // File > Settings > Key Macros > New on a fresh install, where no data folder exists yet: the
+    // macro is saved, the folder made; where the folder cannot be made the message names the file.
+    void aNewMacroIsSavedOnAFreshInstall()
+    {
+        HomeAs home(h->File("home"));
+        LSettings::Store().DeleteValue("Folders", "Current");
+        const QString szKeys = h->File("home/.config/Korvane/Sonitra/Current/keys.dat");
+        QVERIFY(!QFileInfo::exists(h->File("home")));
+        QCOMPARE(NewMacroThroughTheSettings(h->prompts.informs), 0);
+        QVERIFY2(h->prompts.informs.isEmpty(), qPrintable(h->prompts.informs.join("\n")));
+        std::vector<LKeyMacro> vMacros;
+        QCOMPARE(LKeyMacroFile::Load(szKeys.toStdString(), vMacros), LListLoad::Loaded);
+        QCOMPARE(vMacros.size(), size_t(1));
+        QCOMPARE(vMacros[0].vCommands, (std::vector<uint32_t>{CmSelectAllId, CmFadeOutId}));
+        QCOMPARE(vMacros[0].uKey, static_cast<uint32_t>(kMacroKey.toCombined()));
+
+        // A home that is a file: nothing can be made under it.
+        WriteWav16(h->File("plainhome"), 8000, 1, {});
+        HomeAs plain(h->File("plainhome"));
+        QCOMPARE(NewMacroThroughTheSettings(h->prompts.informs), 1);
+        const QString szPath = h->File("plainhome/.config/Korvane/Sonitra/Current/keys.dat");
+        QVERIFY2(h->prompts.informs.last().startsWith("File Error: Unable to save \"" + szPath + "\""),
+                 qPrintable(h->prompts.informs.last()));
     }
 
     void versionMismatchIsToldAndTheListStaysEmpty()

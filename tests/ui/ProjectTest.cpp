@@ -243,6 +243,32 @@ private slots:
         QVERIFY2(!QFile::exists(h->File("song.snm")), "an empty list removes the file");
     }
 
+    // A list beside the file that is damaged is not half-read: the user is told which file and
+    // why, and neither setting a bookmark nor closing the file writes over it.
+    void aDamagedBookmarkListIsToldAndKept()
+    {
+        const QString szA = MakeWav("song.wav", 4000, 1);
+        std::vector<LEdBookMark> v = {LEdBookMark("one", szA.toStdString(), 10), LEdBookMark("two", szA.toStdString(), 20)};
+        QVERIFY(LBookmarkFile::Save(szA.toStdString(), v));
+        const QString szList = h->File("song.snm");
+        QVERIFY(QFile::resize(szList, QFileInfo(szList).size() - 4));
+        QFile f(szList);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArray before = f.readAll();
+        f.close();
+        LEdFileWindow* pA = Open(szA);
+        QVERIFY(pA);
+        QTRY_VERIFY(!h->prompts.informs.isEmpty());
+        QVERIFY2(h->prompts.informs.last().startsWith("File Error: The file \"" + szList + "\" is damaged"),
+                 qPrintable(h->prompts.informs.last()));
+        QVERIFY(frame->GetBookmarks().empty());
+        pA->SetCursorPosition(100);
+        QVERIFY(frame->Command(CmSetBookmarkId));
+        QVERIFY(frame->Command(CmCloseId));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), before);
+    }
+
     void regionsAssembleWithGaps()
     {
         LEdFileWindow* pA = Open(MakeWav("a.wav", 8000, 1));

@@ -199,15 +199,13 @@ void LSelectBatchCommandDlg::CmOpenFile()
 bool LSelectBatchCommandDlg::OpenFile(const std::string& szPath)
 {
     std::vector<CommandDataItem> vItems;
-    switch (LBatchScript::Load(szPath, vItems)) {
-    case LListLoad::Missing:
-        LUiPrompts::Get().Inform(this, LListFile::kCaption, LListFile::kCannotCreateMessage, LUiPrompts::IconInformation);
+    std::string szWhy;
+    const LListLoad result = LBatchScript::Load(szPath, vItems, &szWhy);
+    if (result != LListLoad::Loaded) {
+        LUiPrompts::Get().Inform(this, LListFile::kCaption,
+                                 QString::fromStdString(LListFile::LoadMessage(result, szPath, szWhy)),
+                                 result == LListLoad::Missing ? LUiPrompts::IconInformation : LUiPrompts::IconError);
         return false;
-    case LListLoad::BadVersion:
-        LUiPrompts::Get().Inform(this, LListFile::kCaption, LListFile::kVersionMessage, LUiPrompts::IconError);
-        return false;
-    case LListLoad::Loaded:
-        break;
     }
     szFilePath = szPath;
     RememberFolder(szPath);
@@ -234,8 +232,11 @@ bool LSelectBatchCommandDlg::CmSaveFileAs()
 
 bool LSelectBatchCommandDlg::SaveFileTo(const std::string& szPath)
 {
-    if (!LBatchScript::Save(szPath, GetItems())) {
-        LUiPrompts::Get().Inform(this, LListFile::kCaption, LListFile::kCannotCreateMessage, LUiPrompts::IconInformation);
+    std::string szError;
+    if (!LBatchScript::Save(szPath, GetItems(), &szError)) {
+        LUiPrompts::Get().Inform(this, LListFile::kCaption,
+                                 QString::fromStdString(LListFile::SaveFailedMessage(szPath, szError)),
+                                 LUiPrompts::IconInformation);
         return false;
     }
     szFilePath = szPath;

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "dsp/effects/LCurveFile.h"
+#include "lists/LListFile.h"
 #include "ui/LUiPrompts.h"
 #include "ui/effects/LBrainWaveWindow.h"
 
@@ -46,7 +47,12 @@ void LCurveDlg::accept()
         return;
     }
     const char* szFile = curve == Equalizer ? LCurveFile::kEqualizerFile : LCurveFile::kEnvelopeFile;
-    LCurveFile::Save(LCurveFile::PathOf(szFile), GetPoints());
+    const std::string szPath = LCurveFile::PathOf(szFile);
+    std::string szError;
+    // The curve is still used for this run; only remembering it for next time failed.
+    if (!LCurveFile::Save(szPath, GetPoints(), &szError))
+        LUiPrompts::Get().Inform(this, "File Error", QString::fromStdString(LListFile::SaveFailedMessage(szPath, szError)),
+                                 LUiPrompts::IconWarning);
     QDialog::accept();
 }
 

@@ -42,8 +42,13 @@ void LKeyMacroRunner::Reload()
     for (QAction* p : vActions)
         delete p;
     vActions.clear();
-    if (LKeyMacroFile::Load(LKeyMacroFile::DefaultPath(), vMacros) == LListLoad::BadVersion)
-        LUiPrompts::Get().Inform(pFrame, LListFile::kCaption, LListFile::kVersionMessage, LUiPrompts::IconError);
+    const std::string szPath = LKeyMacroFile::DefaultPath();
+    std::string szWhy;
+    const LListLoad result = LKeyMacroFile::Load(szPath, vMacros, &szWhy);
+    if (result == LListLoad::BadVersion || result == LListLoad::Damaged)
+        LUiPrompts::Get().Inform(pFrame, LListFile::kCaption,
+                                 QString::fromStdString(LListFile::LoadMessage(result, szPath, szWhy)),
+                                 LUiPrompts::IconError);
     for (size_t i = 0; i < vMacros.size(); ++i) {
         // A key the menus took meanwhile stays theirs.
         if (!LMacroCommands::WhyRefused(vMacros[i].uKey).isEmpty()) {

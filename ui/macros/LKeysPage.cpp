@@ -14,8 +14,13 @@
 LKeysPage::LKeysPage(QWidget* pParent) : LSettingsPage(pParent)
 {
     setObjectName("KeysPage");
-    if (LKeyMacroFile::Load(LKeyMacroFile::DefaultPath(), vMacros) == LListLoad::BadVersion)
-        LUiPrompts::Get().Inform(this, LListFile::kCaption, LListFile::kVersionMessage, LUiPrompts::IconError);
+    const std::string szPath = LKeyMacroFile::DefaultPath();
+    std::string szWhy;
+    const LListLoad result = LKeyMacroFile::Load(szPath, vMacros, &szWhy);
+    if (result == LListLoad::BadVersion || result == LListLoad::Damaged)
+        LUiPrompts::Get().Inform(this, LListFile::kCaption,
+                                 QString::fromStdString(LListFile::LoadMessage(result, szPath, szWhy)),
+                                 LUiPrompts::IconError);
     pList = new QListWidget(this);
     pList->setObjectName("MacroList");
     connect(pList, &QListWidget::itemDoubleClicked, this, [this] { QTimer::singleShot(0, this, &LKeysPage::CmEditMacro); });
@@ -105,8 +110,11 @@ void LKeysPage::Save()
 {
     if (!bChanged)
         return;
-    if (!LKeyMacroFile::Save(LKeyMacroFile::DefaultPath(), vMacros)) {
-        LUiPrompts::Get().Inform(this, LListFile::kCaption, LListFile::kCannotCreateMessage,
+    const std::string szPath = LKeyMacroFile::DefaultPath();
+    std::string szError;
+    if (!LKeyMacroFile::Save(szPath, vMacros, &szError)) {
+        LUiPrompts::Get().Inform(this, LListFile::kCaption,
+                                 QString::fromStdString(LListFile::SaveFailedMessage(szPath, szError)),
                                  LUiPrompts::IconInformation);
         return;
     }

@@ -138,6 +138,10 @@ void SelectKeysMacroDlg::CmOk()
                     .arg(LMacroCommands::KeyOf(uKey).toString(QKeySequence::NativeText));
     if (szWhy.isEmpty() && macro.vCommands.empty())
         szWhy = tr("Please add at least one command to the macro.");
+    if (szWhy.isEmpty() && macro.vCommands.size() > LKeyMacroFile::kMaxCommands)
+        szWhy = tr("A macro can hold at most %1 commands; this one has %2. Please remove some.")
+                    .arg(LKeyMacroFile::kMaxCommands)
+                    .arg(macro.vCommands.size());
     if (!szWhy.isEmpty()) {
         LUiPrompts::Get().Inform(this, "Sonitra", szWhy, LUiPrompts::IconWarning);
         return;
