@@ -158,6 +158,10 @@ void MainDialog::UpdateUndoMenuItem()
         return;
     pUndo->setText(QString::fromStdString(pFile ? pFile->GetUndoMenuText() : std::string("Undo \tCtrl+Z")));
     pUndo->setEnabled(pFile && pFile->IsUndoAvailable());
+    if (QAction* pRedo = GetAction(CmRedoId)) {
+        pRedo->setText(QString::fromStdString(pFile ? pFile->GetRedoMenuText() : std::string("Redo \tCtrl+Y")));
+        pRedo->setEnabled(pFile && pFile->IsRedoAvailable());
+    }
 }
 
 void MainDialog::UpdateMenuStates()
@@ -215,6 +219,8 @@ bool MainDialog::IsCommandEnabled(int nId) const
         return !bBusy && !pTransport->IsPlaying();
     case CmUndoId:
         return bFile && !bBusy && pWindow->GetFile().IsUndoAvailable();
+    case CmRedoId:
+        return bFile && !bBusy && pWindow->GetFile().IsRedoAvailable();
     case CmCutId:
     case CmCopyId:
     case CmDeleteId:

@@ -167,6 +167,9 @@ private:
     // MainDialogEdit.cpp
     bool CmEdit(int nId);
     void CmUndo();
+    void CmRedo();
+    // Undo or redo on the current file, with the window and menus following.
+    void StepHistory(bool bRedo);
     void CmCut();
     void CmCopy();
     void CmPaste();
@@ -235,6 +238,8 @@ private:
     void OnSubWindowActivated(QMdiSubWindow* pSub);
     void OnFileSelectionChanged();
     void OnFileScroll(int32_t sTarget);
+    // A time typed into a selection field: moves the selection, or says why not.
+    void OnTimeTyped(int nField, const QString& szText);
     void UpdateStatusLine();
     // The pop-up menu of the waveform: the Edit commands, the Effects, bookmark and region.
     void TrackWaveWindowMenu(const QPoint& ptGlobal);

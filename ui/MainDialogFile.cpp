@@ -382,7 +382,12 @@ void MainDialog::CmExit()
 void MainDialog::CmSetting()
 {
     LSettingsDlg dlg(this);
-    if (dlg.exec() != QDialog::Accepted || !dlg.WorkingFolderChanged())
+    if (dlg.exec() != QDialog::Accepted)
+        return;
+    for (LEdFileWindow* pWindow : GetFileWindows())
+        pWindow->GetFile().SetUndoCapacity(LEdFile::ConfiguredUndoLevels());
+    UpdateUndoMenuItem();
+    if (!dlg.WorkingFolderChanged())
         return;
     // The segments of the open files live in the old folder: the change takes a fresh start.
     LUiPrompts::Get().Inform(this, "Shut Down Required",

@@ -58,8 +58,12 @@ QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
     pAction->setObjectName(QString("cmd%1").arg(nId));
     pAction->setStatusTip(LCommandTable::Hint(nId));
     pAction->setData(nId);
-    if (*pInfo->szAccel && !HandledAsHeldKey(nId))
-        pAction->setShortcut(KeyOf(pInfo->szAccel));
+    if (*pInfo->szAccel && !HandledAsHeldKey(nId)) {
+        QList<QKeySequence> keys{KeyOf(pInfo->szAccel)};
+        if (*pInfo->szAccel2)
+            keys << KeyOf(pInfo->szAccel2);
+        pAction->setShortcuts(keys);
+    }
     connect(pAction, &QAction::triggered, this, [this, nId] { QueueCommand(nId); });
     if (pMenu)
         pMenu->addAction(pAction);
@@ -83,7 +87,7 @@ void MainDialog::BuildMenus()
           {kSubmenu, "Convert Channels"}, {CmMonoId, nullptr}, {CmStereoId, nullptr}, {kEndSubmenu, nullptr},
           {kSeparator, nullptr}, {CmSettingsId, nullptr}}},
         {"&Edit",
-         {{CmUndoId, nullptr}, {kSeparator, nullptr}, {CmCutId, nullptr}, {CmCopyId, nullptr}, {CmPasteId, nullptr},
+         {{CmUndoId, nullptr}, {CmRedoId, nullptr}, {kSeparator, nullptr}, {CmCutId, nullptr}, {CmCopyId, nullptr}, {CmPasteId, nullptr},
           {CmPasteFromClipboardId, nullptr}, {CmPasteMixId, nullptr}, {CmPasteMixFromClipboardId, nullptr},
           {CmDeleteId, nullptr}, {kSeparator, nullptr}, {CmSelectAllId, nullptr}, {CmSelectToStartId, nullptr},
           {CmSelectToEndId, nullptr}, {kSeparator, nullptr}, {CmMixFileId, nullptr}, {CmRepeatLoopId, nullptr},
@@ -178,6 +182,7 @@ void MainDialog::BuildToolBar()
         {CmOpenId, QStyle::SP_DialogOpenButton, "Open File"},
         {CmSaveId, QStyle::SP_DialogSaveButton, "Save File"},
         {CmUndoId, QStyle::SP_ArrowBack, "Undo (Ctrl+Z)"},
+        {CmRedoId, QStyle::SP_ArrowForward, "Redo (Ctrl+Y)"},
     };
     for (const Tool& t : tools) {
         QAction* pAction = GetAction(t.nId);
@@ -198,6 +203,7 @@ void MainDialog::BuildToolBar()
     pTimeBar->setObjectName("TimeBar");
     pTimeFields = new LTimeFields(pTimeBar);
     pTimeBar->addWidget(pTimeFields);
+    connect(pTimeFields, &LTimeFields::TimeTyped, this, &MainDialog::OnTimeTyped);
     addToolBar(pTimeBar);
 }
 

@@ -56,7 +56,7 @@ QString LMacroCommands::WhyRefused(uint32_t uKey)
     const QString szKey = key.toString(QKeySequence::NativeText);
     for (int nId : All()) {
         const LCommandInfo* pInfo = LCommandTable::Find(nId);
-        if (*pInfo->szAccel && AccelKey(pInfo->szAccel) == key)
+        if ((*pInfo->szAccel && AccelKey(pInfo->szAccel) == key) || (*pInfo->szAccel2 && AccelKey(pInfo->szAccel2) == key))
             return QObject::tr("The key %1 is already used by the menu command \"%2\". Please choose another key.")
                 .arg(szKey, NameOf(static_cast<uint32_t>(nId)));
     }

@@ -215,7 +215,7 @@ void LSpectrumWindow::Follow()
         std::snprintf(sz, sizeof sz, "%p %d %d %d %d %d ", static_cast<void*>(pWindow), file.GetSelStart(),
                       file.GetSelEnd(), bPlaying ? sPlayPosition : file.GetCursor(), file.GetDocument().GetLength(),
                       nSize);
-        szKey = sz + file.GetUndoMenuText();
+        szKey = sz + std::to_string(file.GetChangeSerial());
     }
     if (szKey != szLastKey)
         Analyse(szKey);
