@@ -68,6 +68,11 @@ public:
     LEdWaveWindow* GetDetail() const { return pDetail; }
     LEdWaveWindow* GetOverview() const { return pOverview; }
     QScrollBar* GetScrollBar() const { return pScroll; }
+    // The row of the vertical-zoom box, the display-mode buttons and the zoom buttons.
+    QWidget* GetControlRow() const { return pControlRow; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     int32_t GetScrollTarget() const { return sScrollTarget; }
 
 signals:
@@ -78,6 +83,7 @@ signals:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
 
 private:
     void OnDetailNotify(int nCode);
@@ -87,6 +93,7 @@ private:
     void PushSelectionAndCursor();
     void UpdateThumb();
     void ApplyViewToFile(const LViewRange& view);
+    void LayoutChildren();
 
     std::unique_ptr<LEdFile> pFile;
     std::string szPath;
@@ -102,5 +109,6 @@ private:
     QRadioButton* pPosNeg = nullptr;
     QRadioButton* pLeftRight = nullptr;
     QScrollBar* pScroll = nullptr;
+    QWidget* pControlRow = nullptr;
     QTimer* pAutoScrollTimer = nullptr;
 };

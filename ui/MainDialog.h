@@ -30,6 +30,8 @@ class LTimeFields;
 class LTransport;
 class LTransportBar;
 class QAction;
+class QIcon;
+class QRect;
 class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
@@ -64,9 +66,15 @@ public:
     void UpdateMenuStates();
 
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
-    // the user told why, when it cannot be read.
+    // the user told why, when it cannot be read. A file already open has its window activated.
     bool LoadFile(const std::string& szPath);
     void WarnIfCutShort(const std::string& szPath, LSoundSourceBase& source);
+    // The open window of a file, by path; null when it is not open.
+    LEdFileWindow* FindWindowByPath(const std::string& szPath) const;
+    // Brings a file window to the front (restoring it when minimized) and makes it current.
+    void ActivateFileWindow(LEdFileWindow* pWindow);
+    // The program's icon, shown by the frame and every file window.
+    static QIcon AppIcon();
     // Gives a new document its own window; the frame takes ownership.
     LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath, const std::string& szName);
     // Saves a file to its own path; false (and the file stays modified) when it fails.
@@ -144,6 +152,8 @@ private:
     void BuildToolBar();
     void RebuildRecentMenu();
     void RebuildWindowMenu();
+    // Rebuilds it from the event loop, once however often asked.
+    void ScheduleWindowMenu();
     bool IsCommandEnabled(int nId) const;
 
     // MainDialogCd.cpp
@@ -163,6 +173,8 @@ private:
     void CmSetting();
     void CmRecent(int nIndex);
     bool CloseAllFiles();
+    // Where a new file window goes: inside the area, cascading from the newest window.
+    QRect NextChildPlace(QMdiSubWindow* pNew) const;
 
     // MainDialogEdit.cpp
     bool CmEdit(int nId);
@@ -254,6 +266,7 @@ private:
     std::vector<QAction*> vRecentActions;
     std::vector<QAction*> vWindowActions;
     QAction* pWindowSeparator = nullptr;
+    bool bWindowMenuQueued = false;
     LTransportBar* pTransportBar = nullptr;
     LTimeFields* pTimeFields = nullptr;
     QLabel* pStatusFormat = nullptr;

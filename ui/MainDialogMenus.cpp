@@ -6,6 +6,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QPointer>
 #include <QStyle>
 #include <QToolBar>
 
@@ -236,18 +237,44 @@ void MainDialog::RebuildRecentMenu()
     }
 }
 
+void MainDialog::ScheduleWindowMenu()
+{
+    // A window that is going may still be in the area's list while its signals run.
+    if (bWindowMenuQueued)
+        return;
+    bWindowMenuQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        bWindowMenuQueued = false;
+        RebuildWindowMenu();
+    });
+}
+
 void MainDialog::RebuildWindowMenu()
 {
-    for (QAction* p : vWindowActions)
-        delete p;
+    // Rebuilt whenever a window comes, goes, is renamed or activated, perhaps from an item's own
+    // signal: the old items go later.
+    for (QAction* p : vWindowActions) {
+        pWindowMenu->removeAction(p);
+        p->deleteLater();
+    }
     vWindowActions.clear();
-    const QList<QMdiSubWindow*> subs = pMdi->subWindowList();
-    for (int i = 0; i < subs.size(); ++i) {
-        QMdiSubWindow* pSub = subs[i];
-        auto* pAction = pWindowMenu->addAction(QString("&%1 %2").arg(i + 1).arg(pSub->windowTitle()));
+    const QList<QMdiSubWindow*> subs = pMdi->subWindowList(QMdiArea::CreationOrder);
+    int nItem = 0;
+    for (QMdiSubWindow* pSub : subs) {
+        auto* pWindow = qobject_cast<LEdFileWindow*>(pSub->widget());
+        if (!pWindow)
+            continue;
+        ++nItem;
+        auto* pAction = pWindowMenu->addAction(QString("&%1 %2").arg(nItem).arg(pSub->windowTitle()));
+        pAction->setObjectName(QString("window%1").arg(nItem));
+        pAction->setStatusTip(tr("Activates this window."));
         pAction->setCheckable(true);
         pAction->setChecked(pSub == pMdi->currentSubWindow());
-        connect(pAction, &QAction::triggered, this, [this, pSub] { pMdi->setActiveSubWindow(pSub); });
+        QPointer<LEdFileWindow> pGuard(pWindow);
+        connect(pAction, &QAction::triggered, this, [this, pGuard] {
+            if (pGuard)
+                ActivateFileWindow(pGuard);
+        });
         vWindowActions.push_back(pAction);
     }
 }

@@ -80,6 +80,7 @@ bool MainDialog::CmWindow(int nId)
 
 void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
 {
+    ScheduleWindowMenu();
     LoadBookmarksFor(GetCurrentFileWindow());
     SetWindowCaption();
     UpdateMenuStates();
