@@ -257,6 +257,12 @@ void LEdFileWindow::SetSelection(int32_t sStart, int32_t sEnd)
     emit SelectionChanged();
 }
 
+void LEdFileWindow::SetMarks(const std::vector<LWaveMark>& vMarks)
+{
+    pDetail->SetMarks(vMarks);
+    pOverview->SetMarks(vMarks);
+}
+
 void LEdFileWindow::ScrollViewTo(int32_t sStart)
 {
     const int32_t sLength = pFile->GetDocument().GetLength();

@@ -7,9 +7,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "formats/LAudioFile.h"
 #include "ui/LEdViewMath.h"
+#include "ui/LWaveMarks.h"
 
 class LEdFile;
 class LEdWaveWindow;
@@ -61,6 +63,8 @@ public:
     // Moves the cursor (clearing no selection) and scrolls the detail view to show it.
     void SetCursorPosition(int32_t sPosition);
     void SetSelection(int32_t sStart, int32_t sEnd);
+    // The file's bookmarks and regions, for both displays.
+    void SetMarks(const std::vector<LWaveMark>& vMarks);
     // Makes the view start at the position, keeping its length (a scroll of the detail view).
     void ScrollViewTo(int32_t sStart);
     void ApplyScrollAction(LEdViewMath::ScrollAction action, int nThumb);

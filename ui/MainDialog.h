@@ -125,6 +125,8 @@ public:
     // told once the change has finished).
     void BookmarksChanged(const std::string& szKey);
     void RegionsChanged();
+    // Gives every file window its bookmarks and regions to draw.
+    void UpdateMarks();
     // A new document of the regions marked for it, in order, with "AutoGapTime" ms of silence
     // between them when "AutoGap" is set; null when there is none.
     LCutListAudioPtr AssembleRegions();

@@ -582,6 +582,7 @@ void MainDialog::StopRecovery()
 
 void MainDialog::NoteChange()
 {
+    UpdateMarks();
     bProjectChanged = true;
     WriteRecovery();
 }

@@ -82,11 +82,27 @@ void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
 {
     ScheduleWindowMenu();
     LoadBookmarksFor(GetCurrentFileWindow());
+    UpdateMarks();
     SetWindowCaption();
     UpdateMenuStates();
     UpdateTimeFields();
     UpdateStatusLine();
     emit CurrentFileChanged();
+}
+
+void MainDialog::UpdateMarks()
+{
+    for (LEdFileWindow* pWindow : GetFileWindows()) {
+        const std::string szKey = FileKey(pWindow);
+        std::vector<LWaveMark> v;
+        for (const LEdRegion& r : vRegions)
+            if (r.GetPath() == szKey)
+                v.push_back({r.sStart, r.sEnd, QString::fromStdString(r.GetName()), true});
+        for (const LEdBookMark& b : vBookmarks)
+            if (b.GetPath() == szKey)
+                v.push_back({b.sPosition, b.sPosition, QString::fromStdString(b.GetName()), false});
+        pWindow->SetMarks(v);
+    }
 }
 
 void MainDialog::OnFileSelectionChanged()
