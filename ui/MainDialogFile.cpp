@@ -98,12 +98,14 @@ bool MainDialog::LoadFile(const std::string& szPath)
     }
     if (LEdFileWindow* pOpen = FindWindowByPath(szPath)) {
         ActivateFileWindow(pOpen);
+        recent.Add(pOpen->GetPath(), static_cast<int64_t>(std::time(nullptr)));
+        RebuildRecentMenu();
         return true;
     }
     const std::string szName = LFile::FileNameOf(szPath);
     // A format read by settings of its own (a headerless file) offers them first.
     const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
-    if (pFormat && !LUiPrompts::Get().AskOpenOptions(this, pFormat->GetName()))
+    if (pFormat && !LUiPrompts::Get().AskOpenOptions(this, pFormat->GetName(), szPath))
         return false;
     std::string szError;
     LAudioFileDetails details;
@@ -329,10 +331,15 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
 
 bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
 {
-    QString szFolder = QString::fromStdString(LSettings::GetString(kFolders, "SaveAsDir", QDir::homePath().toStdString()));
-    const QString szStart = pWindow->GetPath().empty()
-                                ? QDir(szFolder).filePath(QString::fromStdString(pWindow->GetName()) + ".wav")
-                                : QDir(szFolder).filePath(QFileInfo(QString::fromStdString(pWindow->GetPath())).completeBaseName() + ".wav");
+    // A file with a path starts beside itself; a new one where the last Save As went.
+    const QFileInfo own(QString::fromStdString(pWindow->GetPath()));
+    const LAudioFormat* pOwnFormat = pWindow->GetPath().empty() ? nullptr : LAudioFormat::ByExtension(pWindow->GetPath());
+    const QString szStart =
+        pWindow->GetPath().empty()
+            ? QDir(QString::fromStdString(LSettings::GetString(kFolders, "SaveAsDir", QDir::homePath().toStdString())))
+                  .filePath(QString::fromStdString(pWindow->GetName()) + ".wav")
+            : own.absoluteDir().filePath(pOwnFormat && pOwnFormat->CanWrite() ? own.fileName()
+                                                                              : own.completeBaseName() + ".wav");
     QString szChosen = LUiPrompts::Get().GetSaveFileName(this, "Save Audio File As", szStart, LAudioFilters::Save());
     if (szChosen.isEmpty())
         return false;

@@ -35,6 +35,8 @@ public:
     QStringList questions;
     QStringList informs;
     QStringList dialogTitles;
+    QStringList dialogStarts;  // the folder or path each file dialog started at
+    QStringList dialogFilters;
 
     Answer Ask(QWidget*, const QString&, const QString& szText, bool) override
     {
@@ -49,18 +51,23 @@ public:
     {
         informs << szCaption + ": " + szText;
     }
-    QStringList GetOpenFileNames(QWidget*, const QString& szTitle, const QString&, const QString&) override
+    QStringList GetOpenFileNames(QWidget*, const QString& szTitle, const QString& szStart,
+                                 const QString& szFilter) override
     {
         dialogTitles << szTitle;
+        dialogStarts << szStart;
+        dialogFilters << szFilter;
         if (openNames.empty())
             return {};
         QStringList v = openNames.front();
         openNames.pop_front();
         return v;
     }
-    QString GetSaveFileName(QWidget*, const QString& szTitle, const QString&, const QString&) override
+    QString GetSaveFileName(QWidget*, const QString& szTitle, const QString& szStart, const QString& szFilter) override
     {
         dialogTitles << szTitle;
+        dialogStarts << szStart;
+        dialogFilters << szFilter;
         if (saveNames.empty())
             return {};
         QString v = saveNames.front();

@@ -3,6 +3,7 @@
 #include <QObject>
 
 #include "ui/LCommandTable.h"
+#include "ui/LMenuLayout.h"
 
 namespace {
 QKeySequence AccelKey(const char* szAccel)
@@ -36,6 +37,12 @@ QString LMacroCommands::NameOf(uint32_t uId)
     QString sz = QString::fromUtf8(pInfo->szText).trimmed();
     sz.remove('&');
     return sz;
+}
+
+QString LMacroCommands::PathOf(uint32_t uId)
+{
+    const QString szPath = uId < 100000 ? LMenuLayout::PathOf(static_cast<int>(uId)) : QString();
+    return szPath.isEmpty() ? NameOf(uId) : szPath;
 }
 
 QKeySequence LMacroCommands::KeyOf(uint32_t uKey)
