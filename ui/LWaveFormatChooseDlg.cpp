@@ -11,7 +11,7 @@ namespace {
 QString Channels(uint16_t n, uint8_t nDocChans)
 {
     if (n == 1 && nDocChans == 2)
-        return QString("Mono (left channel)"); // how the save turns a stereo sound into one channel
+        return QString("Mono (both channels mixed)"); // how the save turns a stereo sound into one
     return n == 1 ? QString("Mono") : (n == 2 ? QString("Stereo") : QString::number(n));
 }
 

@@ -138,7 +138,7 @@ private slots:
                 // Stereo throughout, but for a mono-only codec whose rows say what saving does.
                 if (pRow->text(0) == "GSM 6.10") {
                     bGsm = true;
-                    QCOMPARE(pRow->text(2), QString("Mono (left channel)"));
+                    QCOMPARE(pRow->text(2), QString("Mono (both channels mixed)"));
                 } else {
                     QCOMPARE(pRow->text(2), QString("Stereo"));
                 }
