@@ -1,5 +1,6 @@
 #include "ui/LAudioFilters.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 #include "formats/LAudioFormat.h"
@@ -19,12 +20,20 @@ QString Patterns(const std::string& szList)
     return out.join(' ');
 }
 
+// "Wave Files(*.wav)" names its patterns already: the dialog adds them again, so they go.
+QString LabelOf(const std::string& szLabel)
+{
+    QString s = QString::fromStdString(szLabel);
+    s.remove(QRegularExpression("\\s*\\([^()]*\\)\\s*$"));
+    return s.trimmed();
+}
+
 QString Filter(const std::vector<LAudioFileType>& vTypes)
 {
     QStringList filters;
     filters << QString("Audio Files (%1)").arg(Patterns(LAudioFormat::AllPatterns(vTypes)));
     for (const LAudioFileType& type : vTypes)
-        filters << QString("%1 (%2)").arg(QString::fromStdString(type.szLabel), Patterns(type.szPatterns));
+        filters << QString("%1 (%2)").arg(LabelOf(type.szLabel), Patterns(type.szPatterns));
     filters << "All Files (*)";
     return filters.join(";;");
 }

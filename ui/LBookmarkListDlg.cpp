@@ -60,7 +60,7 @@ void LBookmarkListDlg::AddRows()
         LSoundTime t;
         t.SetSamples(b.sPosition, RateOf(frame, b.GetPath()));
         const QString szLast = b.nLastVisited == 0
-                                   ? QString("Never")
+                                   ? QString("-")
                                    : QDateTime::fromSecsSinceEpoch(b.nLastVisited).toString("yyyy-MM-dd hh:mm:ss");
         auto* pItem = new QTreeWidgetItem(pList, {QString::fromStdString(b.GetName()),
                                                   QString::fromStdString(t.FormatMilliseconds()),

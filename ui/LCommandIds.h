@@ -49,6 +49,7 @@ enum LCommandId
     CmSelectToEndId = 2023,
     CmPasteFromClipboardId = 2025,
     CmPasteMixFromClipboardId = 2026,
+    CmRedoId = 2027,
 
     CmRecordId = 3001,
     CmPlayId = 3002,

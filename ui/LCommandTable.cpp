@@ -25,6 +25,7 @@ const LCommandInfo kCommands[] = {
     {CmExitId, "E&xit", "Alt+F4", "Quit"},
 
     {CmUndoId, "Undo ", "Ctrl+Z", "Reverses (undo) the last action."},
+    {CmRedoId, "Redo ", "Ctrl+Y", "Repeats the last action that was undone.", "Ctrl+Shift+Z"},
     {CmCutId, "Cut ", "Ctrl+X", "Moves the selected region to the clipboard."},
     {CmCopyId, "Copy ", "Ctrl+C", "Copies the selected region to the clipboard."},
     {CmPasteId, "Paste ", "Ctrl+V", "Inserts the clipboard contents at the current position."},

@@ -9,6 +9,7 @@ struct LCommandInfo
     const char* szText;  // the menu text, without the accelerator
     const char* szAccel; // the accelerator as shown in the menu and as a key sequence ("" for none)
     const char* szHint;  // the status-bar hint
+    const char* szAccel2 = ""; // a second key for the same command ("" for none)
 };
 
 class LCommandTable

@@ -3,11 +3,11 @@
 #include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QHBoxLayout>
+#include <QResizeEvent>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QTimer>
 #include <QToolButton>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -17,7 +17,11 @@
 
 namespace {
 constexpr int kAutoScrollMs = 60;
-}
+constexpr int kMargin = 2;
+constexpr int kSpacing = 2;
+constexpr int kOverviewHeight = 56;
+constexpr int kMinOverviewHeight = 16;
+} // namespace
 
 LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::string& szPath, const std::string& szName,
                              QWidget* pParent)
@@ -26,22 +30,26 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     setObjectName("LEdFileWindow");
     setAttribute(Qt::WA_DeleteOnClose, false);
     pOverview = new LEdWaveWindow(this, IdOverview);
-    pOverview->setFixedHeight(56);
     pDetail = new LEdWaveWindow(this, IdDetail);
-    pDetail->setMinimumHeight(80);
+    // Sized by LayoutChildren alone, down to nothing: a minimum would push them over the controls.
+    pOverview->setMinimumSize(0, 0);
+    pDetail->setMinimumSize(0, 0);
     pScroll = new QScrollBar(Qt::Horizontal, this);
     pScroll->setObjectName("scroll");
     pScroll->setRange(0, LEdViewMath::kScrollRange);
     pScroll->setPageStep(10);
-    pVZoom = new QCheckBox(tr("Vertical Zoom"), this);
+    pControlRow = new QWidget(this);
+    pControlRow->setObjectName("ControlRow");
+    pVZoom = new QCheckBox(tr("Vertical Zoom"), pControlRow);
     pVZoom->setObjectName("check87");
-    pPosNeg = new QRadioButton(tr("+ /-"), this);
+    pPosNeg = new QRadioButton(tr("+ /-"), pControlRow);
     pPosNeg->setObjectName("radio88");
     pPosNeg->setChecked(true);
-    pLeftRight = new QRadioButton(tr("L / R"), this);
+    pLeftRight = new QRadioButton(tr("L / R"), pControlRow);
     pLeftRight->setObjectName("radio89");
 
-    auto* pButtons = new QHBoxLayout;
+    auto* pButtons = new QHBoxLayout(pControlRow);
+    pButtons->setContentsMargins(0, 0, 0, 0);
     pButtons->addWidget(pVZoom);
     pButtons->addSpacing(12);
     pButtons->addWidget(pPosNeg);
@@ -60,7 +68,7 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
         {"Full", "Zoom Full (Ctrl+Shift+F)", &LEdFileWindow::ZoomFull},
     };
     for (const ZoomButton& z : zooms) {
-        auto* pButton = new QToolButton(this);
+        auto* pButton = new QToolButton(pControlRow);
         pButton->setText(tr(z.szText));
         pButton->setToolTip(tr(z.szTip));
         pButton->setFocusPolicy(Qt::NoFocus);
@@ -69,13 +77,6 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
         pButtons->addWidget(pButton);
     }
 
-    auto* pLayout = new QVBoxLayout(this);
-    pLayout->setContentsMargins(2, 2, 2, 2);
-    pLayout->setSpacing(2);
-    pLayout->addWidget(pOverview);
-    pLayout->addWidget(pDetail, 1);
-    pLayout->addWidget(pScroll);
-    pLayout->addLayout(pButtons);
 
     pAutoScrollTimer = new QTimer(this);
     pAutoScrollTimer->setInterval(kAutoScrollMs);
@@ -93,6 +94,44 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pOverview->Start();
     pDetail->Start();
     Refresh();
+}
+
+QSize LEdFileWindow::sizeHint() const
+{
+    return {std::max(480, pControlRow->sizeHint().width() + 2 * kMargin),
+            kMargin * 2 + kOverviewHeight + 160 + pScroll->sizeHint().height() + pControlRow->sizeHint().height() +
+                3 * kSpacing};
+}
+
+QSize LEdFileWindow::minimumSizeHint() const
+{
+    return {160, kMargin * 2 + 40 + pScroll->sizeHint().height() + pControlRow->sizeHint().height() + 3 * kSpacing};
+}
+
+void LEdFileWindow::resizeEvent(QResizeEvent*)
+{
+    LayoutChildren();
+}
+
+void LEdFileWindow::LayoutChildren()
+{
+    // Bottom up: the control row and the scroll bar keep their heights; the displays share
+    // what is left and vanish when nothing is, so nothing is ever drawn over a display.
+    const QRect r = rect().adjusted(kMargin, kMargin, -kMargin, -kMargin);
+    const int nRow = pControlRow->sizeHint().height();
+    const int nBar = pScroll->sizeHint().height();
+    const int yRow = r.bottom() + 1 - nRow;
+    const int yBar = yRow - kSpacing - nBar;
+    pControlRow->setGeometry(r.left(), yRow, r.width(), nRow);
+    pScroll->setGeometry(r.left(), yBar, r.width(), nBar);
+    const int nWaves = std::max(yBar - kSpacing - r.top(), 0);
+    // The overview gives way first: a sliver of it shows nothing.
+    const int nOverview = nWaves >= 3 * kMinOverviewHeight ? std::min(kOverviewHeight, nWaves / 3) : 0;
+    const int nDetail = std::max(nWaves - nOverview - kSpacing, 0);
+    pOverview->setGeometry(r.left(), r.top(), r.width(), nOverview);
+    pDetail->setGeometry(r.left(), r.top() + nOverview + kSpacing, r.width(), nDetail);
+    pOverview->setVisible(nOverview > 0);
+    pDetail->setVisible(nDetail > 0);
 }
 
 LEdFileWindow::~LEdFileWindow()
@@ -216,6 +255,12 @@ void LEdFileWindow::SetSelection(int32_t sStart, int32_t sEnd)
     pFile->SetSelection(sStart, sEnd);
     PushSelectionAndCursor();
     emit SelectionChanged();
+}
+
+void LEdFileWindow::SetMarks(const std::vector<LWaveMark>& vMarks)
+{
+    pDetail->SetMarks(vMarks);
+    pOverview->SetMarks(vMarks);
 }
 
 void LEdFileWindow::ScrollViewTo(int32_t sStart)

@@ -7,9 +7,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "formats/LAudioFile.h"
 #include "ui/LEdViewMath.h"
+#include "ui/LWaveMarks.h"
 
 class LEdFile;
 class LEdWaveWindow;
@@ -61,6 +63,8 @@ public:
     // Moves the cursor (clearing no selection) and scrolls the detail view to show it.
     void SetCursorPosition(int32_t sPosition);
     void SetSelection(int32_t sStart, int32_t sEnd);
+    // The file's bookmarks and regions, for both displays.
+    void SetMarks(const std::vector<LWaveMark>& vMarks);
     // Makes the view start at the position, keeping its length (a scroll of the detail view).
     void ScrollViewTo(int32_t sStart);
     void ApplyScrollAction(LEdViewMath::ScrollAction action, int nThumb);
@@ -68,6 +72,11 @@ public:
     LEdWaveWindow* GetDetail() const { return pDetail; }
     LEdWaveWindow* GetOverview() const { return pOverview; }
     QScrollBar* GetScrollBar() const { return pScroll; }
+    // The row of the vertical-zoom box, the display-mode buttons and the zoom buttons.
+    QWidget* GetControlRow() const { return pControlRow; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     int32_t GetScrollTarget() const { return sScrollTarget; }
 
 signals:
@@ -78,6 +87,7 @@ signals:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
 
 private:
     void OnDetailNotify(int nCode);
@@ -87,6 +97,7 @@ private:
     void PushSelectionAndCursor();
     void UpdateThumb();
     void ApplyViewToFile(const LViewRange& view);
+    void LayoutChildren();
 
     std::unique_ptr<LEdFile> pFile;
     std::string szPath;
@@ -102,5 +113,6 @@ private:
     QRadioButton* pPosNeg = nullptr;
     QRadioButton* pLeftRight = nullptr;
     QScrollBar* pScroll = nullptr;
+    QWidget* pControlRow = nullptr;
     QTimer* pAutoScrollTimer = nullptr;
 };

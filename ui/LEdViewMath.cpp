@@ -86,4 +86,33 @@ int ThumbOf(int32_t sCursor, int32_t sFileLength)
     return std::clamp(static_cast<int>(static_cast<int64_t>(sCursor) * kScrollRange / sFileLength), 0, kScrollRange);
 }
 
+
+bool SelectionAfterTyping(TypedField field, int64_t sTyped, const LViewRange& sel, int32_t sCursor,
+                          int32_t sFileLength, LViewRange& result)
+{
+    if (sTyped < 0 || sTyped > sFileLength)
+        return false;
+    const bool bSel = sel.sStart < sel.sEnd;
+    const int64_t sFrom = bSel ? sel.sStart : std::clamp<int64_t>(sCursor, 0, sFileLength);
+    int64_t sStart = 0, sEnd = 0;
+    switch (field) {
+    case TypedStart:
+        sStart = sTyped;
+        sEnd = bSel && sel.sEnd > sTyped ? sel.sEnd : std::min<int64_t>(sTyped + (bSel ? sel.Length() : sFileLength), sFileLength);
+        break;
+    case TypedEnd:
+        sEnd = sTyped;
+        sStart = sFrom < sTyped ? sFrom : std::max<int64_t>(sTyped - (bSel ? sel.Length() : sTyped), 0);
+        break;
+    case TypedLength:
+        sStart = sFrom;
+        sEnd = sFrom + sTyped;
+        if (sEnd > sFileLength)
+            return false;
+        break;
+    }
+    result = {static_cast<int32_t>(sStart), static_cast<int32_t>(sEnd)};
+    return true;
+}
+
 } // namespace LEdViewMath

@@ -45,4 +45,18 @@ bool ScrollTarget(ScrollAction action, int nThumb, int32_t sCursor, int32_t nSam
 // Where the thumb sits for a cursor position.
 int ThumbOf(int32_t sCursor, int32_t sFileLength);
 
+enum TypedField
+{
+    TypedStart,
+    TypedEnd,
+    TypedLength,
+};
+// The selection after a time typed into the start, end or length field. A typed start keeps the
+// end when it still lies after it (else the selection keeps its length, or runs to the end of
+// the file when there was none); a typed end keeps the start when it lies before it (the cursor
+// stands for the start when there is no selection); a typed length counts from the start (or
+// the cursor). False when the typed value or the end it gives lies outside [0, file length].
+bool SelectionAfterTyping(TypedField field, int64_t sTyped, const LViewRange& sel, int32_t sCursor,
+                          int32_t sFileLength, LViewRange& result);
+
 } // namespace LEdViewMath

@@ -349,6 +349,11 @@ void LEdWaveWindow::paintEvent(QPaintEvent* pEvent)
         }
         if (nW - 1 > nCols + 1)
             p.fillRect(nCols + 1, 1, nW - nCols - 2, nH - 1, kOutside.back);
+        if (!vMarks.empty()) {
+            p.setClipRect(1, 1, std::max(nW - 2, 0), std::max(nH - 2, 0));
+            LWaveMarks::Paint(p, geo, nH, vMarks);
+            p.setClipping(false);
+        }
     }
     // A one-pixel sunken border.
     p.setPen(Qt::black);
@@ -375,10 +380,38 @@ void LEdWaveWindow::SetDragMode(int nNewMode)
     nDragMode = nNewMode;
 }
 
+void LEdWaveWindow::SetMarks(std::vector<LWaveMark> vNewMarks)
+{
+    if (vNewMarks == vMarks)
+        return;
+    vMarks = std::move(vNewMarks);
+    update();
+}
+
+void LEdWaveWindow::PlaceAsClicked(int32_t sStart, int32_t sEnd, int32_t sNewCursor)
+{
+    {
+        std::lock_guard<std::mutex> lock(mtxDraw);
+        sSelStart = sStart;
+        sSelEnd = sEnd;
+        sCursor = sNewCursor;
+    }
+    update();
+    emit Notify(NotifyButtonUp);
+}
+
 void LEdWaveWindow::mousePressEvent(QMouseEvent* pEvent)
 {
     if (pEvent->button() != Qt::LeftButton)
         return QWidget::mousePressEvent(pEvent);
+    const QPoint pt = pEvent->position().toPoint();
+    const int nFlag = LWaveMarks::FlagAt(GetGeometry(), vMarks, pt.x(), pt.y());
+    if (nFlag >= 0) {
+        // A flag is picked, not dragged: the cursor goes exactly to its bookmark.
+        const int32_t s = vMarks[nFlag].sStart;
+        PlaceAsClicked(s, s, s);
+        return;
+    }
     const int x = static_cast<int>(pEvent->position().x()) - 1;
     {
         std::lock_guard<std::mutex> lock(mtxDraw);
@@ -425,6 +458,20 @@ void LEdWaveWindow::mouseMoveEvent(QMouseEvent* pEvent)
     }
     update();
     emit Notify(NotifySelecting);
+}
+
+void LEdWaveWindow::mouseDoubleClickEvent(QMouseEvent* pEvent)
+{
+    if (pEvent->button() != Qt::LeftButton)
+        return QWidget::mouseDoubleClickEvent(pEvent);
+    const QPoint pt = pEvent->position().toPoint();
+    const int nRegion = LWaveMarks::FlagAt(GetGeometry(), vMarks, pt.x(), pt.y()) >= 0
+                            ? -1
+                            : LWaveMarks::RegionAt(GetGeometry(), vMarks, pt.x());
+    if (nRegion < 0)
+        return mousePressEvent(pEvent); // the second press of a plain double click
+    const LWaveMark m = vMarks[nRegion];
+    PlaceAsClicked(m.sStart, m.sEnd, m.sStart);
 }
 
 void LEdWaveWindow::mouseReleaseEvent(QMouseEvent* pEvent)

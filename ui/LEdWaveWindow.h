@@ -13,6 +13,7 @@
 #include "ui/LQueuedCall.h"
 #include "ui/LWaveColumns.h"
 #include "ui/LWaveGeometry.h"
+#include "ui/LWaveMarks.h"
 #include "work/LSignalObject.h"
 #include "work/LThread.h"
 
@@ -46,6 +47,9 @@ public:
     void SetCursor(int32_t sPosition, int32_t sLength = 0);
     void SetDisplayMode(uint8_t nMode);
     void SetVerticalZoom(bool bOn);
+    // The file's bookmarks and regions, drawn over the waveform.
+    void SetMarks(std::vector<LWaveMark> vNewMarks);
+    const std::vector<LWaveMark>& GetMarks() const { return vMarks; }
 
     int GetControlId() const { return nControlId; }
     int32_t GetSelectionStart() const;
@@ -67,6 +71,7 @@ protected:
     void mousePressEvent(QMouseEvent* pEvent) override;
     void mouseMoveEvent(QMouseEvent* pEvent) override;
     void mouseReleaseEvent(QMouseEvent* pEvent) override;
+    void mouseDoubleClickEvent(QMouseEvent* pEvent) override;
 
 private:
     struct Range
@@ -79,6 +84,8 @@ private:
     void RequestFullRedraw();
     void OnWorkerDrew();
     void SetDragMode(int nNewMode);
+    // Cursor and selection set at once, as a finished click would leave them.
+    void PlaceAsClicked(int32_t sStart, int32_t sEnd, int32_t sNewCursor);
 
     int nControlId;
     std::array<uint8_t, LWaveGeometry::kMaxColumns> vTop{};
@@ -95,6 +102,7 @@ private:
     uint8_t nDisplayMode = WaveModePosNeg;
     bool bVZoom = false;
     std::shared_ptr<LWaveContent> pContent;
+    std::vector<LWaveMark> vMarks; // the window thread's alone
 
     // The request: only the wanted view, under its own lock.
     mutable std::mutex mtxRequest;

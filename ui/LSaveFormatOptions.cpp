@@ -31,10 +31,10 @@ bool LSaveFormatOptions::HasDialog(const std::string& szFormatName)
     return false;
 }
 
-bool LSaveFormatOptions::AskOpen(QWidget* pParent, const std::string& szFormatName)
+bool LSaveFormatOptions::AskOpen(QWidget* pParent, const std::string& szFormatName, const std::string& szPath)
 {
     for (const LSaveFormatOptions* p = Head(); p; p = p->pNext)
         if (szFormatName == p->szFormatName && p->pfnAskOpen)
-            return p->pfnAskOpen(pParent);
+            return p->pfnAskOpen(pParent, szPath);
     return true;
 }

@@ -18,7 +18,7 @@ public:
     using AskFn = bool (*)(QWidget* pParent, int32_t nSampleRate, uint8_t nChans, LAudioEncoding& encoding);
 
     // Shows the format's reading settings before a file is opened; false when the user cancelled.
-    using AskOpenFn = bool (*)(QWidget* pParent);
+    using AskOpenFn = bool (*)(QWidget* pParent, const std::string& szPath);
 
     LSaveFormatOptions(const char* szFormatName, AskFn pfnAsk, AskOpenFn pfnAskOpen = nullptr);
 
@@ -27,8 +27,8 @@ public:
     static bool Ask(QWidget* pParent, const std::string& szFormatName, int32_t nSampleRate, uint8_t nChans,
                     LAudioEncoding& encoding);
     static bool HasDialog(const std::string& szFormatName);
-    // The format's dialog for opening; true with nothing asked where it has none.
-    static bool AskOpen(QWidget* pParent, const std::string& szFormatName);
+    // The format's dialog for opening the file at szPath; true with nothing asked where it has none.
+    static bool AskOpen(QWidget* pParent, const std::string& szFormatName, const std::string& szPath = "");
 
 private:
     const char* szFormatName;

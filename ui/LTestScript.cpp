@@ -101,6 +101,13 @@ bool LTestScript::RunLine(MainDialog& frame, const QString& szLine)
         pWindow->SetSelection(szRest.section(' ', 0, 0).toInt(), szRest.section(' ', 1, 1).toInt());
         return true;
     }
+    if (szVerb == "cursor") {
+        LEdFileWindow* pWindow = frame.GetCurrentFileWindow();
+        if (!pWindow)
+            return false;
+        pWindow->SetCursorPosition(szRest.toInt());
+        return true;
+    }
     if (szVerb == "command")
         return frame.Command(szRest.toInt());
     if (szVerb == "render") {

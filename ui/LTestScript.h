@@ -4,6 +4,7 @@
 //   answer yes|no|cancel   the next question's answer (all answers are queued before anything runs)
 //   open PATH              opens an audio file
 //   select START END       selects frames [START, END) of the current file
+//   cursor POS             moves the current file's cursor to frame POS
 //   command ID             runs a menu command by number
 //   render PATH            writes the current document to PATH as 16-bit WAV
 //   mark PATH              writes the editor's process id to PATH (a sign for the test)

@@ -98,7 +98,7 @@ bool LQtUiPrompts::AskSaveOptions(QWidget* pParent, const std::string& szFormatN
     return LSaveFormatOptions::Ask(pParent, szFormatName, nSampleRate, nChans, encoding);
 }
 
-bool LQtUiPrompts::AskOpenOptions(QWidget* pParent, const std::string& szFormatName)
+bool LQtUiPrompts::AskOpenOptions(QWidget* pParent, const std::string& szFormatName, const std::string& szPath)
 {
-    return LSaveFormatOptions::AskOpen(pParent, szFormatName);
+    return LSaveFormatOptions::AskOpen(pParent, szFormatName, szPath);
 }

@@ -58,9 +58,12 @@ public:
         return true;
     }
 
-    // How a file of the named format is to be read, for formats that ask (headerless files);
-    // false when cancelled. Scripted prompts read with the stored settings.
-    virtual bool AskOpenOptions(QWidget* pParent, const std::string& szFormatName) { return true; }
+    // How the file at szPath, of the named format, is to be read, for formats that ask
+    // (headerless files); false when cancelled. Scripted prompts read with the stored settings.
+    virtual bool AskOpenOptions(QWidget* pParent, const std::string& szFormatName, const std::string& szPath)
+    {
+        return true;
+    }
 
     static LUiPrompts& Get();
     // Not owned; null restores the Qt dialogs.
@@ -82,5 +85,5 @@ public:
     bool AskNewFormat(QWidget* pParent, int32_t& nSampleRate, int& nChans) override;
     bool AskSaveOptions(QWidget* pParent, const std::string& szFormatName, int32_t nSampleRate, uint8_t nChans,
                         LAudioEncoding& encoding) override;
-    bool AskOpenOptions(QWidget* pParent, const std::string& szFormatName) override;
+    bool AskOpenOptions(QWidget* pParent, const std::string& szFormatName, const std::string& szPath) override;
 };

@@ -2,7 +2,9 @@
 
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFileInfo>
 #include <QFormLayout>
+#include <QLabel>
 #include <QSpinBox>
 
 #include "ui/LSaveFormatOptions.h"
@@ -20,19 +22,29 @@ bool AskSaveRaw(QWidget* pParent, int32_t, uint8_t, LAudioEncoding& encoding)
     return LVoxRawDlg::AskSave(pParent, "RAW", encoding);
 }
 
-bool AskOpenVox(QWidget* pParent) { return LVoxRawDlg::AskOpen(pParent, "VOX"); }
-bool AskOpenRaw(QWidget* pParent) { return LVoxRawDlg::AskOpen(pParent, "RAW"); }
+bool AskOpenVox(QWidget* pParent, const std::string& szPath) { return LVoxRawDlg::AskOpen(pParent, "VOX", szPath); }
+bool AskOpenRaw(QWidget* pParent, const std::string& szPath) { return LVoxRawDlg::AskOpen(pParent, "RAW", szPath); }
 
 const LSaveFormatOptions voxOptions("VOX", AskSaveVox, AskOpenVox);
 const LSaveFormatOptions rawOptions("RAW", AskSaveRaw, AskOpenRaw);
 
 } // namespace
 
-LVoxRawDlg::LVoxRawDlg(QWidget* pParent, const LVoxRawSettings& initial, bool bChannels)
+LVoxRawDlg::LVoxRawDlg(QWidget* pParent, const LVoxRawSettings& initial, bool bChannels, const std::string& szPath)
     : QDialog(pParent), settings(initial)
 {
     setWindowTitle(tr("Vox and Raw File Settings"));
     setObjectName("LVoxRawDlg");
+    // A headerless file says nothing about itself: the dialog says which file it asks about.
+    auto* pFile = new QLabel(this);
+    pFile->setObjectName("file");
+    pFile->setVisible(!szPath.empty());
+    if (!szPath.empty()) {
+        const QFileInfo info(QString::fromStdString(szPath));
+        pFile->setText(tr("How is \"%1\" to be read?").arg(info.fileName()));
+        pFile->setToolTip(info.absoluteFilePath());
+        setWindowTitle(tr("Vox and Raw File Settings - %1").arg(info.fileName()));
+    }
     pFormat = new QComboBox(this);
     pFormat->setObjectName("format");
     for (int32_t i = 0; i < LVoxRawSettings::kEncodings; ++i)
@@ -53,6 +65,7 @@ LVoxRawDlg::LVoxRawDlg(QWidget* pParent, const LVoxRawSettings& initial, bool bC
     connect(pButtons, &QDialogButtonBox::accepted, this, &LVoxRawDlg::accept);
     connect(pButtons, &QDialogButtonBox::rejected, this, &LVoxRawDlg::reject);
     auto* pForm = new QFormLayout(this);
+    pForm->addRow(pFile);
     pForm->addRow(tr("File Format:"), pFormat);
     pForm->addRow(tr("Sample Rate (Hz):"), pRate);
     pForm->addRow(tr("Channels (raw files):"), pChannels);
@@ -84,9 +97,13 @@ bool LVoxRawDlg::AskSave(QWidget* pParent, const std::string& szFormatName, LAud
     return true;
 }
 
-bool LVoxRawDlg::AskOpen(QWidget* pParent, const std::string& szFormatName)
+bool LVoxRawDlg::AskOpen(QWidget* pParent, const std::string& szFormatName, const std::string& szPath)
 {
-    LVoxRawDlg dlg(pParent, LVoxRawSettings::Load(), szFormatName != "VOX");
+    LVoxRawSettings initial = LVoxRawSettings::Load();
+    // A ".vox" file is nearly always Dialogic ADPCM, whatever a raw file last needed.
+    if (szFormatName == "VOX")
+        initial.nFormat = RawDialogicAdpcm;
+    LVoxRawDlg dlg(pParent, initial, szFormatName != "VOX", szPath);
     if (dlg.exec() != QDialog::Accepted)
         return false;
     dlg.GetSettings().Store();

@@ -70,10 +70,23 @@ std::vector<uint8_t> LWaveFileFormat::BufferOf(const LWaveFormatRecord& record)
 std::vector<LWaveFormatRecord> LWaveFileFormat::EncodableRecords(uint8_t nChans)
 {
     std::vector<LWaveFormatRecord> v;
-    for (const LCodec* pCodec : LCodec::All())
-        for (const LWaveFormatRecord& r : pCodec->ListRecords())
-            if ((nChans == 0 || r.nChannels == nChans) && TestSupportedRecord(r))
-                v.push_back(r);
+    for (const LCodec* pCodec : LCodec::All()) {
+        std::vector<LWaveFormatRecord> vOwn;
+        bool bStereo = false;
+        for (const LWaveFormatRecord& r : pCodec->ListRecords()) {
+            if (!TestSupportedRecord(r))
+                continue;
+            bStereo = bStereo || r.nChannels == 2;
+            if (nChans == 0 || r.nChannels == nChans)
+                vOwn.push_back(r);
+        }
+        // A codec of mono only (GSM) still serves a stereo sound: saving makes it one channel.
+        if (nChans == 2 && !bStereo)
+            for (const LWaveFormatRecord& r : pCodec->ListRecords())
+                if (r.nChannels == 1 && TestSupportedRecord(r))
+                    vOwn.push_back(r);
+        v.insert(v.end(), vOwn.begin(), vOwn.end());
+    }
     return v;
 }
 
@@ -93,7 +106,7 @@ bool LWaveFileFormat::Choose(QWidget* pParent, std::vector<uint8_t>& vBuffer, ui
     LWaveFormatRecord current;
     const bool bHaveCurrent = RecordOf(vBuffer, current);
     while (true) {
-        LWaveFormatChooseDlg dlg(pParent, szTitle, EncodableRecords(nChans), bHaveCurrent ? &current : nullptr);
+        LWaveFormatChooseDlg dlg(pParent, szTitle, EncodableRecords(nChans), bHaveCurrent ? &current : nullptr, nChans);
         if (dlg.exec() != QDialog::Accepted)
             return false;
         current = dlg.GetChoice();

@@ -39,7 +39,8 @@ public:
     // The record at the start of a buffer (its fixed part and cbSize bytes of codec data).
     static bool RecordOf(const std::vector<uint8_t>& vBuffer, LWaveFormatRecord& record);
     static std::vector<uint8_t> BufferOf(const LWaveFormatRecord& record);
-    // What the chooser lists, in the codec layer's order.
+    // What the chooser lists, in the codec layer's order: the records of nChans channels (any for
+    // 0), and for two channels also the mono records of a codec that has no stereo ones.
     static std::vector<LWaveFormatRecord> EncodableRecords(uint8_t nChans);
     // "IMA ADPCM, 8000 Hz, Mono": the record for people.
     static QString Describe(const LWaveFormatRecord& record);

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -29,6 +30,8 @@
 MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
 {
     setObjectName("MainDialog");
+    setWindowIcon(AppIcon());
+    QApplication::setWindowIcon(AppIcon()); // the dialogs' too
     pProgressFactory = std::make_unique<LQtProgressHostFactory>(this);
     LProgressHostFactory::SetDefault(pProgressFactory.get());
     pMdi = new QMdiArea(this);
@@ -81,6 +84,17 @@ MainDialog::~MainDialog()
     pTransport.reset();
     if (&LProgressHostFactory::Default() == pProgressFactory.get())
         LProgressHostFactory::SetDefault(nullptr);
+}
+
+QIcon MainDialog::AppIcon()
+{
+    static const QIcon icon = [] {
+        QIcon i;
+        i.addFile(":/icons/sonitra-48.png", QSize(48, 48));
+        i.addFile(":/icons/sonitra-128.png", QSize(128, 128));
+        return i;
+    }();
+    return icon;
 }
 
 QAction* MainDialog::GetAction(int nId) const
@@ -158,6 +172,10 @@ void MainDialog::UpdateUndoMenuItem()
         return;
     pUndo->setText(QString::fromStdString(pFile ? pFile->GetUndoMenuText() : std::string("Undo \tCtrl+Z")));
     pUndo->setEnabled(pFile && pFile->IsUndoAvailable());
+    if (QAction* pRedo = GetAction(CmRedoId)) {
+        pRedo->setText(QString::fromStdString(pFile ? pFile->GetRedoMenuText() : std::string("Redo \tCtrl+Y")));
+        pRedo->setEnabled(pFile && pFile->IsRedoAvailable());
+    }
 }
 
 void MainDialog::UpdateMenuStates()
@@ -215,6 +233,8 @@ bool MainDialog::IsCommandEnabled(int nId) const
         return !bBusy && !pTransport->IsPlaying();
     case CmUndoId:
         return bFile && !bBusy && pWindow->GetFile().IsUndoAvailable();
+    case CmRedoId:
+        return bFile && !bBusy && pWindow->GetFile().IsRedoAvailable();
     case CmCutId:
     case CmCopyId:
     case CmDeleteId:

@@ -30,6 +30,8 @@ class LTimeFields;
 class LTransport;
 class LTransportBar;
 class QAction;
+class QIcon;
+class QRect;
 class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
@@ -64,9 +66,15 @@ public:
     void UpdateMenuStates();
 
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
-    // the user told why, when it cannot be read.
+    // the user told why, when it cannot be read. A file already open has its window activated.
     bool LoadFile(const std::string& szPath);
     void WarnIfCutShort(const std::string& szPath, LSoundSourceBase& source);
+    // The open window of a file, by path; null when it is not open.
+    LEdFileWindow* FindWindowByPath(const std::string& szPath) const;
+    // Brings a file window to the front (restoring it when minimized) and makes it current.
+    void ActivateFileWindow(LEdFileWindow* pWindow);
+    // The program's icon, shown by the frame and every file window.
+    static QIcon AppIcon();
     // Gives a new document its own window; the frame takes ownership.
     LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath, const std::string& szName);
     // Saves a file to its own path; false (and the file stays modified) when it fails.
@@ -117,6 +125,8 @@ public:
     // told once the change has finished).
     void BookmarksChanged(const std::string& szKey);
     void RegionsChanged();
+    // Gives every file window its bookmarks and regions to draw.
+    void UpdateMarks();
     // A new document of the regions marked for it, in order, with "AutoGapTime" ms of silence
     // between them when "AutoGap" is set; null when there is none.
     LCutListAudioPtr AssembleRegions();
@@ -144,6 +154,8 @@ private:
     void BuildToolBar();
     void RebuildRecentMenu();
     void RebuildWindowMenu();
+    // Rebuilds it from the event loop, once however often asked.
+    void ScheduleWindowMenu();
     bool IsCommandEnabled(int nId) const;
 
     // MainDialogCd.cpp
@@ -163,10 +175,15 @@ private:
     void CmSetting();
     void CmRecent(int nIndex);
     bool CloseAllFiles();
+    // Where a new file window goes: inside the area, cascading from the newest window.
+    QRect NextChildPlace(QMdiSubWindow* pNew) const;
 
     // MainDialogEdit.cpp
     bool CmEdit(int nId);
     void CmUndo();
+    void CmRedo();
+    // Undo or redo on the current file, with the window and menus following.
+    void StepHistory(bool bRedo);
     void CmCut();
     void CmCopy();
     void CmPaste();
@@ -235,6 +252,8 @@ private:
     void OnSubWindowActivated(QMdiSubWindow* pSub);
     void OnFileSelectionChanged();
     void OnFileScroll(int32_t sTarget);
+    // A time typed into a selection field: moves the selection, or says why not.
+    void OnTimeTyped(int nField, const QString& szText);
     void UpdateStatusLine();
     // The pop-up menu of the waveform: the Edit commands, the Effects, bookmark and region.
     void TrackWaveWindowMenu(const QPoint& ptGlobal);
@@ -249,6 +268,7 @@ private:
     std::vector<QAction*> vRecentActions;
     std::vector<QAction*> vWindowActions;
     QAction* pWindowSeparator = nullptr;
+    bool bWindowMenuQueued = false;
     LTransportBar* pTransportBar = nullptr;
     LTimeFields* pTimeFields = nullptr;
     QLabel* pStatusFormat = nullptr;

@@ -32,6 +32,7 @@ bool MainDialog::CmEdit(int nId)
 {
     switch (nId) {
     case CmUndoId: CmUndo(); return true;
+    case CmRedoId: CmRedo(); return true;
     case CmCutId: CmCut(); return true;
     case CmCopyId: CmCopy(); return true;
     case CmPasteId: CmPaste(); return true;
@@ -58,13 +59,25 @@ bool MainDialog::CmEdit(int nId)
 
 void MainDialog::CmUndo()
 {
+    StepHistory(false);
+}
+
+void MainDialog::CmRedo()
+{
+    StepHistory(true);
+}
+
+void MainDialog::StepHistory(bool bRedo)
+{
     LEdFileWindow* pWindow = GetCurrentFileWindow();
     if (!pWindow)
         return;
     if (pTransport->GetActiveWindow() == pWindow)
         pTransport->Stop();
-    if (!pWindow->GetFile().Undo())
+    LEdFile& file = pWindow->GetFile();
+    if (!(bRedo ? file.Redo() : file.Undo()))
         return;
+    pWindow->setWindowTitle(pWindow->Caption());
     pWindow->Refresh();
     UpdateUndoMenuItem();
     UpdateMenuStates();

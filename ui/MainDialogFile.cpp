@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QStyle>
 
 #include <ctime>
 
@@ -95,10 +96,16 @@ bool MainDialog::LoadFile(const std::string& szPath)
         QTimer::singleShot(0, this, [this, szPath] { CmLoadCd(szPath); });
         return true;
     }
+    if (LEdFileWindow* pOpen = FindWindowByPath(szPath)) {
+        ActivateFileWindow(pOpen);
+        recent.Add(pOpen->GetPath(), static_cast<int64_t>(std::time(nullptr)));
+        RebuildRecentMenu();
+        return true;
+    }
     const std::string szName = LFile::FileNameOf(szPath);
     // A format read by settings of its own (a headerless file) offers them first.
     const LAudioFormat* pFormat = LAudioFormat::ByExtension(szPath);
-    if (pFormat && !LUiPrompts::Get().AskOpenOptions(this, pFormat->GetName()))
+    if (pFormat && !LUiPrompts::Get().AskOpenOptions(this, pFormat->GetName(), szPath))
         return false;
     std::string szError;
     LAudioFileDetails details;
@@ -160,19 +167,70 @@ LEdFileWindow* MainDialog::AddFileToList(std::unique_ptr<LEdFile> pFile, const s
     }
     pSub->setAttribute(Qt::WA_DeleteOnClose);
     pSub->setWindowTitle(pWindow->Caption());
+    pSub->setWindowIcon(AppIcon());
     connect(pWindow, &QWidget::windowTitleChanged, pSub, &QWidget::setWindowTitle);
+    connect(pWindow, &QWidget::windowTitleChanged, this, &MainDialog::ScheduleWindowMenu);
     connect(pWindow, &LEdFileWindow::SelectionChanged, this, &MainDialog::OnFileSelectionChanged);
     connect(pWindow, &LEdFileWindow::ScrollRequested, this, &MainDialog::OnFileScroll);
     connect(pWindow, &LEdFileWindow::DisplayOptionsChanged, this, &MainDialog::UpdateMenuStates);
     connect(pWindow, &LEdFileWindow::ContextMenuRequested, this, &MainDialog::TrackWaveWindowMenu);
     connect(pSub, &QObject::destroyed, this, [this] { OnSubWindowActivated(pMdi->currentSubWindow()); });
-    const QSize area = pMdi->viewport()->size();
-    pSub->resize(std::max(area.width() * 3 / 4, 480), std::max(area.height() * 3 / 4, 320));
+    pSub->setGeometry(NextChildPlace(pSub));
     pSub->show();
     pMdi->setActiveSubWindow(pSub);
     OnSubWindowActivated(pSub);
     NoteChange();
     return pWindow;
+}
+
+LEdFileWindow* MainDialog::FindWindowByPath(const std::string& szPath) const
+{
+    if (szPath.empty())
+        return nullptr;
+    const QFileInfo wanted(QString::fromStdString(szPath));
+    const QString szWanted = wanted.canonicalFilePath().isEmpty() ? wanted.absoluteFilePath() : wanted.canonicalFilePath();
+    for (LEdFileWindow* p : GetFileWindows()) {
+        if (p->GetPath().empty())
+            continue;
+        const QFileInfo open(QString::fromStdString(p->GetPath()));
+        const QString szOpen = open.canonicalFilePath().isEmpty() ? open.absoluteFilePath() : open.canonicalFilePath();
+        if (szOpen == szWanted)
+            return p;
+    }
+    return nullptr;
+}
+
+void MainDialog::ActivateFileWindow(LEdFileWindow* pWindow)
+{
+    auto* pSub = qobject_cast<QMdiSubWindow*>(pWindow->parentWidget());
+    if (!pSub)
+        return;
+    if (pSub->isMinimized())
+        pSub->showNormal();
+    pMdi->setActiveSubWindow(pSub);
+    pSub->raise();
+}
+
+QRect MainDialog::NextChildPlace(QMdiSubWindow* pNew) const
+{
+    // Three quarters of the area, cascading down from the newest other window by a title bar's
+    // height, and back to the top-left corner when the next step would leave the area.
+    const QSize area = pMdi->viewport()->size();
+    const QSize size(std::min(std::max(area.width() * 3 / 4, 480), area.width()),
+                     std::min(std::max(area.height() * 3 / 4, 320), area.height()));
+    const int nStep = std::max(style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, pNew), 16) + 4;
+    QPoint pt(0, 0);
+    const QList<QMdiSubWindow*> subs = pMdi->subWindowList(QMdiArea::CreationOrder);
+    for (auto it = subs.rbegin(); it != subs.rend(); ++it) {
+        if (*it == pNew || !(*it)->isVisible() || (*it)->isMinimized() || (*it)->isMaximized())
+            continue;
+        pt = (*it)->geometry().topLeft() + QPoint(nStep, nStep);
+        break;
+    }
+    const QRect place(pt, size);
+    if (place.left() < 0 || place.top() < 0 || !QRect(QPoint(0, 0), area).contains(place))
+        return QRect(QPoint(0, 0), size);
+    return place;
 }
 
 void MainDialog::CmClose()
@@ -273,10 +331,15 @@ bool MainDialog::SaveFile(LEdFileWindow* pWindow)
 
 bool MainDialog::SaveFileAs(LEdFileWindow* pWindow)
 {
-    QString szFolder = QString::fromStdString(LSettings::GetString(kFolders, "SaveAsDir", QDir::homePath().toStdString()));
-    const QString szStart = pWindow->GetPath().empty()
-                                ? QDir(szFolder).filePath(QString::fromStdString(pWindow->GetName()) + ".wav")
-                                : QDir(szFolder).filePath(QFileInfo(QString::fromStdString(pWindow->GetPath())).completeBaseName() + ".wav");
+    // A file with a path starts beside itself; a new one where the last Save As went.
+    const QFileInfo own(QString::fromStdString(pWindow->GetPath()));
+    const LAudioFormat* pOwnFormat = pWindow->GetPath().empty() ? nullptr : LAudioFormat::ByExtension(pWindow->GetPath());
+    const QString szStart =
+        pWindow->GetPath().empty()
+            ? QDir(QString::fromStdString(LSettings::GetString(kFolders, "SaveAsDir", QDir::homePath().toStdString())))
+                  .filePath(QString::fromStdString(pWindow->GetName()) + ".wav")
+            : own.absoluteDir().filePath(pOwnFormat && pOwnFormat->CanWrite() ? own.fileName()
+                                                                              : own.completeBaseName() + ".wav");
     QString szChosen = LUiPrompts::Get().GetSaveFileName(this, "Save Audio File As", szStart, LAudioFilters::Save());
     if (szChosen.isEmpty())
         return false;
@@ -382,7 +445,12 @@ void MainDialog::CmExit()
 void MainDialog::CmSetting()
 {
     LSettingsDlg dlg(this);
-    if (dlg.exec() != QDialog::Accepted || !dlg.WorkingFolderChanged())
+    if (dlg.exec() != QDialog::Accepted)
+        return;
+    for (LEdFileWindow* pWindow : GetFileWindows())
+        pWindow->GetFile().SetUndoCapacity(LEdFile::ConfiguredUndoLevels());
+    UpdateUndoMenuItem();
+    if (!dlg.WorkingFolderChanged())
         return;
     // The segments of the open files live in the old folder: the change takes a fresh start.
     LUiPrompts::Get().Inform(this, "Shut Down Required",

@@ -6,6 +6,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QPointer>
 #include <QStyle>
 #include <QToolBar>
 
@@ -13,6 +14,7 @@
 #include "ui/LCommandIds.h"
 #include "ui/LCommandTable.h"
 #include "ui/LEdFileWindow.h"
+#include "ui/LMenuLayout.h"
 #include "ui/LTimeFields.h"
 #include "ui/LTransport.h"
 #include "ui/LTransportBar.h"
@@ -35,16 +37,9 @@ QKeySequence KeyOf(const char* szAccel)
     return QKeySequence::fromString(s, QKeySequence::PortableText);
 }
 
-// Menus and their items: a number is a command, 0 a separator, a negative number opens a
-// submenu of the items that follow up to the matching -1.
-struct MenuItem
-{
-    int nId;
-    const char* szSubmenu;
-};
-constexpr int kSeparator = 0;
-constexpr int kSubmenu = -2;
-constexpr int kEndSubmenu = -1;
+using LMenuLayout::kEndSubmenu;
+using LMenuLayout::kSeparator;
+using LMenuLayout::kSubmenu;
 } // namespace
 
 QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
@@ -58,8 +53,12 @@ QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
     pAction->setObjectName(QString("cmd%1").arg(nId));
     pAction->setStatusTip(LCommandTable::Hint(nId));
     pAction->setData(nId);
-    if (*pInfo->szAccel && !HandledAsHeldKey(nId))
-        pAction->setShortcut(KeyOf(pInfo->szAccel));
+    if (*pInfo->szAccel && !HandledAsHeldKey(nId)) {
+        QList<QKeySequence> keys{KeyOf(pInfo->szAccel)};
+        if (*pInfo->szAccel2)
+            keys << KeyOf(pInfo->szAccel2);
+        pAction->setShortcuts(keys);
+    }
     connect(pAction, &QAction::triggered, this, [this, nId] { QueueCommand(nId); });
     if (pMenu)
         pMenu->addAction(pAction);
@@ -69,60 +68,11 @@ QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
 
 void MainDialog::BuildMenus()
 {
-    struct Menu
-    {
-        const char* szTitle;
-        std::vector<MenuItem> vItems;
-    };
-    const std::vector<Menu> menus = {
-        {"&File",
-         {{CmNewId, nullptr}, {CmOpenId, nullptr}, {CmLoadCdId, nullptr}, {CmCloseId, nullptr}, {CmSaveId, nullptr},
-          {CmSaveAsId, nullptr}, {kSeparator, nullptr}, {CmCopyToCdId, nullptr}, {CmSendId, nullptr},
-          {kSeparator, nullptr}, {CmOpenProjectId, nullptr}, {CmCloseProjectId, nullptr}, {CmSaveProjectId, nullptr},
-          {CmSaveProjectAsId, nullptr}, {kSeparator, nullptr}, {CmConvertRateId, nullptr},
-          {kSubmenu, "Convert Channels"}, {CmMonoId, nullptr}, {CmStereoId, nullptr}, {kEndSubmenu, nullptr},
-          {kSeparator, nullptr}, {CmSettingsId, nullptr}}},
-        {"&Edit",
-         {{CmUndoId, nullptr}, {kSeparator, nullptr}, {CmCutId, nullptr}, {CmCopyId, nullptr}, {CmPasteId, nullptr},
-          {CmPasteFromClipboardId, nullptr}, {CmPasteMixId, nullptr}, {CmPasteMixFromClipboardId, nullptr},
-          {CmDeleteId, nullptr}, {kSeparator, nullptr}, {CmSelectAllId, nullptr}, {CmSelectToStartId, nullptr},
-          {CmSelectToEndId, nullptr}, {kSeparator, nullptr}, {CmMixFileId, nullptr}, {CmRepeatLoopId, nullptr},
-          {kSeparator, nullptr}, {CmTrimId, nullptr}, {CmTrimStartId, nullptr}, {CmTrimEndId, nullptr},
-          {CmAutoTrimId, nullptr}, {kSeparator, nullptr}, {CmSilenceId, nullptr}, {kSubmenu, "Insert Silence"},
-          {CmInsertSilenceBeginId, nullptr}, {CmInsertSilenceCurrentId, nullptr}, {CmInsertSilenceEndId, nullptr},
-          {kEndSubmenu, nullptr}, {kSubmenu, "Insert File"}, {CmInsertFileBeginId, nullptr},
-          {CmInsertFileCurrentId, nullptr}, {CmInsertFileEndId, nullptr}, {kEndSubmenu, nullptr},
-          {kSeparator, nullptr}, {CmCopyToNewId, nullptr}}},
-        {"&Control",
-         {{CmRecordId, nullptr}, {CmPlayId, nullptr}, {CmPlayNormalId, nullptr}, {CmPlaySlowId, nullptr},
-          {CmPlayFastId, nullptr}, {CmStopId, nullptr}, {kSeparator, nullptr}, {CmGoToStartId, nullptr},
-          {CmRewindId, nullptr}, {CmFastForwardId, nullptr}, {CmGoToEndId, nullptr}}},
-        {"Effec&ts",
-         {{CmAmplifyId, nullptr}, {CmNormalizeId, nullptr}, {CmHighPassId, nullptr}, {CmEqualizerId, nullptr},
-          {CmEchoId, nullptr}, {CmReverbId, nullptr}, {CmReverseId, nullptr}, {kSeparator, nullptr},
-          {CmFadeInId, nullptr}, {CmFadeOutId, nullptr}, {CmFadeOutTrimId, nullptr}, {CmEnvelopeId, nullptr},
-          {kSeparator, nullptr}, {CmAutoGainId, nullptr}, {CmNoiseReductionId, nullptr}, {kSeparator, nullptr},
-          {CmSimpleSpeedId, nullptr}, {CmConstantPitchId, nullptr}, {CmConstantSpeedId, nullptr},
-          {kSeparator, nullptr}, {CmCompressorId, nullptr}, {CmDcOffsetId, nullptr}}},
-        {"T&ools",
-         {{CmFrequencyAnalysisId, nullptr}, {CmToneGeneratorId, nullptr}, {CmTextToSpeechId, nullptr},
-          {CmBatchConverterId, nullptr}}},
-        {"&Bookmarks",
-         {{CmSetBookmarkId, nullptr}, {CmBookmarkListId, nullptr}, {kSeparator, nullptr}, {CmAddRegionId, nullptr},
-          {CmRegionListId, nullptr}, {CmAssembleRegionsId, nullptr}}},
-        {"&Window",
-         {{CmCascadeId, nullptr}, {CmTileHorizontalId, nullptr}, {CmTileVerticalId, nullptr},
-          {CmArrangeIconsId, nullptr}, {kSeparator, nullptr}, {CmZoomInId, nullptr}, {CmZoomOutId, nullptr},
-          {CmZoomSelectionId, nullptr}, {CmZoomFullId, nullptr}, {CmVerticalZoomId, nullptr}, {kSeparator, nullptr},
-          {CmDisplayPosNegId, nullptr}, {CmDisplayLeftRightId, nullptr}, {kSeparator, nullptr},
-          {CmCloseAllId, nullptr}}},
-        {"&Help", {{CmHelpId, nullptr}, {kSubmenu, "&Internet Resources"}, {kEndSubmenu, nullptr},
-                   {kSeparator, nullptr}, {CmAboutId, nullptr}}},
-    };
-    for (const Menu& m : menus) {
+    const std::vector<LMenuDef>& menus = LMenuLayout::Menus();
+    for (const LMenuDef& m : menus) {
         QMenu* pTop = menuBar()->addMenu(tr(m.szTitle));
         QMenu* pMenu = pTop;
-        for (const MenuItem& item : m.vItems) {
+        for (const LMenuItem& item : m.vItems) {
             if (item.nId == kSeparator)
                 pMenu->addSeparator();
             else if (item.nId == kSubmenu)
@@ -178,6 +128,7 @@ void MainDialog::BuildToolBar()
         {CmOpenId, QStyle::SP_DialogOpenButton, "Open File"},
         {CmSaveId, QStyle::SP_DialogSaveButton, "Save File"},
         {CmUndoId, QStyle::SP_ArrowBack, "Undo (Ctrl+Z)"},
+        {CmRedoId, QStyle::SP_ArrowForward, "Redo (Ctrl+Y)"},
     };
     for (const Tool& t : tools) {
         QAction* pAction = GetAction(t.nId);
@@ -198,6 +149,7 @@ void MainDialog::BuildToolBar()
     pTimeBar->setObjectName("TimeBar");
     pTimeFields = new LTimeFields(pTimeBar);
     pTimeBar->addWidget(pTimeFields);
+    connect(pTimeFields, &LTimeFields::TimeTyped, this, &MainDialog::OnTimeTyped);
     addToolBar(pTimeBar);
 }
 
@@ -230,18 +182,44 @@ void MainDialog::RebuildRecentMenu()
     }
 }
 
+void MainDialog::ScheduleWindowMenu()
+{
+    // A window that is going may still be in the area's list while its signals run.
+    if (bWindowMenuQueued)
+        return;
+    bWindowMenuQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        bWindowMenuQueued = false;
+        RebuildWindowMenu();
+    });
+}
+
 void MainDialog::RebuildWindowMenu()
 {
-    for (QAction* p : vWindowActions)
-        delete p;
+    // Rebuilt whenever a window comes, goes, is renamed or activated, perhaps from an item's own
+    // signal: the old items go later.
+    for (QAction* p : vWindowActions) {
+        pWindowMenu->removeAction(p);
+        p->deleteLater();
+    }
     vWindowActions.clear();
-    const QList<QMdiSubWindow*> subs = pMdi->subWindowList();
-    for (int i = 0; i < subs.size(); ++i) {
-        QMdiSubWindow* pSub = subs[i];
-        auto* pAction = pWindowMenu->addAction(QString("&%1 %2").arg(i + 1).arg(pSub->windowTitle()));
+    const QList<QMdiSubWindow*> subs = pMdi->subWindowList(QMdiArea::CreationOrder);
+    int nItem = 0;
+    for (QMdiSubWindow* pSub : subs) {
+        auto* pWindow = qobject_cast<LEdFileWindow*>(pSub->widget());
+        if (!pWindow)
+            continue;
+        ++nItem;
+        auto* pAction = pWindowMenu->addAction(QString("&%1 %2").arg(nItem).arg(pSub->windowTitle()));
+        pAction->setObjectName(QString("window%1").arg(nItem));
+        pAction->setStatusTip(tr("Activates this window."));
         pAction->setCheckable(true);
         pAction->setChecked(pSub == pMdi->currentSubWindow());
-        connect(pAction, &QAction::triggered, this, [this, pSub] { pMdi->setActiveSubWindow(pSub); });
+        QPointer<LEdFileWindow> pGuard(pWindow);
+        connect(pAction, &QAction::triggered, this, [this, pGuard] {
+            if (pGuard)
+                ActivateFileWindow(pGuard);
+        });
         vWindowActions.push_back(pAction);
     }
 }

@@ -607,6 +607,7 @@ void MainDialog::StopRecovery()
 
 void MainDialog::NoteChange()
 {
+    UpdateMarks();
     bProjectChanged = true;
     WriteRecovery();
 }

@@ -6,6 +6,7 @@
 #include <QMessageBox>
 
 #include "core/LEdFile.h"
+#include "core/LSoundTime.h"
 #include "core/LVersion.h"
 #include "platform/audio/LPortAudioWave.h"
 #include "ui/LCommandIds.h"
@@ -13,6 +14,7 @@
 #include "ui/LHelpDlg.h"
 #include "ui/LTimeFields.h"
 #include "ui/LTransport.h"
+#include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
 
 namespace {
@@ -78,12 +80,29 @@ bool MainDialog::CmWindow(int nId)
 
 void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
 {
+    ScheduleWindowMenu();
     LoadBookmarksFor(GetCurrentFileWindow());
+    UpdateMarks();
     SetWindowCaption();
     UpdateMenuStates();
     UpdateTimeFields();
     UpdateStatusLine();
     emit CurrentFileChanged();
+}
+
+void MainDialog::UpdateMarks()
+{
+    for (LEdFileWindow* pWindow : GetFileWindows()) {
+        const std::string szKey = FileKey(pWindow);
+        std::vector<LWaveMark> v;
+        for (const LEdRegion& r : vRegions)
+            if (r.GetPath() == szKey)
+                v.push_back({r.sStart, r.sEnd, QString::fromStdString(r.GetName()), true});
+        for (const LEdBookMark& b : vBookmarks)
+            if (b.GetPath() == szKey)
+                v.push_back({b.sPosition, b.sPosition, QString::fromStdString(b.GetName()), false});
+        pWindow->SetMarks(v);
+    }
 }
 
 void MainDialog::OnFileSelectionChanged()
@@ -103,10 +122,50 @@ void MainDialog::OnFileScroll(int32_t sTarget)
     UpdateTimeFields();
 }
 
+void MainDialog::OnTimeTyped(int nField, const QString& szText)
+{
+    const auto field = static_cast<LTimeFields::Field>(nField);
+    LEdFileWindow* pWindow = GetCurrentFileWindow();
+    if (!pWindow) {
+        pTimeFields->Restore(field);
+        return;
+    }
+    LEdFile& file = pWindow->GetFile();
+    const LCutListAudio& doc = file.GetDocument();
+    const int32_t nRate = doc.GetSampleRate();
+    LSoundTime t;
+    if (!LSoundTime::Parse(szText.trimmed().toStdString(), t)) {
+        LUiPrompts::Get().Inform(this, "Sonitra",
+                                 QString("\"%1\" is not a time. Please type a time such as 0:01:30.250, 1:30 or 90.5s.")
+                                     .arg(szText.trimmed()),
+                                 LUiPrompts::IconWarning);
+        pTimeFields->Restore(field);
+        return;
+    }
+    // In 64 bits: hours of audio at high rates pass 32 bits before the range check.
+    const int64_t nMs = t.GetMilliseconds();
+    const int64_t sTyped = nMs / 1000 * nRate + nMs % 1000 * nRate / 1000;
+    LViewRange sel;
+    if (!LEdViewMath::SelectionAfterTyping(static_cast<LEdViewMath::TypedField>(nField), sTyped,
+                                           {file.GetSelStart(), file.GetSelEnd()}, file.GetCursor(),
+                                           doc.GetLength(), sel)) {
+        LUiPrompts::Get().Inform(this, "Sonitra",
+                                 QString("The time %1 lies outside the file, which runs from %2 to %3.")
+                                     .arg(szText.trimmed(), LTimeFields::Format(0, nRate),
+                                          LTimeFields::Format(doc.GetLength(), nRate)),
+                                 LUiPrompts::IconWarning);
+        pTimeFields->Restore(field);
+        return;
+    }
+    pTimeFields->Restore(field); // typing is over: the field shows the new selection
+    pWindow->SetCursorPosition(sel.sStart);
+    pWindow->SetSelection(sel.sStart, sel.sEnd);
+}
+
 void MainDialog::TrackWaveWindowMenu(const QPoint& ptGlobal)
 {
     QMenu menu(this);
-    for (int nId : std::initializer_list<int>{CmUndoId, 0, CmCutId, CmCopyId, CmPasteId, CmPasteFromClipboardId, CmPasteMixId, CmDeleteId, 0,
+    for (int nId : std::initializer_list<int>{CmUndoId, CmRedoId, 0, CmCutId, CmCopyId, CmPasteId, CmPasteFromClipboardId, CmPasteMixId, CmDeleteId, 0,
                     CmSelectAllId, CmSelectToStartId, CmSelectToEndId, 0, CmTrimId, CmTrimStartId, CmTrimEndId,
                     CmSilenceId, CmRepeatLoopId, CmCopyToNewId}) {
         if (nId == 0)

@@ -166,7 +166,7 @@ public:
     {
         LCutListAudio& doc = file.GetDocument();
         const int64_t a = Pos(), b = Pos();
-        const int nOp = Rand(0, 15);
+        const int nOp = Rand(0, 17);
         szWhat = "op " + std::to_string(nOp) + " " + std::to_string(a) + "," + std::to_string(b);
         if (model.Len() > 2000) { // keep the documents small: trim back
             Modify("Trim End");
@@ -190,6 +190,7 @@ public:
         case 9: { const int32_t p = Percent(); Modify("Amplify"); doc.EfAmplifyAll(p); model.AmplifyAll(p); break; }
         case 10: Modify("Paste"); doc.Replace(I(a), I(b), clip); model.Delete(a, b); model.Insert(a, modelClip); break;
         case 11: case 12: Modify("Paste"); doc.Insert(I(b), clip); model.Insert(b, modelClip); break;
+        case 16: case 17: Redo(); break;
         default: Undo(); break;
         }
     }
@@ -200,6 +201,7 @@ public:
         ASSERT_EQ(doc.GetLength(), model.Len()) << szWhat;
         ASSERT_EQ(ReadDoc(doc), model.Output()) << szWhat;
         ASSERT_EQ(file.GetUndoLevels(), static_cast<int>(undo.size())) << szWhat;
+        ASSERT_EQ(file.GetRedoLevels(), static_cast<int>(redo.size())) << szWhat;
     }
 
     // Reads in random pieces from a random start, as a player that seeks does.
@@ -251,13 +253,24 @@ private:
         undo.push_back(model);
         if (undo.size() > LEdFile::kUndoLevels)
             undo.pop_front();
+        redo.clear();
     }
     void Undo()
     {
         EXPECT_EQ(file.Undo(), !undo.empty());
         if (!undo.empty()) {
+            redo.push_back(model);
             model = undo.back();
             undo.pop_back();
+        }
+    }
+    void Redo()
+    {
+        EXPECT_EQ(file.Redo(), !redo.empty());
+        if (!redo.empty()) {
+            undo.push_back(model);
+            model = redo.back();
+            redo.pop_back();
         }
     }
 
@@ -268,6 +281,7 @@ private:
     Model model;
     Model modelClip;
     std::deque<Model> undo;
+    std::deque<Model> redo;
     std::vector<uint16_t> vTaken;
 };
 
@@ -277,7 +291,7 @@ class CutListProperty : public DocumentTest
 {
 };
 
-TEST_F(CutListProperty, RandomEditsAndUndoReadLikeThePlainArrayModel)
+TEST_F(CutListProperty, RandomEditsUndoAndRedoReadLikeThePlainArrayModel)
 {
     int nSteps = 0;
     for (int nChans : {1, 2}) {

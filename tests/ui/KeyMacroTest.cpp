@@ -17,6 +17,7 @@
 #include "ui/macros/AddKeysCommandDlg.h"
 #include "ui/macros/LKeyMacroRunner.h"
 #include "ui/macros/LKeysPage.h"
+#include "ui/macros/LMacroCommands.h"
 #include "ui/macros/SelectKeysMacroDlg.h"
 #include "ui/settings/LSettingsDlg.h"
 #include "UiTestSupport.h"
@@ -196,6 +197,22 @@ private slots:
         const QString szPath = h->File("plainhome/.config/Korvane/Sonitra/Current/keys.dat");
         QVERIFY2(h->prompts.informs.last().startsWith("File Error: Unable to save \"" + szPath + "\""),
                  qPrintable(h->prompts.informs.last()));
+    }
+
+    void commandsAreNamedByTheirMenuPaths()
+    {
+        AddKeysCommandDlg pick(nullptr, LMacroCommands::All());
+        QStringList names;
+        for (int i = 0; i < pick.GetList()->count(); ++i)
+            names << pick.GetList()->item(i)->text();
+        for (const char* sz : {"Edit > Insert Silence > Begin", "Edit > Insert File > Begin", "File > Convert Channels > Mono",
+                               "Edit > Undo", "Edit > Redo", "Effects > Normalize...", "Bookmarks > Set Bookmark"})
+            QVERIFY2(names.contains(sz), sz);
+        QCOMPARE(names.removeDuplicates(), 0); // no two entries read alike
+        QVERIFY(!names.contains("Begin"));
+        SelectKeysMacroDlg dlg(nullptr, LKeyMacro{0, {CmInsertSilenceEndId, CmInsertFileEndId}}, {});
+        QCOMPARE(dlg.GetCommandList()->item(0)->text(), QString("Edit > Insert Silence > End"));
+        QCOMPARE(dlg.GetCommandList()->item(1)->text(), QString("Edit > Insert File > End"));
     }
 
     void versionMismatchIsToldAndTheListStaysEmpty()

@@ -1,6 +1,7 @@
 // Files through the real frame: save and reopen, the questions on closing, a failed save,
 // the recent list, the new-file rule and the second-start channel.
 #include <QAction>
+#include <QDir>
 #include <QFile>
 #include <QMenuBar>
 #include <QSignalSpy>
@@ -120,6 +121,37 @@ private slots:
         QCOMPARE(QString::fromStdString(pWindow->GetPath()), szCopy);
     }
 
+    void fileDialogsStartWhereTheUserWorks()
+    {
+        QVERIFY(QDir(h->dir.path()).mkpath("songs"));
+        QVERIFY(QDir(h->dir.path()).mkpath("takes"));
+        const QString szSong = h->File("songs/song.wav");
+        WriteWav16(szSong, 8000, 1, Ramp(800));
+        QVERIFY(Open(szSong));
+        // Open starts in the last folder opened from.
+        h->prompts.openNames.push_back({});
+        QVERIFY(frame->Command(CmOpenId));
+        QCOMPARE(QDir(h->prompts.dialogStarts.back()), QDir(h->File("songs")));
+        // Save As starts beside the document, under its own name.
+        LSettings::SetString("Folders", "SaveAsDir", h->File("takes").toStdString());
+        QVERIFY(frame->Command(CmSaveAsId)); // cancelled: no name given
+        QCOMPARE(h->prompts.dialogStarts.back(), szSong);
+        // A new file has no folder of its own: the last one saved to.
+        QVERIFY(frame->Command(CmNewId));
+        QVERIFY(frame->Command(CmSaveAsId));
+        QCOMPARE(QFileInfo(h->prompts.dialogStarts.back()).absolutePath(), h->File("takes"));
+
+        // Each filter names its patterns once.
+        for (const QString& szFilter : h->prompts.dialogFilters) {
+            for (const QString& szOne : szFilter.split(";;")) {
+                QVERIFY2(szOne.count('(') == 1 && szOne.count(')') == 1, qPrintable(szOne));
+                QVERIFY2(szOne.endsWith(')'), qPrintable(szOne));
+            }
+        }
+        QVERIFY(h->prompts.dialogFilters.front().contains("Wave Files (*.wav *.WAV"));
+        QVERIFY(h->prompts.dialogFilters.front().contains("MPEG Layer-3 Files (*.mp3 *.MP3)"));
+    }
+
     void savesAsGsmAtEightKilohertzMonoAndReopens()
     {
         const QString szPath = h->File("st.wav");
@@ -131,6 +163,8 @@ private slots:
         QCOMPARE(frame->windowTitle(), QString("Sonitra - st.gsm"));
         QCOMPARE(Bytes(szGsm).size(), 8000 / 160 * 33);
 
+        // Read back afresh: while the window is open, opening the file would only activate it.
+        QVERIFY(frame->Command(CmCloseId));
         LEdFileWindow* pWindow = Open(szGsm);
         QVERIFY(pWindow);
         const LCutListAudio& doc = pWindow->GetFile().GetDocument();

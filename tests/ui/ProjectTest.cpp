@@ -227,7 +227,7 @@ private slots:
         QCOMPARE(dlg.GetList()->topLevelItemCount(), 1);
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(1), QString("0:00:00.154"));
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(2), QString("1"));
-        QCOMPARE(dlg.GetList()->topLevelItem(0)->text(3), QString("Never"));
+        QCOMPARE(dlg.GetList()->topLevelItem(0)->text(3), QString("-"));
         dlg.Rename(0, "Verse");
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(0), QString("Verse"));
         pA->SetCursorPosition(0);

@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QTimer>
 #include <QtTest>
 
@@ -155,6 +156,47 @@ private slots:
         QVERIFY(frame->Command(CmFrequencyAnalysisId));
         QCOMPARE(frame->findChildren<LSpectrumWindow*>().size(), 1);
         QCOMPARE(pSpectrum->GetSize(), 1024);
+    }
+
+    void frequencyLabelsNeverOverlapAtAnyWidth()
+    {
+        for (int nRate : {8000, 44100, 96000}) {
+            const QString szPath = h->File(QString("r%1.wav").arg(nRate));
+            WriteWav16(szPath, nRate, 1, std::vector<int16_t>(4096, 0));
+            h->prompts.openNames.push_back({szPath});
+            QVERIFY(frame->Command(CmOpenId));
+            QVERIFY(frame->Command(CmFrequencyAnalysisId));
+            auto* pSpectrum = frame->findChild<LSpectrumWindow*>();
+            QVERIFY(pSpectrum);
+            pSpectrum->Follow();
+            for (int nWidth : {380, 450, 600, 800, 1200, 1900}) {
+                pSpectrum->resize(nWidth, 320);
+                QCoreApplication::processEvents();
+                const QRect rcPlot = pSpectrum->GetPlotRect();
+                const std::vector<LAxisTick> v = pSpectrum->GetFrequencyTicks();
+                const QString szWhere = QString("%1 Hz, %2 wide").arg(nRate).arg(nWidth);
+                std::vector<QRectF> vLabels;
+                for (const LAxisTick& t : v) {
+                    QVERIFY2(t.fHz > 10 && t.fHz < nRate / 2.0, qPrintable(szWhere));
+                    if (t.szLabel.isEmpty())
+                        continue;
+                    QVERIFY2(QRegularExpression("^\\d+(\\.\\d+)? k?Hz$").match(t.szLabel).hasMatch(),
+                             qPrintable(szWhere + ": " + t.szLabel));
+                    QVERIFY2(t.rcLabel.left() >= 0 && t.rcLabel.right() <= rcPlot.width(),
+                             qPrintable(szWhere + ": " + t.szLabel));
+                    for (const QRectF& o : vLabels)
+                        QVERIFY2(!o.intersects(t.rcLabel), qPrintable(szWhere + ": " + t.szLabel));
+                    vLabels.push_back(t.rcLabel);
+                }
+                QVERIFY2(vLabels.size() >= 3, qPrintable(szWhere));
+                // Wider windows label at least as much.
+                if (nWidth >= 1200)
+                    QVERIFY2(vLabels.size() >= 6, qPrintable(szWhere));
+            }
+        }
+        QCOMPARE(LFrequencyAxis::Label(20000), QString("20 kHz"));
+        QCOMPARE(LFrequencyAxis::Label(2500), QString("2.5 kHz"));
+        QCOMPARE(LFrequencyAxis::Label(50), QString("50 Hz"));
     }
 
     void textToSpeechMakesANewFile()

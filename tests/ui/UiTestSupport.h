@@ -35,6 +35,8 @@ public:
     QStringList questions;
     QStringList informs;
     QStringList dialogTitles;
+    QStringList dialogStarts;  // the folder or path each file dialog started at
+    QStringList dialogFilters;
 
     Answer Ask(QWidget*, const QString&, const QString& szText, bool) override
     {
@@ -49,18 +51,23 @@ public:
     {
         informs << szCaption + ": " + szText;
     }
-    QStringList GetOpenFileNames(QWidget*, const QString& szTitle, const QString&, const QString&) override
+    QStringList GetOpenFileNames(QWidget*, const QString& szTitle, const QString& szStart,
+                                 const QString& szFilter) override
     {
         dialogTitles << szTitle;
+        dialogStarts << szStart;
+        dialogFilters << szFilter;
         if (openNames.empty())
             return {};
         QStringList v = openNames.front();
         openNames.pop_front();
         return v;
     }
-    QString GetSaveFileName(QWidget*, const QString& szTitle, const QString&, const QString&) override
+    QString GetSaveFileName(QWidget*, const QString& szTitle, const QString& szStart, const QString& szFilter) override
     {
         dialogTitles << szTitle;
+        dialogStarts << szStart;
+        dialogFilters << szFilter;
         if (saveNames.empty())
             return {};
         QString v = saveNames.front();
@@ -159,9 +166,11 @@ struct FrameFixture
     std::unique_ptr<Harness> h;
     std::unique_ptr<MainDialog> frame;
     std::vector<int16_t> vOrig; // the samples of the last ramp opened
+    int nRamps = 0;
 
     bool Start()
     {
+        nRamps = 0;
         h = std::make_unique<Harness>();
         frame = std::make_unique<MainDialog>();
         frame->resize(1000, 700);
@@ -173,11 +182,13 @@ struct FrameFixture
         frame.reset();
         h.reset();
     }
-    // A mono 8 kHz ramp opened through File > Open; null when that failed.
+    // A mono 8 kHz ramp opened through File > Open; null when that failed. The first is
+    // "ramp.wav", the next ones "ramp-2.wav" and on: a file already open would only be activated.
     LEdFileWindow* OpenRamp(int nFrames)
     {
         vOrig = Ramp(nFrames);
-        const QString szPath = h->File("ramp.wav");
+        ++nRamps;
+        const QString szPath = h->File(nRamps == 1 ? QString("ramp.wav") : QString("ramp-%1.wav").arg(nRamps));
         WriteWav16(szPath, 8000, 1, vOrig);
         h->prompts.openNames.push_back({szPath});
         return frame->Command(CmOpenId) ? frame->GetCurrentFileWindow() : nullptr;

@@ -1,6 +1,7 @@
 // The settings dialog of headerless files: it is registered for ".vox" and ".raw", shows and
 // stores the three settings, refuses a bad rate, and the editor opens and saves these files.
 #include <QComboBox>
+#include <QLabel>
 #include <QSpinBox>
 #include <QTimer>
 #include <QtTest>
@@ -84,6 +85,35 @@ private slots:
         QVERIFY(!LSaveFormatOptions::Ask(nullptr, "VOX", 44100, 2, encoding));
         QVERIFY(!bChannelsOffered);
         QCOMPARE(LSettings::GetInt("Settings", "VoxRawFileFormat", 0), 6);
+    }
+
+    void openingNamesTheFileAndAVoxFileStartsAsDialogicAdpcm()
+    {
+        Stored(3, 16000, 2); // what a raw file last needed
+        const QString szVox = h->File("call.vox");
+        QString szLabel, szFormat, szRate;
+        WhenDialogShows([&](LVoxRawDlg& dlg) {
+            szLabel = Field<QLabel>(dlg, "file")->text();
+            szFormat = Field<QComboBox>(dlg, "format")->currentText();
+            szRate = Field<QComboBox>(dlg, "rate")->currentText();
+            dlg.accept();
+        });
+        QVERIFY(LSaveFormatOptions::AskOpen(nullptr, "VOX", szVox.toStdString()));
+        QVERIFY2(szLabel.contains("\"call.vox\""), qPrintable(szLabel));
+        QCOMPARE(szFormat, QString("Dialogic ADPCM"));
+        QCOMPARE(szRate, QString("16000"));
+        QCOMPARE(LSettings::GetInt("Settings", "VoxRawFileFormat", -1), 0);
+
+        // A raw file keeps the stored encoding, and is named as well.
+        Stored(3, 16000, 2);
+        WhenDialogShows([&](LVoxRawDlg& dlg) {
+            szLabel = Field<QLabel>(dlg, "file")->text();
+            szFormat = Field<QComboBox>(dlg, "format")->currentText();
+            dlg.reject();
+        });
+        QVERIFY(!LSaveFormatOptions::AskOpen(nullptr, "RAW", h->File("take.raw").toStdString()));
+        QVERIFY2(szLabel.contains("\"take.raw\""), qPrintable(szLabel));
+        QCOMPARE(szFormat, QString("16 bit PCM (LE)"));
     }
 
     void aBadRateIsRefused()

@@ -38,13 +38,29 @@ QTreeWidget* ListOf(LWaveFormatChooseDlg& dlg)
     return dlg.findChild<QTreeWidget*>("formats");
 }
 
+// The format rows of the chooser, group by group.
+std::vector<QTreeWidgetItem*> Rows(LWaveFormatChooseDlg& dlg)
+{
+    std::vector<QTreeWidgetItem*> v;
+    QTreeWidget* p = ListOf(dlg);
+    for (int g = 0; g < p->topLevelItemCount(); ++g)
+        for (int i = 0; i < p->topLevelItem(g)->childCount(); ++i)
+            v.push_back(p->topLevelItem(g)->child(i));
+    return v;
+}
+
+// The group a row sits in ("PCM", "Compressed").
+QString GroupOf(const QTreeWidgetItem* pRow)
+{
+    return pRow->parent() ? pRow->parent()->text(0) : QString();
+}
+
 // Picks the first row whose format column reads szFormat.
 void Pick(LWaveFormatChooseDlg& dlg, const QString& szFormat)
 {
-    QTreeWidget* p = ListOf(dlg);
-    for (int i = 0; i < p->topLevelItemCount(); ++i) {
-        if (p->topLevelItem(i)->text(0) == szFormat) {
-            p->setCurrentItem(p->topLevelItem(i));
+    for (QTreeWidgetItem* pRow : Rows(dlg)) {
+        if (pRow->text(0) == szFormat) {
+            ListOf(dlg)->setCurrentItem(pRow);
             dlg.accept();
             return;
         }
@@ -113,11 +129,28 @@ private slots:
         int nRows = 0;
         WhenShown<LWaveFormatChooseDlg>([&nRows](LWaveFormatChooseDlg& dlg) {
             QTreeWidget* p = ListOf(dlg);
-            nRows = p->topLevelItemCount();
+            nRows = static_cast<int>(Rows(dlg).size());
             QCOMPARE(p->currentItem()->text(0), QString("IMA ADPCM")); // the current choice
             QCOMPARE(p->currentItem()->text(1), QString("11025 Hz"));
-            for (int i = 0; i < nRows; ++i)
-                QCOMPARE(p->topLevelItem(i)->text(2), QString("Stereo"));
+            QCOMPARE(GroupOf(p->currentItem()), QString("Compressed"));
+            bool bGsm = false;
+            for (QTreeWidgetItem* pRow : Rows(dlg)) {
+                // Stereo throughout, but for a mono-only codec whose rows say what saving does.
+                if (pRow->text(0) == "GSM 6.10") {
+                    bGsm = true;
+                    QCOMPARE(pRow->text(2), QString("Mono (both channels mixed)"));
+                } else {
+                    QCOMPARE(pRow->text(2), QString("Stereo"));
+                }
+                // Wider and float samples are PCM, not compressed.
+                const bool bPcm = pRow->text(0).startsWith("PCM ") || pRow->text(0).startsWith("IEEE float");
+                QCOMPARE(GroupOf(pRow), bPcm ? QString("PCM") : QString("Compressed"));
+            }
+            QVERIFY(bGsm); // a stereo sound can still be saved as GSM
+            // A group's title is not a format: OK on it keeps the dialog open.
+            p->setCurrentItem(p->topLevelItem(1));
+            dlg.accept();
+            QVERIFY(dlg.isVisible());
             Pick(dlg, "MS ADPCM");
         });
         QVERIFY(LWaveFileFormat::Choose(nullptr, v, 2, "Format"));

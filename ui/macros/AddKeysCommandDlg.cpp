@@ -18,7 +18,7 @@ AddKeysCommandDlg::AddKeysCommandDlg(QWidget* pParent, const std::vector<int>& v
     pList->setObjectName("CommandList");
     pList->setSelectionMode(QAbstractItemView::ExtendedSelection);
     for (int nId : vCommands) {
-        auto* pItem = new QListWidgetItem(LMacroCommands::NameOf(static_cast<uint32_t>(nId)), pList);
+        auto* pItem = new QListWidgetItem(LMacroCommands::PathOf(static_cast<uint32_t>(nId)), pList);
         pItem->setData(Qt::UserRole, nId);
     }
     pList->setMinimumHeight(300);

@@ -3,6 +3,7 @@
 #include <QObject>
 
 #include "ui/LCommandTable.h"
+#include "ui/LMenuLayout.h"
 
 namespace {
 QKeySequence AccelKey(const char* szAccel)
@@ -38,6 +39,12 @@ QString LMacroCommands::NameOf(uint32_t uId)
     return sz;
 }
 
+QString LMacroCommands::PathOf(uint32_t uId)
+{
+    const QString szPath = uId < 100000 ? LMenuLayout::PathOf(static_cast<int>(uId)) : QString();
+    return szPath.isEmpty() ? NameOf(uId) : szPath;
+}
+
 QKeySequence LMacroCommands::KeyOf(uint32_t uKey)
 {
     return uKey ? QKeySequence(QKeyCombination::fromCombined(static_cast<int>(uKey))) : QKeySequence();
@@ -56,7 +63,7 @@ QString LMacroCommands::WhyRefused(uint32_t uKey)
     const QString szKey = key.toString(QKeySequence::NativeText);
     for (int nId : All()) {
         const LCommandInfo* pInfo = LCommandTable::Find(nId);
-        if (*pInfo->szAccel && AccelKey(pInfo->szAccel) == key)
+        if ((*pInfo->szAccel && AccelKey(pInfo->szAccel) == key) || (*pInfo->szAccel2 && AccelKey(pInfo->szAccel2) == key))
             return QObject::tr("The key %1 is already used by the menu command \"%2\". Please choose another key.")
                 .arg(szKey, NameOf(static_cast<uint32_t>(nId)));
     }

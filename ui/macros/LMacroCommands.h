@@ -15,6 +15,9 @@ public:
     static const std::vector<int>& All();
     // The menu text without its accelerator marks and key ("Normalize..."); the number for an unknown one.
     static QString NameOf(uint32_t uId);
+    // Where the command sits in the menus ("Edit > Insert Silence > Begin"), so that commands of
+    // the same name tell apart; the name alone for one in no menu.
+    static QString PathOf(uint32_t uId);
     // The key of a macro's key code, and back (0 for no key).
     static QKeySequence KeyOf(uint32_t uKey);
     static uint32_t CodeOf(const QKeySequence& key);

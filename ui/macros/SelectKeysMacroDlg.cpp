@@ -76,7 +76,7 @@ void SelectKeysMacroDlg::Refill(int nSelect)
 {
     pCommands->clear();
     for (uint32_t uId : macro.vCommands)
-        pCommands->addItem(LMacroCommands::NameOf(uId));
+        pCommands->addItem(LMacroCommands::PathOf(uId));
     if (nSelect >= 0 && nSelect < pCommands->count())
         pCommands->setCurrentRow(nSelect);
 }

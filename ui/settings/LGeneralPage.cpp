@@ -9,6 +9,7 @@
 #include <QRadioButton>
 #include <QSpinBox>
 
+#include "core/LEdFile.h"
 #include "core/LSettings.h"
 #include "ui/LUiPrompts.h"
 #include "ui/NewWavDlg.h"
@@ -46,6 +47,10 @@ LGeneralPage::LGeneralPage(QWidget* pParent) : LSettingsPage(pParent)
     pTrimThreshold->setRange(-127, 127);
     pTrimThreshold->setSuffix(tr(" dB"));
     pTrimThreshold->setValue(std::clamp(LSettings::GetInt(kSection, "AutoTrimThreshold", -20), -127, 127));
+    pUndoLevels = new QSpinBox(this);
+    pUndoLevels->setObjectName("UndoLevels");
+    pUndoLevels->setRange(1, LEdFile::kMaxUndoLevels);
+    pUndoLevels->setValue(LEdFile::ConfiguredUndoLevels());
 
     auto* pForm = new QFormLayout(this);
     pForm->addRow(pAutoPlay);
@@ -53,6 +58,7 @@ LGeneralPage::LGeneralPage(QWidget* pParent) : LSettingsPage(pParent)
     pForm->addRow(tr("New file sample rate (Hz):"), pRate);
     pForm->addRow(tr("New file channels:"), pChans);
     pForm->addRow(tr("Auto-trim threshold:"), pTrimThreshold);
+    pForm->addRow(tr("Undo levels:"), pUndoLevels);
 }
 
 bool LGeneralPage::Validate()
@@ -74,4 +80,5 @@ void LGeneralPage::Save()
     LSettings::SetInt(kSection, "DefaultSampleRate", nRate);
     LSettings::SetInt(kSection, "DefaultChannels", pMono->isChecked() ? 1 : 2);
     LSettings::SetInt(kSection, "AutoTrimThreshold", pTrimThreshold->value());
+    LSettings::SetInt(kSection, "UndoLevels", pUndoLevels->value());
 }

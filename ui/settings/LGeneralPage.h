@@ -1,4 +1,4 @@
-// General settings: new files, playback after effects, the auto-trim threshold.
+// General settings: new files, playback after effects, the auto-trim threshold, undo levels.
 #pragma once
 
 #include "ui/settings/LSettingsPage.h"
@@ -25,4 +25,5 @@ private:
     QRadioButton* pMono;
     QRadioButton* pStereo;
     QSpinBox* pTrimThreshold;
+    QSpinBox* pUndoLevels;
 };

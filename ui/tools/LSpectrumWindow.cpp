@@ -20,6 +20,7 @@
 #include "ui/LEdFileWindow.h"
 #include "ui/LTransport.h"
 #include "ui/MainDialog.h"
+#include "ui/tools/LFrequencyAxis.h"
 
 namespace {
 constexpr const char* kSection = "StoredValues";
@@ -62,6 +63,8 @@ public:
     }
     double fMouseHz = -1;
     std::function<void()> fnMouseMoved;
+    // The frequency ticks for the plot's present width.
+    std::vector<LAxisTick> GetTicks() const { return LFrequencyAxis::Ticks(PlotRect(), kLowHz, TopHz(), fontMetrics()); }
 
 protected:
     void paintEvent(QPaintEvent*) override;
@@ -100,15 +103,11 @@ void LSpectrumPlot::paintEvent(QPaintEvent*)
         p.drawText(QRectF(0, YOf(fDb) - 8, r.left() - 4, 16), Qt::AlignRight | Qt::AlignVCenter,
                    QString::number(fDb, 'f', 0));
     }
-    for (double fHz : {20.0, 50.0, 100.0, 200.0, 500.0, 1000.0, 2000.0, 5000.0, 10000.0, 20000.0, 50000.0}) {
-        if (fHz >= TopHz())
-            break;
-        const double x = XOf(fHz);
-        p.drawLine(QPointF(x, r.top()), QPointF(x, r.bottom()));
-        const QString sz = fHz >= 1000 ? QString("%1k").arg(fHz / 1000) : QString::number(fHz);
-        p.drawText(QRectF(x - 30, r.bottom() + 2, 60, 16), Qt::AlignHCenter | Qt::AlignTop, sz);
+    for (const LAxisTick& t : GetTicks()) {
+        p.drawLine(QPointF(t.x, r.top()), QPointF(t.x, r.bottom()));
+        if (!t.szLabel.isEmpty())
+            p.drawText(t.rcLabel, Qt::AlignHCenter | Qt::AlignTop, t.szLabel);
     }
-    p.drawText(QRectF(r.right() - 60, r.bottom() + 2, 60, 16), Qt::AlignRight | Qt::AlignTop, "Hz");
     p.setPen(palette().text().color());
     p.drawRect(r);
     if (!pSpectrum || pSpectrum->GetDb().size() < 2)
@@ -215,7 +214,7 @@ void LSpectrumWindow::Follow()
         std::snprintf(sz, sizeof sz, "%p %d %d %d %d %d ", static_cast<void*>(pWindow), file.GetSelStart(),
                       file.GetSelEnd(), bPlaying ? sPlayPosition : file.GetCursor(), file.GetDocument().GetLength(),
                       nSize);
-        szKey = sz + file.GetUndoMenuText();
+        szKey = sz + std::to_string(file.GetChangeSerial());
     }
     if (szKey != szLastKey)
         Analyse(szKey);
@@ -253,6 +252,16 @@ void LSpectrumWindow::Analyse(const std::string& szKey)
     }
     pPlot->SetSpectrum(&spectrum);
     pReadout->setText(GetReadout());
+}
+
+std::vector<LAxisTick> LSpectrumWindow::GetFrequencyTicks() const
+{
+    return pPlot->GetTicks();
+}
+
+QRect LSpectrumWindow::GetPlotRect() const
+{
+    return pPlot->geometry();
 }
 
 QString LSpectrumWindow::GetReadout() const

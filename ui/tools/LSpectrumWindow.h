@@ -8,8 +8,10 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "dsp/LSpectrum.h"
+#include "ui/tools/LFrequencyAxis.h"
 
 class MainDialog;
 class QComboBox;
@@ -39,6 +41,9 @@ public:
     int32_t GetStart() const { return sStart; }
     int32_t GetEnd() const { return sEnd; }
     QString GetReadout() const;
+    // The frequency axis as drawn now, in the plot's own coordinates, and where the plot sits.
+    std::vector<LAxisTick> GetFrequencyTicks() const;
+    QRect GetPlotRect() const;
 
 private:
     void Analyse(const std::string& szKey);
