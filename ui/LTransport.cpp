@@ -1,6 +1,7 @@
 #include "ui/LTransport.h"
 
 #include <QPointer>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -30,6 +31,9 @@ const char* const kPlayerDeviceText =
 const char* const kRecorderDeviceText =
     "Please check that you have selected the correct sound recorder device using Settings. Open Settings using "
     "File->Settings";
+const char* const kRecordingNotWrittenText =
+    "Not all of the recording could be written to the working folder (is the disk full?). What was written "
+    "has been kept.";
 
 enum Mode
 {
@@ -159,7 +163,14 @@ struct LTransport::Impl : public LSoundPlayerNotify, public LSoundRecorderNotify
     {
         nMode = ModeIdle;
         recorder.Stop();
-        pWriter.Reset(); // the writer finishes: the scratch document holds what was recorded
+        // The writer finishes: the scratch document holds what was recorded. A failed finish (a
+        // full disk) still keeps what reached the document, and the user is told.
+        const bool bWritten = !pWriter || pWriter->Complete();
+        pWriter.Reset();
+        if (!bWritten)
+            QTimer::singleShot(0, &frame, [this] {
+                LUiPrompts::Get().Inform(&frame, "File Error", kRecordingNotWrittenText, LUiPrompts::IconError);
+            });
         LCutListAudioPtr pTake = pRecordDoc;
         pRecordDoc.Reset();
         if (pWindow && pTake && pTake->GetLength() > 0) {
