@@ -116,14 +116,14 @@ LEdProject::ReadResult LEdProject::Read(LByteReader& in, const LCutListSerial::R
     for (unsigned i = 0; i < nBookmarks; ++i) {
         LEdBookMark b;
         if (!b.Read(in))
-            return ReadDone; // a short record ends the list and is dropped
+            return damaged("bookmark " + std::to_string(i + 1) + " cut short");
         vBookmarks.push_back(b);
     }
     if (fnStage)
         fnStage(pStageArg, StageRegions);
     uint8_t nRegions = 0;
     if (!in.U8(nRegions))
-        return ReadDone;
+        return damaged("no region count");
     for (unsigned i = 0; i < nRegions; ++i) {
         LEdRegion r;
         std::string szWhy;
@@ -133,5 +133,8 @@ LEdProject::ReadResult LEdProject::Read(LByteReader& in, const LCutListSerial::R
             return damaged(szWhy);
         vRegions.push_back(std::move(r));
     }
+    // Bytes after the last region mean the counts do not describe this file.
+    if (in.Remaining() != 0)
+        return damaged(std::to_string(in.Remaining()) + " bytes after the last region");
     return ReadDone;
 }

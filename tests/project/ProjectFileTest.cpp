@@ -293,3 +293,25 @@ TEST_F(ProjectFileTest, DamagedCutListsAreRefusedWithoutBuildingAnything)
     ASSERT_EQ(good.GetProject().vFiles.size(), 1u);
     EXPECT_EQ(good.GetProject().vFiles[0].pDoc->GetLength(), 10);
 }
+
+TEST_F(ProjectFileTest, ACutOrPaddedProjectIsRefusedWhereverItEnds)
+{
+    LEdProject p = RichProject(dir.Path());
+    std::unique_ptr<LProjectSegments> pSegs;
+    ASSERT_EQ(Save(dir.File("whole.snp"), p, pSegs), 0);
+    const std::vector<uint8_t> vWhole = ReadFileBytes(dir.File("whole.snp"));
+    auto refused = [&](const std::vector<uint8_t>& v) {
+        // Beside the saved one, so that its audio folder is the same.
+        WriteFileBytes(dir.File("whole.snp"), v);
+        LEdLoadProject load(dir.File("whole.snp"));
+        return load.Run() == LProgressDialog::ResultError && !load.GetError().empty();
+    };
+    for (size_t n = 1; n < vWhole.size(); ++n)
+        EXPECT_TRUE(refused(std::vector<uint8_t>(vWhole.begin(), vWhole.begin() + n))) << "cut to " << n << " bytes";
+    std::vector<uint8_t> vPadded = vWhole;
+    vPadded.push_back(0);
+    EXPECT_TRUE(refused(vPadded)) << "one byte after the last region";
+    WriteFileBytes(dir.File("whole.snp"), vWhole);
+    LEdLoadProject load(dir.File("whole.snp"));
+    EXPECT_EQ(load.Run(), 0) << load.GetError();
+}
