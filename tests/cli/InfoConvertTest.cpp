@@ -173,7 +173,7 @@ TEST(CliConvert, UsageErrorsExitWith64)
 }
 
 namespace {
-void PutBytes(std::vector<uint8_t>& v, uint32_t x, int nBytes, bool bBig)
+void PutBytes(std::vector<uint8_t>& v, uint64_t x, int nBytes, bool bBig)
 {
     for (int i = 0; i < nBytes; ++i)
         v.push_back(static_cast<uint8_t>(x >> (8 * (bBig ? nBytes - 1 - i : i))));
