@@ -11,6 +11,11 @@
 #include "formats/mp3/LMP3Source.h"
 #include "support/TestSupport.h"
 
+// The MP3 tests make their files with lame and check them against mpg123.
+#define REQUIRE_CODEC_TOOLS()                                                                                          \
+    if (!testsupport::HaveTool("lame") || !testsupport::HaveTool("mpg123"))                                            \
+    GTEST_SKIP() << "lame and mpg123 are needed to make and check MP3 files"
+
 namespace mp3test {
 
 inline std::string Quote(const std::string& s)

@@ -169,10 +169,6 @@ std::vector<int16_t> ReadToTheEnd(LSoundSourceBase& src)
     return vOut;
 }
 
-#define REQUIRE_CODEC_TOOLS()                                                                                          \
-    if (!HaveTool("lame") || !HaveTool("mpg123"))                                                                      \
-    GTEST_SKIP() << "lame and mpg123 are needed to make and check MP3 files"
-
 } // namespace
 
 TEST(Mp3Tags, TaggedLameFilesDecodeToExactlyWhatTheEncoderWasGiven)
