@@ -9,6 +9,7 @@
 #include "formats/LG711.h"
 #include "support/TestSupport.h"
 #include "tests/formats/ToolAudio.h"
+#include "tests/formats/SaveProcess.h"
 #include "work/LProgressDialog.h"
 
 using namespace toolaudio;
@@ -149,22 +150,6 @@ protected:
 
     TempDir dir;
     int nFiles = 0;
-};
-
-struct SaveProcess : LProgressDialog
-{
-    SaveProcess(LSoundSourceBase* pSrc, std::string szPath, const std::string& szEncoding)
-        : LProgressDialog("Saving"), pSource(pSrc), szPath(szPath), encoding(LAudioEncoding::Named(szEncoding))
-    {
-    }
-    int32_t Process() override
-    {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, pSource->GetSampleRate(),
-                                pSource->GetChannels(), encoding, &szError);
-    }
-    LSoundSourcePtr pSource;
-    std::string szPath, szError;
-    LAudioEncoding encoding;
 };
 
 uint32_t BE32At(const Bytes& v, size_t n)

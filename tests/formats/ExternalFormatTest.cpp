@@ -15,6 +15,7 @@
 #include "formats/LAudioFormat.h"
 #include "formats/LSRCPipeDecoder.h"
 #include "support/TestSupport.h"
+#include "tests/formats/SaveProcess.h"
 #include "work/LProgressDialog.h"
 
 using namespace testsupport;
@@ -55,18 +56,6 @@ std::string MakeScript(const TempDir& dir, const std::string& szName, const std:
     ::chmod(szPath.c_str(), 0755);
     return szPath;
 }
-
-struct SaveProcess : LProgressDialog
-{
-    SaveProcess(LSoundSourceBase* pSrc, std::string szPath) : LProgressDialog("Saving"), pSource(pSrc), szPath(szPath) {}
-    int32_t Process() override
-    {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, pSource->GetSampleRate(),
-                                pSource->GetChannels(), LAudioEncoding(), &szError);
-    }
-    LSoundSourcePtr pSource;
-    std::string szPath, szError;
-};
 
 // The settings a test changes are put back, so that tests never see each other's components.
 struct ComponentPath

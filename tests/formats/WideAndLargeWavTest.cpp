@@ -12,6 +12,7 @@
 #include "formats/codec/LCodecPCM.h"
 #include "support/TestSupport.h"
 #include "tests/formats/CodecFiles.h"
+#include "tests/formats/SaveProcess.h"
 #include "tests/formats/ToolAudio.h"
 #include "work/LProgressDialog.h"
 
@@ -25,22 +26,6 @@ using toolaudio::RunTool;
 namespace {
 
 // Saves a source as a file keeping the encoding it was read in.
-struct SaveAs : LProgressDialog
-{
-    SaveAs(LSoundSourceBase* pSrc, std::string szPath, LAudioEncoding encoding)
-        : LProgressDialog("Saving"), pSource(pSrc), szPath(std::move(szPath)), encoding(std::move(encoding))
-    {
-    }
-    int32_t Process() override
-    {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, pSource->GetSampleRate(),
-                                pSource->GetChannels(), encoding, &szError);
-    }
-    LSoundSourcePtr pSource;
-    std::string szPath, szError;
-    LAudioEncoding encoding;
-};
-
 // Opens a file and saves it under another name in the encoding it was read in.
 std::string RoundTrip(const std::string& szIn, const std::string& szOut, LAudioFileDetails* pDetails = nullptr)
 {
@@ -51,7 +36,7 @@ std::string RoundTrip(const std::string& szIn, const std::string& szOut, LAudioF
         return szError;
     if (pDetails)
         *pDetails = details;
-    SaveAs save(p.Get(), szOut, details.encoding);
+    SaveProcess save(p.Get(), szOut, details.encoding);
     return save.Run() == LProgressDialog::ResultDone ? std::string() : save.szError;
 }
 
@@ -237,7 +222,7 @@ TEST(LargeFiles, ASaveThatPassesTheLimitIsWrittenAsRF64)
         {
             Limit limit(20000); // below the 32000 bytes of 16-bit samples
             LSoundSourcePtr p = LAudioFile::OpenSource(szIn);
-            SaveAs save(p.Get(), szOut, LAudioEncoding::Named(szEncoding));
+            SaveProcess save(p.Get(), szOut, LAudioEncoding::Named(szEncoding));
             ASSERT_EQ(save.Run(), LProgressDialog::ResultDone) << save.szError;
         }
         const Bytes v = ReadFileBytes(szOut);

@@ -29,16 +29,6 @@ using namespace uitest;
 
 namespace {
 
-// Acts on the dialog once it is up; set after the command, whose dialog opens from the event loop.
-template <typename Dlg>
-void WhenDialogShows(std::function<void(Dlg&)> fn)
-{
-    QTimer::singleShot(0, [fn] {
-        QTRY_VERIFY(qobject_cast<Dlg*>(QApplication::activeModalWidget()));
-        fn(*qobject_cast<Dlg*>(QApplication::activeModalWidget()));
-    });
-}
-
 // Three stereo tracks of ramps with known lengths, the second titled by CD-TEXT.
 std::vector<std::vector<int16_t>> WriteImage(const QString& szCue)
 {

@@ -19,15 +19,6 @@
 using namespace uitest;
 
 namespace {
-// Acts on the settings dialog once it is up.
-void WhenDialogShows(std::function<void(LEffectSettingsDlg&)> fn)
-{
-    QTimer::singleShot(0, [fn] {
-        QTRY_VERIFY(qobject_cast<LEffectSettingsDlg*>(QApplication::activeModalWidget()));
-        fn(*qobject_cast<LEffectSettingsDlg*>(QApplication::activeModalWidget()));
-    });
-}
-
 void Type(LEffectSettingsDlg& dlg, const char* szKey, const QString& sz)
 {
     qobject_cast<QLineEdit*>(dlg.FieldOf(szKey))->setText(sz);
@@ -50,7 +41,7 @@ private slots:
         QVERIFY(pWindow);
         pWindow->SetSelection(1000, 5000);
         QVERIFY(frame->GetAction(CmEchoId)->isEnabled());
-        WhenDialogShows([](LEffectSettingsDlg& dlg) {
+        WhenDialogShows<LEffectSettingsDlg>([](LEffectSettingsDlg& dlg) {
             Type(dlg, "EchoTime", "100");
             Type(dlg, "EchoGain", "50");
             dlg.accept();
@@ -73,7 +64,7 @@ private slots:
         LEdFileWindow* pWindow = OpenRamp(44100);
         QVERIFY(pWindow);
         pWindow->SetSelection(0, 40000);
-        WhenDialogShows([](LEffectSettingsDlg& dlg) {
+        WhenDialogShows<LEffectSettingsDlg>([](LEffectSettingsDlg& dlg) {
             Type(dlg, "ConstPitchSpeed", "200");
             dlg.accept();
         });
@@ -81,7 +72,7 @@ private slots:
         QCOMPARE(UndoText(), QString("Undo Constant Pitch and Speed Change\tCtrl+Z"));
         QCOMPARE(LStoredValues::Get("ConstPitchSpeed"), 200);
         QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 20000 + 4100);
-        WhenDialogShows([this](LEffectSettingsDlg& dlg) {
+        WhenDialogShows<LEffectSettingsDlg>([this](LEffectSettingsDlg& dlg) {
             Type(dlg, "ConstSpeedPitch", "301");
             dlg.accept();
             QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Speed Change Percent must be less than 300."));
@@ -95,7 +86,7 @@ private slots:
     {
         LEdFileWindow* pWindow = OpenRamp(4000);
         QVERIFY(pWindow);
-        WhenDialogShows([this](LEffectSettingsDlg& dlg) {
+        WhenDialogShows<LEffectSettingsDlg>([this](LEffectSettingsDlg& dlg) {
             Type(dlg, "ReverbTime", "1001");
             dlg.accept();
             QVERIFY(dlg.isVisible());

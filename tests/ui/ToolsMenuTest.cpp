@@ -27,16 +27,6 @@
 using namespace uitest;
 
 namespace {
-// Acts on the dialog once it is up; set after the command, whose dialog opens from the event loop.
-template <typename Dlg>
-void WhenDialogShows(std::function<void(Dlg&)> fn)
-{
-    QTimer::singleShot(0, [fn] {
-        QTRY_VERIFY(qobject_cast<Dlg*>(QApplication::activeModalWidget()));
-        fn(*qobject_cast<Dlg*>(QApplication::activeModalWidget()));
-    });
-}
-
 bool HaveEspeak()
 {
     return QProcess::execute("sh", {"-c", "command -v espeak-ng >/dev/null"}) == 0;

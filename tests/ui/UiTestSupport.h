@@ -3,12 +3,14 @@
 #pragma once
 
 #include <QApplication>
+#include <QTimer>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -23,6 +25,16 @@
 #include "ui/LUiPrompts.h"
 
 namespace uitest {
+
+// Acts on the dialog once it is up; set after the command, whose dialog opens from the event loop.
+template <typename Dlg>
+void WhenDialogShows(std::function<void(Dlg&)> fn)
+{
+    QTimer::singleShot(0, [fn] {
+        QTRY_VERIFY(qobject_cast<Dlg*>(QApplication::activeModalWidget()));
+        fn(*qobject_cast<Dlg*>(QApplication::activeModalWidget()));
+    });
+}
 
 // Answers from queues; what was asked is kept for the test to check.
 class ScriptedPrompts : public LUiPrompts

@@ -18,15 +18,6 @@
 using namespace uitest;
 
 namespace {
-// Acts on the dialog once it is up.
-void WhenDialogShows(std::function<void(LVoxRawDlg&)> fn)
-{
-    QTimer::singleShot(0, [fn] {
-        QTRY_VERIFY(qobject_cast<LVoxRawDlg*>(QApplication::activeModalWidget()));
-        fn(*qobject_cast<LVoxRawDlg*>(QApplication::activeModalWidget()));
-    });
-}
-
 template <class T>
 T* Field(LVoxRawDlg& dlg, const char* szName)
 {
@@ -57,7 +48,7 @@ private slots:
         QVERIFY(LSaveFormatOptions::HasDialog("RAW"));
         Stored(2, 11025, 2);
         bool bChannelsOffered = false;
-        WhenDialogShows([&](LVoxRawDlg& dlg) {
+        WhenDialogShows<LVoxRawDlg>([&](LVoxRawDlg& dlg) {
             QCOMPARE(Field<QComboBox>(dlg, "format")->currentText(), QString("G711 aLaw"));
             QCOMPARE(Field<QComboBox>(dlg, "format")->count(), 7);
             QCOMPARE(Field<QComboBox>(dlg, "rate")->currentText(), QString("11025"));
@@ -77,7 +68,7 @@ private slots:
         QCOMPARE(LSettings::GetInt("Settings", "VoxRawFileChannels", 0), 3);
 
         // A ".vox" file holds one channel: the count is not offered. Cancel keeps everything.
-        WhenDialogShows([&](LVoxRawDlg& dlg) {
+        WhenDialogShows<LVoxRawDlg>([&](LVoxRawDlg& dlg) {
             bChannelsOffered = Field<QSpinBox>(dlg, "channels")->isEnabled();
             Field<QComboBox>(dlg, "format")->setCurrentIndex(0);
             dlg.reject();
@@ -92,7 +83,7 @@ private slots:
         Stored(3, 16000, 2); // what a raw file last needed
         const QString szVox = h->File("call.vox");
         QString szLabel, szFormat, szRate;
-        WhenDialogShows([&](LVoxRawDlg& dlg) {
+        WhenDialogShows<LVoxRawDlg>([&](LVoxRawDlg& dlg) {
             szLabel = Field<QLabel>(dlg, "file")->text();
             szFormat = Field<QComboBox>(dlg, "format")->currentText();
             szRate = Field<QComboBox>(dlg, "rate")->currentText();
@@ -106,7 +97,7 @@ private slots:
 
         // A raw file keeps the stored encoding, and is named as well.
         Stored(3, 16000, 2);
-        WhenDialogShows([&](LVoxRawDlg& dlg) {
+        WhenDialogShows<LVoxRawDlg>([&](LVoxRawDlg& dlg) {
             szLabel = Field<QLabel>(dlg, "file")->text();
             szFormat = Field<QComboBox>(dlg, "format")->currentText();
             dlg.reject();
@@ -119,7 +110,7 @@ private slots:
     void aBadRateIsRefused()
     {
         Stored(0, 8000, 1);
-        WhenDialogShows([&](LVoxRawDlg& dlg) {
+        WhenDialogShows<LVoxRawDlg>([&](LVoxRawDlg& dlg) {
             Field<QComboBox>(dlg, "rate")->setCurrentText("900");
             dlg.accept();
             QVERIFY(dlg.isVisible());
