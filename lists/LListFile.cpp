@@ -1,5 +1,9 @@
 #include "lists/LListFile.h"
 
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
 #include "core/LTrace.h"
 
 namespace LListFile {
@@ -47,6 +51,38 @@ std::string LoadMessage(LListLoad result, const std::string& szPath, const std::
     case LListLoad::Damaged: return DamagedMessage(szPath, szWhy);
     }
     return std::string();
+}
+
+bool KeepAside(const std::string& szPath, std::string* pszKeptAs, std::string* pszError)
+{
+    pszKeptAs->clear();
+    for (int nTry = 1; nTry < 1000; ++nTry) {
+        const std::string szTo = szPath + ".damaged" + (nTry == 1 ? std::string() : "-" + std::to_string(nTry));
+        // A hard link never replaces an existing name, unlike a rename.
+        if (::link(szPath.c_str(), szTo.c_str()) == 0) {
+            if (::unlink(szPath.c_str()) != 0) {
+                *pszError = std::strerror(errno);
+                ::unlink(szTo.c_str());
+                return false;
+            }
+            *pszKeptAs = szTo;
+            return true;
+        }
+        if (errno == ENOENT)
+            return true;
+        if (errno != EEXIST) {
+            *pszError = std::strerror(errno);
+            return false;
+        }
+    }
+    *pszError = "no free name to keep it under";
+    return false;
+}
+
+std::string KeptAsideMessage(const std::string& szPath, const std::string& szKeptAs)
+{
+    return "The file \"" + szPath + "\" could not be loaded; it was kept as \"" + szKeptAs +
+           "\" and a new one was saved.";
 }
 
 } // namespace LListFile

@@ -39,4 +39,12 @@ std::string DamagedMessage(const std::string& szPath, const std::string& szWhy);
 std::string SaveFailedMessage(const std::string& szPath, const std::string& szWhy);
 // The message for a load result other than Loaded (empty for Loaded).
 std::string LoadMessage(LListLoad result, const std::string& szPath, const std::string& szWhy);
+
+// Moves a file that could not be loaded out of the way before a new list takes its name, so
+// the records the user had in it are not overwritten: it becomes "NAME.damaged" (or
+// "NAME.damaged-2"...), never replacing another file. True with the new name in *pszKeptAs when
+// moved or when there was nothing to move (*pszKeptAs empty); false with the reason.
+bool KeepAside(const std::string& szPath, std::string* pszKeptAs, std::string* pszError);
+// What the user is told once a damaged file was kept aside.
+std::string KeptAsideMessage(const std::string& szPath, const std::string& szKeptAs);
 } // namespace LListFile

@@ -215,16 +215,31 @@ private slots:
         QCOMPARE(dlg.GetCommandList()->item(1)->text(), QString("Edit > Insert File > End"));
     }
 
-    void versionMismatchIsToldAndTheListStaysEmpty()
+    // A file that cannot be loaded is told about, and a later save keeps it beside the new one
+    // instead of overwriting the user's macros in it.
+    void anUnreadableFileIsToldAndKeptWhenANewListIsSaved()
     {
-        QFile f(h->File("keys.dat"));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(1, '\x01'));
-        f.close();
-        LKeysPage page(nullptr);
-        QVERIFY(page.GetMacros().empty());
-        QCOMPARE(h->prompts.informs.last(),
-                 QString("File Error: This file does not have the same version with the current Sonitra version or it is corrupted."));
+        const QString szKeys = h->File("keys.dat");
+        for (const QString& szKept : {szKeys + ".damaged", szKeys + ".damaged-2"}) {
+            QFile f(szKeys);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write(QByteArray(1, '\x01'));
+            f.close();
+            LKeysPage page(nullptr);
+            QVERIFY(page.GetMacros().empty());
+            QCOMPARE(h->prompts.informs.last(),
+                     QString("File Error: This file does not have the same version with the current Sonitra version or it is corrupted."));
+            page.PutMacro(-1, LKeyMacro{static_cast<uint32_t>(kMacroKey.toCombined()), {CmSelectAllId}});
+            page.Save();
+            QVERIFY2(h->prompts.informs.last().contains("it was kept as \"" + szKept + "\""),
+                     qPrintable(h->prompts.informs.last()));
+            QFile kept(szKept);
+            QVERIFY(kept.open(QIODevice::ReadOnly));
+            QCOMPARE(kept.readAll(), QByteArray(1, '\x01'));
+            std::vector<LKeyMacro> vMacros;
+            QCOMPARE(LKeyMacroFile::Load(szKeys.toStdString(), vMacros), LListLoad::Loaded);
+            QCOMPARE(vMacros.size(), size_t(1));
+        }
     }
 };
 

@@ -17,7 +17,8 @@ LKeysPage::LKeysPage(QWidget* pParent) : LSettingsPage(pParent)
     const std::string szPath = LKeyMacroFile::DefaultPath();
     std::string szWhy;
     const LListLoad result = LKeyMacroFile::Load(szPath, vMacros, &szWhy);
-    if (result == LListLoad::BadVersion || result == LListLoad::Damaged)
+    bKeepAside = result == LListLoad::BadVersion || result == LListLoad::Damaged;
+    if (bKeepAside)
         LUiPrompts::Get().Inform(this, LListFile::kCaption,
                                  QString::fromStdString(LListFile::LoadMessage(result, szPath, szWhy)),
                                  LUiPrompts::IconError);
@@ -112,6 +113,14 @@ void LKeysPage::Save()
         return;
     const std::string szPath = LKeyMacroFile::DefaultPath();
     std::string szError;
+    std::string szKeptAs;
+    if (bKeepAside && !LListFile::KeepAside(szPath, &szKeptAs, &szError)) {
+        LUiPrompts::Get().Inform(this, LListFile::kCaption,
+                                 QString::fromStdString(LListFile::SaveFailedMessage(szPath, szError)),
+                                 LUiPrompts::IconInformation);
+        return;
+    }
+    bKeepAside = false;
     if (!LKeyMacroFile::Save(szPath, vMacros, &szError)) {
         LUiPrompts::Get().Inform(this, LListFile::kCaption,
                                  QString::fromStdString(LListFile::SaveFailedMessage(szPath, szError)),
@@ -119,5 +128,9 @@ void LKeysPage::Save()
         return;
     }
     bChanged = false;
+    if (!szKeptAs.empty())
+        LUiPrompts::Get().Inform(this, LListFile::kCaption,
+                                 QString::fromStdString(LListFile::KeptAsideMessage(szPath, szKeptAs)),
+                                 LUiPrompts::IconInformation);
     LKeyMacroRunner::ReloadAll();
 }

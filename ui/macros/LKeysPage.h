@@ -35,4 +35,5 @@ private:
     std::vector<LKeyMacro> vMacros;
     QListWidget* pList;
     bool bChanged = false;
+    bool bKeepAside = false; // the file on disk could not be loaded: keep it before replacing it
 };
