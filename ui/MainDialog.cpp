@@ -335,8 +335,9 @@ void MainDialog::UpdateStatusLine()
         return;
     }
     const LCutListAudio& doc = pFile->GetDocument();
-    pStatusFormat->setText(QString::asprintf("Sample Rate: %d   %s", doc.GetSampleRate(),
-                                             doc.GetChannels() == 1 ? "Mono" : "Stereo"));
+    const int nChans = doc.GetChannels();
+    const QString szChans = nChans == 1 ? QString("Mono") : nChans == 2 ? QString("Stereo") : QString("%1 channels").arg(nChans);
+    pStatusFormat->setText(QString("Sample Rate: %1   %2").arg(doc.GetSampleRate()).arg(szChans));
 }
 
 void MainDialog::closeEvent(QCloseEvent* pEvent)
