@@ -46,7 +46,12 @@ LSoundSourcePtr LEffectOutput::Render(const LEffectInfo& info, const LEffectArgs
     LCutListAudioPtr pScratch(new LCutListAudio(audio));
     LScratchProcess process(info, pScratch.Get(), args);
     LQuietFactory factory;
-    if (process.Run(&factory) != LProgressDialog::ResultDone) {
+    // The clip to mix is the one the effect itself will read later: it is left where it was.
+    const int32_t sClip = args.pClip ? args.pClip->GetPosition() : 0;
+    const int32_t nResult = process.Run(&factory);
+    if (args.pClip)
+        args.pClip->SetPosition(sClip);
+    if (nResult != LProgressDialog::ResultDone) {
         LTRACE("LEffectOutput::Render %s failed", info.szBody);
         LSoundSourcePtr pFailed(new LSRCSilence);
         return pFailed;
