@@ -30,6 +30,12 @@ LEffectPreviewButton* PreviewOf(QDialog& dlg)
     return dlg.findChild<LEffectPreviewButton*>("preview");
 }
 
+// Runs what the dialog queued (starts and restarts run from the event loop).
+void Settle()
+{
+    QCoreApplication::processEvents();
+}
+
 LVirtualWaveDriver& Device()
 {
     return dynamic_cast<LVirtualWaveDriver&>(LWaveDevices::Get());
@@ -77,6 +83,7 @@ private slots:
         QCOMPARE(pButton->text(), QString("Preview"));
 
         QTest::mouseClick(pButton, Qt::LeftButton);
+        Settle();
         QVERIFY(pButton->IsPreviewing());
         QCOMPARE(pButton->text(), QString("Stop"));
         QVERIFY(Device().stats.bOutOpen.load());
@@ -89,6 +96,7 @@ private slots:
         auto* pTime = qobject_cast<QLineEdit*>(dlg.FieldOf("EchoTime"));
         pTime->setFocus();
         QTest::keyClick(pTime, Qt::Key_Space);
+        Settle();
         QVERIFY(pButton->IsPreviewing());
         QCOMPARE(pTime->text(), QString("800"));
         QTest::keyClick(pTime, Qt::Key_Space);
@@ -96,6 +104,7 @@ private slots:
         // The button itself takes Space once, not once for the key and again as a click.
         pButton->setFocus();
         QTest::keyClick(pButton, Qt::Key_Space);
+        Settle();
         QVERIFY(pButton->IsPreviewing());
         QTest::keyClick(pButton, Qt::Key_Space);
         QVERIFY(!pButton->IsPreviewing());
@@ -111,14 +120,17 @@ private slots:
             LEffectPreviewButton* pButton = PreviewOf(dlg);
             QVERIFY(pButton);
             QTest::keyClick(&dlg, Qt::Key_Space);
+            Settle();
             QVERIFY(pButton->IsPreviewing());
             const int nResets = Device().stats.nResets.load();
             qobject_cast<QLineEdit*>(dlg.FieldOf("EchoGain"))->setText("90");
+            Settle();
             QVERIFY(pButton->IsPreviewing());
             QVERIFY(Device().stats.nResets.load() > nResets); // the queued old values are dropped
             // A value that is refused keeps what plays.
             const int nResetsBefore = Device().stats.nResets.load();
             qobject_cast<QLineEdit*>(dlg.FieldOf("EchoGain"))->setText("100");
+            Settle();
             QCOMPARE(Device().stats.nResets.load(), nResetsBefore);
             QVERIFY(pButton->IsPreviewing());
             qobject_cast<QLineEdit*>(dlg.FieldOf("EchoGain"))->setText("40");
@@ -139,6 +151,7 @@ private slots:
         dlg.show();
         qobject_cast<QLineEdit*>(dlg.FieldOf("EchoTime"))->setText("3000");
         QTest::mouseClick(PreviewOf(dlg), Qt::LeftButton);
+        Settle();
         QVERIFY(!PreviewOf(dlg)->IsPreviewing());
         QVERIFY(h->prompts.informs.isEmpty()); // the message belongs to OK
     }
@@ -152,9 +165,11 @@ private slots:
         LEffectPreviewButton* pButton = PreviewOf(dlg);
         QVERIFY(pButton);
         QTest::mouseClick(pButton, Qt::LeftButton);
+        Settle();
         QVERIFY(pButton->IsPreviewing());
         const int nResets = Device().stats.nResets.load();
         QTest::mouseClick(dlg.findChild<QPushButton*>("flat"), Qt::LeftButton);
+        Settle();
         QVERIFY(Device().stats.nResets.load() > nResets);
         dlg.reject();
         QVERIFY(!pButton->IsPreviewing());
@@ -170,6 +185,7 @@ private slots:
             LEffectPreviewButton* pButton = PreviewOf(dlg);
             if (pButton) {
                 QTest::mouseClick(pButton, Qt::LeftButton);
+                Settle();
                 bSawPreview = pButton->IsPreviewing();
                 QTRY_VERIFY(Device().stats.nFramesPlayed.load() > 0);
             }

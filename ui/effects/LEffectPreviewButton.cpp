@@ -7,7 +7,7 @@
 #include <QDialogButtonBox>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QSpinBox>
+#include <QTimer>
 
 #include "core/LSettings.h"
 #include "core/LTrace.h"
@@ -101,37 +101,57 @@ void LEffectPreviewButton::ShowState()
     setText(IsPreviewing() ? kStopText : kPreviewText);
 }
 
+// Starting may render the effect, a process: it runs from the event loop, never inside the
+// click or key that asked for it.
 void LEffectPreviewButton::Toggle()
 {
-    if (IsPreviewing()) {
+    if (IsPreviewing() || bStartQueued) {
+        bStartQueued = false;
         StopPreview();
         return;
     }
+    bStartQueued = true;
+    QTimer::singleShot(0, this, &LEffectPreviewButton::StartQueued);
+}
+
+void LEffectPreviewButton::StartQueued()
+{
+    if (!bStartQueued)
+        return;
+    bStartQueued = false;
     LEffectArgs args;
     if (!Values(args)) {
-        LTRACE("LEffectPreviewButton::Toggle values not acceptable");
+        LTRACE("LEffectPreviewButton::StartQueued values not acceptable");
         return;
     }
     if (fnBeforePlay)
         fnBeforePlay();
     pPreview->SetDevice(LSettings::GetInt("Settings", "SoundOutDevice", 0));
     if (!pPreview->Start(info, args))
-        LTRACE("LEffectPreviewButton::Toggle preview did not start");
+        LTRACE("LEffectPreviewButton::StartQueued preview did not start");
     ShowState();
 }
 
 void LEffectPreviewButton::StopPreview()
 {
+    bStartQueued = false;
     pPreview->Stop();
     ShowState();
 }
 
+// Changes that come together (a choice that clears another) make one restart.
 void LEffectPreviewButton::ValuesChanged()
 {
-    LEffectArgs args;
-    if (IsPreviewing() && Values(args))
-        pPreview->Update(args);
-    ShowState();
+    if (bUpdateQueued || !IsPreviewing())
+        return;
+    bUpdateQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        bUpdateQueued = false;
+        LEffectArgs args;
+        if (IsPreviewing() && Values(args))
+            pPreview->Update(args);
+        ShowState();
+    });
 }
 
 // Space in any part of the dialog is the button's, even in a field that would take it.

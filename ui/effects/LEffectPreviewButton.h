@@ -55,6 +55,7 @@ public:
                                        ValuesFn fnValues);
     ~LEffectPreviewButton() override;
 
+    // True once a start asked for has run and until the preview ends.
     bool IsPreviewing() const;
     LEffectPreview& GetPreview() { return *pPreview; }
 
@@ -69,6 +70,7 @@ protected:
 
 private:
     LEffectPreviewButton(QDialog* pDialog, const LEffectInfo& info, ValuesFn fnValues);
+    void StartQueued();
     void WatchFields();
     bool Values(LEffectArgs& args) const;
     void ShowState();
@@ -82,4 +84,6 @@ private:
     LEffectArgs baseArgs; // the target's, under the dialog's values
     std::unique_ptr<LEffectPreview> pPreview;
     std::function<void()> fnBeforePlay;
+    bool bStartQueued = false;
+    bool bUpdateQueued = false;
 };
