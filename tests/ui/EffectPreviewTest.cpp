@@ -4,6 +4,7 @@
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QtTest>
 
 #include <cstdlib>
@@ -15,6 +16,7 @@
 #include "ui/effects/LCurveDlg.h"
 #include "ui/effects/LEffectPreviewButton.h"
 #include "ui/effects/LEffectSettingsDlg.h"
+#include "ui/settings/LSettingsDlg.h"
 #include "UiTestSupport.h"
 
 using namespace uitest;
@@ -141,6 +143,28 @@ private slots:
             QVERIFY(!pButton->IsPreviewing());
             QVERIFY(!Device().stats.bOutOpen.load());
         }
+    }
+
+    // A range longer than the setting plays only its first seconds; the setting is on the
+    // general page of the settings.
+    void thePreviewLengthIsASetting()
+    {
+        const LEffectArgs base;
+        LEffectPreviewButton::Target target(Doc(), 0, Doc().GetLength(), base);
+        {
+            LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+            QCOMPARE(PreviewOf(dlg)->GetPreview().GetRange().GetLength(), 8000 * 3); // 5 s by default
+        }
+        {
+            LSettingsDlg settings(nullptr);
+            auto* pSeconds = settings.findChild<QSpinBox*>("EffectPreviewSeconds");
+            QVERIFY(pSeconds);
+            QCOMPARE(pSeconds->value(), 5);
+            pSeconds->setValue(2);
+            settings.accept();
+        }
+        LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+        QCOMPARE(PreviewOf(dlg)->GetPreview().GetRange().GetLength(), 8000 * 2);
     }
 
     void aRefusedValueDoesNotStartIt()

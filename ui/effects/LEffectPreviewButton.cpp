@@ -1,5 +1,7 @@
 #include "ui/effects/LEffectPreviewButton.h"
 
+#include <algorithm>
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
@@ -43,6 +45,11 @@ const LEffectPreviewButton::Target* LEffectPreviewButton::Target::Current()
     return g_pTarget;
 }
 
+int LEffectPreviewButton::ConfiguredSeconds()
+{
+    return std::clamp(LSettings::GetInt("Settings", "EffectPreviewSeconds", kDefaultSeconds), kMinSeconds, kMaxSeconds);
+}
+
 LEffectPreviewButton* LEffectPreviewButton::AddTo(QDialog* pDialog, QDialogButtonBox* pButtons,
                                                   const LEffectInfo& info, ValuesFn fnValues)
 {
@@ -60,8 +67,7 @@ LEffectPreviewButton::LEffectPreviewButton(QDialog* pDlg, const LEffectInfo& i, 
 {
     setObjectName("preview");
     setAutoDefault(false);
-    const int32_t nLengthMs = LSettings::GetInt("Settings", "EffectPreviewTime", LEffectPreview::kDefaultLengthMs);
-    pPreview->SetRange(g_pTarget->doc, g_pTarget->sStart, g_pTarget->sEnd, nLengthMs);
+    pPreview->SetRange(g_pTarget->doc, g_pTarget->sStart, g_pTarget->sEnd, ConfiguredSeconds() * 1000);
     pPreview->SetNotify(this, 0);
     connect(this, &QPushButton::clicked, this, &LEffectPreviewButton::Toggle);
     connect(pDialog, &QDialog::finished, this, &LEffectPreviewButton::StopPreview);

@@ -50,6 +50,12 @@ public:
     // The dialog's values over the target's; false while one of them is not acceptable.
     using ValuesFn = std::function<bool(LEffectArgs&)>;
 
+    // How much of a longer range a preview plays: "EffectPreviewSeconds" in "Settings".
+    static constexpr int kDefaultSeconds = 5;
+    static constexpr int kMinSeconds = 1;
+    static constexpr int kMaxSeconds = 60;
+    static int ConfiguredSeconds();
+
     // Adds the button to the dialog's button box when a target is set; null otherwise.
     static LEffectPreviewButton* AddTo(QDialog* pDialog, QDialogButtonBox* pButtons, const LEffectInfo& info,
                                        ValuesFn fnValues);
