@@ -86,6 +86,7 @@ bool LEffectPreview::Restart(LSoundSourceBase* pOutput, int32_t sPosition)
     const bool bStarted = player.Start(pSwitch.Get());
     const bool bWasRestart = bRestarting;
     bRestarting = false;
+    bDeviceFailed = !bStarted;
     if (!bStarted) {
         LTRACE("LEffectPreview::Restart player did not start");
         pSwitch.Reset();

@@ -41,6 +41,8 @@ public:
     void Stop();
 
     bool IsPlaying() const { return player.IsOpen(); }
+    // The last start or restart failed because no device would open.
+    bool IsDeviceFailed() const { return bDeviceFailed; }
     // Frames of the current output heard so far.
     int32_t GetPosition() const { return player.GetPosition(); }
     // The effect's output over the range: what a preview with these values plays.
@@ -63,5 +65,6 @@ private:
     LSoundPlayerNotify* pClient;
     uint32_t nClientCookie = 0;
     bool bRestarting = false;
+    bool bDeviceFailed = false;
     LSoundPlayer player;
 };

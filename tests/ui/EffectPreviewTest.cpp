@@ -180,6 +180,22 @@ private slots:
         QVERIFY(h->prompts.informs.isEmpty()); // the message belongs to OK
     }
 
+    void aDeviceThatWillNotOpenIsReported()
+    {
+        const LEffectArgs base;
+        LEffectPreviewButton::Target target(Doc(), 0, Doc().GetLength(), base);
+        LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+        dlg.show();
+        Device().SetFailOpen(true);
+        QTest::mouseClick(PreviewOf(dlg), Qt::LeftButton);
+        Settle();
+        Device().SetFailOpen(false);
+        QVERIFY(!PreviewOf(dlg)->IsPreviewing());
+        QCOMPARE(h->prompts.informs.size(), 1);
+        QVERIFY(h->prompts.informs.front().startsWith("Sonitra: Please check that you have selected the correct "
+                                                      "sound player device"));
+    }
+
     void theCurveDialogsPreviewTheirCurve()
     {
         const LEffectArgs base;

@@ -14,12 +14,17 @@
 #include "core/LSettings.h"
 #include "core/LTrace.h"
 #include "devices/LEffectPreview.h"
+#include "ui/LUiPrompts.h"
 
 namespace {
 const LEffectPreviewButton::Target* g_pTarget = nullptr;
 
 const char* const kPreviewText = "Preview";
 const char* const kStopText = "Stop";
+// The transport's own words when the player cannot open its device.
+const char* const kPlayerDeviceText =
+    "Please check that you have selected the correct sound player device using Settings. Open Settings using "
+    "File->Settings";
 
 bool IsPlainSpace(const QEvent* pEvent)
 {
@@ -38,11 +43,6 @@ LEffectPreviewButton::Target::~Target()
 {
     if (g_pTarget == this)
         g_pTarget = nullptr;
-}
-
-const LEffectPreviewButton::Target* LEffectPreviewButton::Target::Current()
-{
-    return g_pTarget;
 }
 
 int LEffectPreviewButton::ConfiguredSeconds()
@@ -133,9 +133,10 @@ void LEffectPreviewButton::StartQueued()
     if (fnBeforePlay)
         fnBeforePlay();
     pPreview->SetDevice(LSettings::GetInt("Settings", "SoundOutDevice", 0));
-    if (!pPreview->Start(info, args))
-        LTRACE("LEffectPreviewButton::StartQueued preview did not start");
+    const bool bStarted = pPreview->Start(info, args);
     ShowState();
+    if (!bStarted && pPreview->IsDeviceFailed())
+        LUiPrompts::Get().Inform(pDialog, "Sonitra", kPlayerDeviceText, LUiPrompts::IconInformation);
 }
 
 void LEffectPreviewButton::StopPreview()

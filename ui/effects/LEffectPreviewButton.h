@@ -35,7 +35,6 @@ public:
         ~Target();
         Target(const Target&) = delete;
         Target& operator=(const Target&) = delete;
-        static const Target* Current();
         // Run before a preview starts (the main window stops its own playback).
         std::function<void()> fnBeforePlay;
 
