@@ -6,6 +6,7 @@
 #include <random>
 
 #include "core/LEdFile.h"
+#include "core/LMemorySound.h"
 #include "core/LFixed.h"
 #include "devices/DeviceTestSupport.h"
 #include "devices/LEffectPreview.h"
@@ -128,6 +129,9 @@ TEST_F(EffectPreviewTest, HeardIsWhatTheEffectWritesSampleForSample)
         LEffectKind kind;
         LEffectArgs args;
     };
+    // The clip is the one the effect reads when it runs later: the preview leaves it at its start.
+    LEffectArgs mix = Args({{"PasteMixVolume", 50}, {"LongerSelection", 0}, {"FadeOutTime", 250}});
+    mix.pClip = new LSRCMemory(Noise(kRate, 2), kRate, 2);
     const Case cases[] = {
         {LEffectKind::Echo, Args({{"EchoTime", 120}, {"EchoGain", 60}})},
         {LEffectKind::Compressor, Args({{"CompressorThreshold", -30}, {"CompressorRatio", 4}, {"CompressorLimit", 3}})},
@@ -135,6 +139,7 @@ TEST_F(EffectPreviewTest, HeardIsWhatTheEffectWritesSampleForSample)
         {LEffectKind::SimpleSpeedPitch, Args({{"SpSpeedPitch", 70}})},    // longer
         {LEffectKind::Amplify, Args({{"AmplifyGain", 150}})},             // edits the cuts
         {LEffectKind::Normalize, Args({{"NormalizePeakLevel", 60}})},     // looks at the range first
+        {LEffectKind::PasteMix, mix},
     };
     const int32_t sStart = 3000, sEnd = 3000 + kRate * 2;
     for (const Case& c : cases) {
