@@ -39,9 +39,9 @@ LEffectArgs Args(std::initializer_list<std::pair<const std::string, int32_t>> va
     return a;
 }
 
-const LEffectInfo& Info(LEffectKind kind)
+const LEffectInfo& Info(const char* szName)
 {
-    return *LEffectCatalog::ByKind(kind);
+    return *LEffectCatalog::ByCliName(szName);
 }
 
 class QuietFactory : public LProgressHostFactory
@@ -51,12 +51,12 @@ public:
 };
 
 // What the effect writes into a copy of the document over [sStart, sEnd), in 16-bit units.
-std::vector<int16_t> Applied(const LCutListAudio& doc, int32_t sStart, int32_t sEnd, LEffectKind kind,
+std::vector<int16_t> Applied(const LCutListAudio& doc, int32_t sStart, int32_t sEnd, const char* szName,
                              const LEffectArgs& args)
 {
     LCutListAudioPtr pCopy(new LCutListAudio(doc));
     QuietFactory quiet;
-    LEffectProcess process(Info(kind), pCopy.Get(), sStart, sEnd, args);
+    LEffectProcess process(Info(szName), pCopy.Get(), sStart, sEnd, args);
     EXPECT_EQ(process.Run(&quiet), 0);
     const int32_t nOut = pCopy->GetLength() - (doc.GetLength() - (sEnd - sStart));
     std::vector<int32_t> v(static_cast<size_t>(nOut) * doc.GetChannels());
@@ -126,30 +126,30 @@ TEST_F(EffectPreviewTest, HeardIsWhatTheEffectWritesSampleForSample)
     OpenFile(kRate * 4, 2);
     struct Case
     {
-        LEffectKind kind;
+        const char* szName;
         LEffectArgs args;
     };
     // The clip is the one the effect reads when it runs later: the preview leaves it at its start.
     LEffectArgs mix = Args({{"PasteMixVolume", 50}, {"LongerSelection", 0}, {"FadeOutTime", 250}});
     mix.pClip = new LSRCMemory(Noise(kRate, 2), kRate, 2);
     const Case cases[] = {
-        {LEffectKind::Echo, Args({{"EchoTime", 120}, {"EchoGain", 60}})},
-        {LEffectKind::Compressor, Args({{"CompressorThreshold", -30}, {"CompressorRatio", 4}, {"CompressorLimit", 3}})},
-        {LEffectKind::ConstPitchSpeed, Args({{"ConstPitchSpeed", 150}})}, // shorter
-        {LEffectKind::SimpleSpeedPitch, Args({{"SpSpeedPitch", 70}})},    // longer
-        {LEffectKind::Amplify, Args({{"AmplifyGain", 150}})},             // edits the cuts
-        {LEffectKind::Normalize, Args({{"NormalizePeakLevel", 60}})},     // looks at the range first
-        {LEffectKind::PasteMix, mix},
+        {"echo", Args({{"EchoTime", 120}, {"EchoGain", 60}})},
+        {"dynamic-range-compressor", Args({{"CompressorThreshold", -30}, {"CompressorRatio", 4}, {"CompressorLimit", 3}})},
+        {"constant-pitch-and-speed-change", Args({{"ConstPitchSpeed", 150}})}, // shorter
+        {"simple-speed-and-pitch-change", Args({{"SpSpeedPitch", 70}})},    // longer
+        {"amplify", Args({{"AmplifyGain", 150}})},             // edits the cuts
+        {"normalize", Args({{"NormalizePeakLevel", 60}})},     // looks at the range first
+        {"paste-mix", mix},
     };
     const int32_t sStart = 3000, sEnd = 3000 + kRate * 2;
     for (const Case& c : cases) {
-        SCOPED_TRACE(Info(c.kind).szMenuText);
+        SCOPED_TRACE(Info(c.szName).szMenuText);
         scope.driver.SetCapture(true);
         log = PlayerLog();
         preview.SetRange(file.GetDocument(), sStart, sEnd, 5000);
-        ASSERT_TRUE(preview.Start(Info(c.kind), c.args));
+        ASSERT_TRUE(preview.Start(Info(c.szName), c.args));
         ASSERT_TRUE(WaitStopped());
-        const std::vector<int16_t> vWanted = Applied(file.GetDocument(), sStart, sEnd, c.kind, c.args);
+        const std::vector<int16_t> vWanted = Applied(file.GetDocument(), sStart, sEnd, c.szName, c.args);
         ASSERT_FALSE(vWanted.empty());
         EXPECT_TRUE(scope.driver.GetCaptured() == vWanted);
         EXPECT_EQ(log.nStopped, 1);
@@ -163,15 +163,15 @@ TEST_F(EffectPreviewTest, ALongSelectionPlaysItsFirstSecondsAndNoSelectionTheSec
     const LEffectArgs args = Args({{"LowCutFreq", 400}});
     preview.SetRange(file.GetDocument(), 1000, kRate * 6, 2000);
     EXPECT_EQ(preview.GetRange().GetLength(), kRate * 2);
-    ASSERT_TRUE(preview.Start(Info(LEffectKind::HighPassFilter), args));
+    ASSERT_TRUE(preview.Start(Info("high-pass-filter"), args));
     ASSERT_TRUE(WaitStopped());
     EXPECT_TRUE(scope.driver.GetCaptured() ==
-                Applied(file.GetDocument(), 1000, 1000 + kRate * 2, LEffectKind::HighPassFilter, args));
+                Applied(file.GetDocument(), 1000, 1000 + kRate * 2, "high-pass-filter", args));
 
     preview.SetRange(file.GetDocument(), kRate * 5, kRate * 5, 2000);
     EXPECT_EQ(preview.GetRange().GetLength(), kRate); // up to the end of the file
     preview.SetRange(file.GetDocument(), kRate * 6, kRate * 6, 2000);
-    EXPECT_FALSE(preview.Start(Info(LEffectKind::HighPassFilter), args)); // nothing to hear
+    EXPECT_FALSE(preview.Start(Info("high-pass-filter"), args)); // nothing to hear
     ExpectFileUntouched();
 }
 
@@ -179,7 +179,7 @@ TEST_F(EffectPreviewAtRealTime, ANewValueIsHeardWithinATenthOfASecond)
 {
     OpenFile(kRate * 6, 1);
     preview.SetRange(file.GetDocument(), 0, kRate * 5, 5000);
-    const LEffectInfo& echo = Info(LEffectKind::Echo);
+    const LEffectInfo& echo = Info("echo");
     ASSERT_TRUE(preview.Start(echo, Args({{"EchoTime", 200}, {"EchoGain", 20}})));
     ASSERT_TRUE(PumpUntil([this] { return scope.driver.stats.nFramesPlayed.load() >= kRate; }));
 
@@ -211,7 +211,7 @@ TEST_F(EffectPreviewAtRealTime, ALengthChangeKeepsTheSameFractionOfTheWay)
 {
     OpenFile(kRate * 4, 1);
     preview.SetRange(file.GetDocument(), 0, kRate * 4, 5000);
-    const LEffectInfo& speed = Info(LEffectKind::ConstPitchSpeed);
+    const LEffectInfo& speed = Info("constant-pitch-and-speed-change");
     ASSERT_TRUE(preview.Start(speed, Args({{"ConstPitchSpeed", 100}})));
     ASSERT_TRUE(PumpUntil([this] { return scope.driver.stats.nFramesPlayed.load() >= kRate; }));
     const int64_t nPlayedAtChange = scope.driver.stats.nFramesPlayed.load();
@@ -226,7 +226,7 @@ TEST_F(EffectPreviewTest, StopEndsItAndAnOutputOfAnotherRateRestartsThePlayerUns
 {
     OpenFile(kRate * 4, 1);
     preview.SetRange(file.GetDocument(), 0, kRate * 4, 5000);
-    const LEffectInfo& rate = Info(LEffectKind::ConvertSampleRate);
+    const LEffectInfo& rate = Info("convert-sample-rate");
     ASSERT_TRUE(preview.Start(rate, Args({{"ConvertSampleRate", 11025}})));
     EXPECT_EQ(preview.GetPlayer().GetSource()->GetSampleRate(), 11025);
     ASSERT_TRUE(preview.Update(Args({{"ConvertSampleRate", 16000}})));

@@ -22,9 +22,9 @@
 using namespace uitest;
 
 namespace {
-const LEffectInfo& Info(int nId)
+const LEffectInfo& Echo()
 {
-    return *LEffectCatalog::ByCommand(nId);
+    return *LEffectCatalog::ByCliName("echo");
 }
 
 LEffectPreviewButton* PreviewOf(QDialog& dlg)
@@ -69,7 +69,7 @@ private slots:
 
     void aDialogWithNothingToPreviewHasNoButton()
     {
-        LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+        LEffectSettingsDlg dlg(nullptr, Echo());
         QVERIFY(!PreviewOf(dlg));
     }
 
@@ -77,7 +77,7 @@ private slots:
     {
         const LEffectArgs base;
         LEffectPreviewButton::Target target(Doc(), 0, Doc().GetLength(), base);
-        LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+        LEffectSettingsDlg dlg(nullptr, Echo());
         dlg.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dlg));
         LEffectPreviewButton* pButton = PreviewOf(dlg);
@@ -117,7 +117,7 @@ private slots:
         const LEffectArgs base;
         LEffectPreviewButton::Target target(Doc(), 0, Doc().GetLength(), base);
         for (bool bAccept : {false, true}) {
-            LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+            LEffectSettingsDlg dlg(nullptr, Echo());
             dlg.show();
             LEffectPreviewButton* pButton = PreviewOf(dlg);
             QVERIFY(pButton);
@@ -152,7 +152,7 @@ private slots:
         const LEffectArgs base;
         LEffectPreviewButton::Target target(Doc(), 0, Doc().GetLength(), base);
         {
-            LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+            LEffectSettingsDlg dlg(nullptr, Echo());
             QCOMPARE(PreviewOf(dlg)->GetPreview().GetRange().GetLength(), 8000 * 3); // 5 s by default
         }
         {
@@ -163,7 +163,7 @@ private slots:
             pSeconds->setValue(2);
             settings.accept();
         }
-        LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+        LEffectSettingsDlg dlg(nullptr, Echo());
         QCOMPARE(PreviewOf(dlg)->GetPreview().GetRange().GetLength(), 8000 * 2);
     }
 
@@ -171,7 +171,7 @@ private slots:
     {
         const LEffectArgs base;
         LEffectPreviewButton::Target target(Doc(), 0, Doc().GetLength(), base);
-        LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+        LEffectSettingsDlg dlg(nullptr, Echo());
         dlg.show();
         qobject_cast<QLineEdit*>(dlg.FieldOf("EchoTime"))->setText("3000");
         QTest::mouseClick(PreviewOf(dlg), Qt::LeftButton);
@@ -184,7 +184,7 @@ private slots:
     {
         const LEffectArgs base;
         LEffectPreviewButton::Target target(Doc(), 0, Doc().GetLength(), base);
-        LEffectSettingsDlg dlg(nullptr, Info(CmEchoId));
+        LEffectSettingsDlg dlg(nullptr, Echo());
         dlg.show();
         Device().SetFailOpen(true);
         QTest::mouseClick(PreviewOf(dlg), Qt::LeftButton);
@@ -231,7 +231,7 @@ private slots:
             }
             dlg.reject();
         });
-        QVERIFY(frame->Command(CmEchoId));
+        QVERIFY(frame->Command(Echo().nCommandId));
         QVERIFY(bSawPreview);
         QVERIFY(!Device().stats.bOutOpen.load());
         QVERIFY(Samples(Doc()) == vBefore);

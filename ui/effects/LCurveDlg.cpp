@@ -30,7 +30,7 @@ LCurveDlg::LCurveDlg(QWidget* pParent, Curve c) : QDialog(pParent), curve(c)
     });
     connect(pButtons, &QDialogButtonBox::accepted, this, &LCurveDlg::accept);
     connect(pButtons, &QDialogButtonBox::rejected, this, &LCurveDlg::reject);
-    const LEffectInfo& info = *LEffectCatalog::ByKind(bEq ? LEffectKind::Equalizer : LEffectKind::Envelope);
+    const LEffectInfo& info = *LEffectCatalog::ByCliName(bEq ? "equalizer" : "envelope");
     auto fnCurve = [this](LEffectArgs& a) { return (a.curve = GetPoints())->nPoints >= 1 && GetPoints().Validate(); };
     if (auto* pPreview = LEffectPreviewButton::AddTo(this, pButtons, info, fnCurve))
         connect(pEditor, &LBrainWaveWindow::PointsChanged, pPreview, &LEffectPreviewButton::ValuesChanged);
