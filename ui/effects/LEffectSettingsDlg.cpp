@@ -78,17 +78,6 @@ LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i, c
     pForm->addRow(pButtons);
 }
 
-bool LEffectSettingsDlg::CurrentValues(LEffectArgs& args) const
-{
-    for (const Field& f : vFields) {
-        int32_t nValue = 0;
-        if (!ValueOf(f, nValue) || !LStoredValues::Accept(f.szKey, nValue, nullptr))
-            return false;
-        args.mapValues[f.szKey] = nValue;
-    }
-    return true;
-}
-
 void LEffectSettingsDlg::AddField(QFormLayout* pForm, const char* szKey, int32_t nValue)
 {
     Field f{szKey};
@@ -194,5 +183,16 @@ bool LEffectSettingsDlg::EditRecord(QWidget* pParent, const LEffectInfo& info, s
     if (dlg.exec() != QDialog::Accepted)
         return false;
     vRecordInOut = dlg.GetRecord();
+    return true;
+}
+
+bool LEffectSettingsDlg::CurrentValues(LEffectArgs& args) const
+{
+    for (const Field& f : vFields) {
+        int32_t nValue = 0;
+        if (!ValueOf(f, nValue) || !LStoredValues::Accept(f.szKey, nValue, nullptr))
+            return false;
+        args.mapValues[f.szKey] = nValue;
+    }
     return true;
 }
