@@ -20,10 +20,10 @@ public:
 
     // False (and nothing waits) when the source is latched or of another rate or channel count.
     bool SetNext(LSoundSourceBase* pNext);
-    bool Accepts(LSoundSourceBase* pSource) const;
-    bool HasNext() const { return pNext.Get() != nullptr; }
 
 private:
+    bool Accepts(LSoundSourceBase* pSource) const;
+
     LSoundSourcePtr pCurrent;
     LSoundSourcePtr pNext;
 };

@@ -27,11 +27,6 @@ private:
 };
 } // namespace
 
-bool LEffectOutput::Streams(const LEffectInfo& info, const LEffectArgs& args)
-{
-    return LEffectRunner::StreamingFactory(info, args).Get() != nullptr;
-}
-
 LSoundSourcePtr LEffectOutput::Open(const LEffectInfo& info, const LEffectArgs& args, const LCutListAudio& audio)
 {
     LEffectFactoryPtr pFactory = LEffectRunner::StreamingFactory(info, args);

@@ -11,10 +11,8 @@
 class LEffectOutput
 {
 public:
-    // The effect over all of pAudio; a latched source when the effect fails.
+    // The effect over all of the audio; a latched source when the effect fails.
     static LSoundSourcePtr Open(const LEffectInfo& info, const LEffectArgs& args, const LCutListAudio& audio);
-    // True when Open streams (no work before the first frame).
-    static bool Streams(const LEffectInfo& info, const LEffectArgs& args);
 
 private:
     static LSoundSourcePtr Render(const LEffectInfo& info, const LEffectArgs& args, const LCutListAudio& audio);
