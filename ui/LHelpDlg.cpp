@@ -24,7 +24,9 @@ or over the selection; with voice activation (File &gt; Settings &gt; Recorder) 
 sound before it starts.</p>
 <h2>Effects</h2>
 <p>Effects work on the selection, or on the whole file when nothing is selected. A cancelled
-effect leaves the file as it was.</p>
+effect leaves the file as it was. In an effect's dialog, Preview (or Space) plays the first
+seconds of the selection through the effect as it is set; a changed value is heard at once, and
+nothing changes in the file until OK.</p>
 <h2>Settings</h2>
 <p>File &gt; Settings chooses the sound devices, what a new file looks like, how recording starts
 and stops, and the folders where Sonitra keeps its working audio and its data.</p>

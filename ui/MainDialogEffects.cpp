@@ -19,6 +19,7 @@
 #include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
 #include "ui/effects/LCurveDlg.h"
+#include "ui/effects/LEffectPreviewButton.h"
 #include "ui/effects/LEffectSettingsDlg.h"
 
 namespace {
@@ -148,6 +149,9 @@ bool MainDialog::CmEffect(int nCommandId)
             return true;
         args.pClip = LAudioFile::OpenSource(szPath);
     }
+    // Its dialog may preview the effect on the range, with the main playback stopped.
+    LEffectPreviewButton::Target previewTarget(doc, sStart, sEnd, args);
+    previewTarget.fnBeforePlay = [this] { pTransport->Stop(); };
     if (!AskEffectSettings(this, *pInfo, args))
         return true;
 

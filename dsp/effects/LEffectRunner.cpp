@@ -62,6 +62,43 @@ bool LEffectRunner::IsAvailable(LEffectKind kind)
     return true;
 }
 
+LEffectFactoryPtr LEffectRunner::StreamingFactory(const LEffectInfo& info, const LEffectArgs& args)
+{
+    switch (info.kind) {
+    case K::HighPassFilter:
+        return LEffectFactoryPtr(new LLowCutFactory(args.Value("LowCutFreq")));
+    case K::Echo:
+        return LEffectFactoryPtr(new LEchoFactory(args.Value("EchoGain"), args.Value("EchoTime")));
+    case K::Reverb:
+        return LEffectFactoryPtr(new LReverbFactory(args.Value("ReverbLevel"), args.Value("ReverbTime")));
+    case K::FadeIn:
+        return LEffectFactoryPtr(new LFadeFactory(LSRCFade::FadeIn));
+    case K::FadeOut:
+        return LEffectFactoryPtr(new LFadeFactory(LSRCFade::FadeOut));
+    case K::Equalizer:
+        return LEffectFactoryPtr(
+            new LCurveFactory(LCurveFactory::Equalizer, args.curve ? *args.curve : LCurveFile::LoadEqualizer()));
+    case K::Envelope:
+        return LEffectFactoryPtr(
+            new LCurveFactory(LCurveFactory::Envelope, args.curve ? *args.curve : LCurveFile::LoadEnvelope()));
+    case K::NoiseReduction:
+        return LEffectFactoryPtr(new LNoiseReductionFactory(args.Value("NoiseGateLevel")));
+    case K::Compressor:
+        return LEffectFactoryPtr(new LCompressorFactory(args.Value("CompressorThreshold"), args.Value("CompressorRatio"),
+                                                        args.Value("CompressorLimit")));
+    case K::SimpleSpeedPitch:
+        return LEffectFactoryPtr(new LSpeedPitchFactory(args.Value("SpSpeedPitch")));
+    case K::ConstPitchSpeed:
+        return LEffectFactoryPtr(
+            new LConstantChangeFactory(LConstantChangeFactory::KeepPitch, args.Value("ConstPitchSpeed")));
+    case K::ConstSpeedPitch:
+        return LEffectFactoryPtr(
+            new LConstantChangeFactory(LConstantChangeFactory::KeepSpeed, args.Value("ConstSpeedPitch")));
+    default:
+        return LEffectFactoryPtr();
+    }
+}
+
 int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCutListAudio* pDoc, int32_t sStart,
                              int32_t sEnd, const LEffectArgs& args)
 {
@@ -81,17 +118,20 @@ int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCut
         data.nParam1 = args.Value("NormalizePeakLevel");
         return LEfNormalize::Run(dlg, data);
     case K::HighPassFilter:
-        return RunStreaming(dlg, info, data, new LLowCutFactory(args.Value("LowCutFreq")));
     case K::Echo:
-        return RunStreaming(dlg, info, data, new LEchoFactory(args.Value("EchoGain"), args.Value("EchoTime")));
     case K::Reverb:
-        return RunStreaming(dlg, info, data, new LReverbFactory(args.Value("ReverbLevel"), args.Value("ReverbTime")));
+    case K::FadeIn:
+    case K::FadeOut:
+    case K::Equalizer:
+    case K::Envelope:
+    case K::NoiseReduction:
+    case K::Compressor:
+    case K::SimpleSpeedPitch:
+    case K::ConstPitchSpeed:
+    case K::ConstSpeedPitch:
+        return RunStreaming(dlg, info, data, StreamingFactory(info, args).Get());
     case K::Reverse:
         return LReverseSoundProcess::Run(dlg, data);
-    case K::FadeIn:
-        return RunStreaming(dlg, info, data, new LFadeFactory(LSRCFade::FadeIn));
-    case K::FadeOut:
-        return RunStreaming(dlg, info, data, new LFadeFactory(LSRCFade::FadeOut));
     case K::FadeOutAndTrim: {
         if (sEnd < sStart)
             return R::ResultDone;
@@ -100,26 +140,6 @@ int32_t LEffectRunner::Apply(LProgressDialog& dlg, const LEffectInfo& info, LCut
             LEdCommands::TrimEnd(doc, sEnd);
         return nResult;
     }
-    case K::Equalizer:
-        return RunStreaming(dlg, info, data,
-                            new LCurveFactory(LCurveFactory::Equalizer, args.curve ? *args.curve : LCurveFile::LoadEqualizer()));
-    case K::Envelope:
-        return RunStreaming(dlg, info, data,
-                            new LCurveFactory(LCurveFactory::Envelope, args.curve ? *args.curve : LCurveFile::LoadEnvelope()));
-    case K::NoiseReduction:
-        return RunStreaming(dlg, info, data, new LNoiseReductionFactory(args.Value("NoiseGateLevel")));
-    case K::Compressor:
-        return RunStreaming(dlg, info, data,
-                            new LCompressorFactory(args.Value("CompressorThreshold"), args.Value("CompressorRatio"),
-                                                   args.Value("CompressorLimit")));
-    case K::SimpleSpeedPitch:
-        return RunStreaming(dlg, info, data, new LSpeedPitchFactory(args.Value("SpSpeedPitch")));
-    case K::ConstPitchSpeed:
-        return RunStreaming(dlg, info, data,
-                            new LConstantChangeFactory(LConstantChangeFactory::KeepPitch, args.Value("ConstPitchSpeed")));
-    case K::ConstSpeedPitch:
-        return RunStreaming(dlg, info, data,
-                            new LConstantChangeFactory(LConstantChangeFactory::KeepSpeed, args.Value("ConstSpeedPitch")));
     case K::AutoGainControl:
         return LEfAutoGainControl::Run(dlg, info.szCaption, data);
     case K::AutoTrim:

@@ -7,6 +7,7 @@
 #include "core/LCutListAudio.h"
 #include "dsp/effects/LEffectArgs.h"
 #include "dsp/effects/LEffectCatalog.h"
+#include "dsp/effects/LEffectFactory.h"
 #include "work/LProgressDialog.h"
 
 class LEffectRunner
@@ -14,6 +15,10 @@ class LEffectRunner
 public:
     // False for effects this build cannot run.
     static bool IsAvailable(LEffectKind kind);
+
+    // The stage of an effect that streams (one source over the range's source, as Apply runs
+    // it); null for effects that edit the cut list, look at the whole range first or trim.
+    static LEffectFactoryPtr StreamingFactory(const LEffectInfo& info, const LEffectArgs& args);
 
     // The body: applies the effect to [sStart, sEnd) of the document (the whole document for
     // whole-file effects). The values are expected checked (LEffectArgs::Validate).

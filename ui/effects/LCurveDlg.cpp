@@ -9,6 +9,7 @@
 #include "lists/LListFile.h"
 #include "ui/LUiPrompts.h"
 #include "ui/effects/LBrainWaveWindow.h"
+#include "ui/effects/LEffectPreviewButton.h"
 
 LCurveDlg::LCurveDlg(QWidget* pParent, Curve c) : QDialog(pParent), curve(c)
 {
@@ -29,6 +30,10 @@ LCurveDlg::LCurveDlg(QWidget* pParent, Curve c) : QDialog(pParent), curve(c)
     });
     connect(pButtons, &QDialogButtonBox::accepted, this, &LCurveDlg::accept);
     connect(pButtons, &QDialogButtonBox::rejected, this, &LCurveDlg::reject);
+    const LEffectInfo& info = *LEffectCatalog::ByCliName(bEq ? "equalizer" : "envelope");
+    auto fnCurve = [this](LEffectArgs& a) { return (a.curve = GetPoints())->nPoints >= 1 && GetPoints().Validate(); };
+    if (auto* pPreview = LEffectPreviewButton::AddTo(this, pButtons, info, fnCurve))
+        connect(pEditor, &LBrainWaveWindow::PointsChanged, pPreview, &LEffectPreviewButton::ValuesChanged);
     auto* pLayout = new QVBoxLayout(this);
     pLayout->addWidget(pHint);
     pLayout->addWidget(pEditor, 1);

@@ -14,6 +14,7 @@
 #include "dsp/effects/LEffectSettingsRecord.h"
 #include "dsp/effects/LStoredValues.h"
 #include "ui/LUiPrompts.h"
+#include "ui/effects/LEffectPreviewButton.h"
 
 namespace {
 struct KeyLabel
@@ -73,6 +74,7 @@ LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i, c
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(pButtons, &QDialogButtonBox::accepted, this, &LEffectSettingsDlg::accept);
     connect(pButtons, &QDialogButtonBox::rejected, this, &LEffectSettingsDlg::reject);
+    LEffectPreviewButton::AddTo(this, pButtons, info, [this](LEffectArgs& a) { return CurrentValues(a); });
     pForm->addRow(pButtons);
 }
 
@@ -181,5 +183,16 @@ bool LEffectSettingsDlg::EditRecord(QWidget* pParent, const LEffectInfo& info, s
     if (dlg.exec() != QDialog::Accepted)
         return false;
     vRecordInOut = dlg.GetRecord();
+    return true;
+}
+
+bool LEffectSettingsDlg::CurrentValues(LEffectArgs& args) const
+{
+    for (const Field& f : vFields) {
+        int32_t nValue = 0;
+        if (!ValueOf(f, nValue) || !LStoredValues::Accept(f.szKey, nValue, nullptr))
+            return false;
+        args.mapValues[f.szKey] = nValue;
+    }
     return true;
 }

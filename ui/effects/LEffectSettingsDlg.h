@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "dsp/effects/LEffectArgs.h"
 #include "dsp/effects/LEffectCatalog.h"
 
 class QButtonGroup;
@@ -51,6 +52,8 @@ private:
     // The typed value; false when it is not a whole number.
     bool ValueOf(const Field& f, int32_t& nValue) const;
     void Refuse(const Field& f, const std::string& szMessage);
+    // The values as typed, when every one is acceptable: what a preview plays.
+    bool CurrentValues(LEffectArgs& args) const;
 
     const LEffectInfo& info;
     std::vector<Field> vFields;

@@ -13,6 +13,7 @@
 #include "core/LSettings.h"
 #include "ui/LUiPrompts.h"
 #include "ui/NewWavDlg.h"
+#include "ui/effects/LEffectPreviewButton.h"
 
 namespace {
 const char* const kSection = "Settings";
@@ -51,6 +52,11 @@ LGeneralPage::LGeneralPage(QWidget* pParent) : LSettingsPage(pParent)
     pUndoLevels->setObjectName("UndoLevels");
     pUndoLevels->setRange(1, LEdFile::kMaxUndoLevels);
     pUndoLevels->setValue(LEdFile::ConfiguredUndoLevels());
+    pPreviewSeconds = new QSpinBox(this);
+    pPreviewSeconds->setObjectName("EffectPreviewSeconds");
+    pPreviewSeconds->setRange(LEffectPreviewButton::kMinSeconds, LEffectPreviewButton::kMaxSeconds);
+    pPreviewSeconds->setSuffix(tr(" s"));
+    pPreviewSeconds->setValue(LEffectPreviewButton::ConfiguredSeconds());
 
     auto* pForm = new QFormLayout(this);
     pForm->addRow(pAutoPlay);
@@ -59,6 +65,7 @@ LGeneralPage::LGeneralPage(QWidget* pParent) : LSettingsPage(pParent)
     pForm->addRow(tr("New file channels:"), pChans);
     pForm->addRow(tr("Auto-trim threshold:"), pTrimThreshold);
     pForm->addRow(tr("Undo levels:"), pUndoLevels);
+    pForm->addRow(tr("Effect preview length:"), pPreviewSeconds);
 }
 
 bool LGeneralPage::Validate()
@@ -81,4 +88,5 @@ void LGeneralPage::Save()
     LSettings::SetInt(kSection, "DefaultChannels", pMono->isChecked() ? 1 : 2);
     LSettings::SetInt(kSection, "AutoTrimThreshold", pTrimThreshold->value());
     LSettings::SetInt(kSection, "UndoLevels", pUndoLevels->value());
+    LSettings::SetInt(kSection, "EffectPreviewSeconds", pPreviewSeconds->value());
 }

@@ -26,4 +26,5 @@ private:
     QRadioButton* pStereo;
     QSpinBox* pTrimThreshold;
     QSpinBox* pUndoLevels;
+    QSpinBox* pPreviewSeconds;
 };
