@@ -42,6 +42,7 @@ private:
         int nCount1Table;
     };
     struct BitReader;
+    struct BandCursor;
 
     bool ReadSideInfo(const MP3Header& h, const uint8_t* pSide);
     void ReadScaleFactors1(BitReader& br, int gr, int ch);
@@ -50,6 +51,7 @@ private:
     // Huffman decoding and requantisation of one granule's channel into aXr; returns the lines
     // decoded (those above are zero).
     int DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch);
+    int DecodeBigValues(BitReader& br, int nEnd, const Granule& g, BandCursor& bc, float* xr);
     void Stereo(const Granule& gRight, int nModeExt);
     void StereoLong(int nFirstBand, int nLastBand, bool bMs);
     void StereoShortWindow(int w, int nFirstBand, bool bMs);
@@ -57,6 +59,9 @@ private:
     void Reorder(const Granule& g, int ch);
     void Antialias(const Granule& g, int ch);
     void Hybrid(const Granule& g, int ch, int nActive);
+    void HybridLong8(int nType, int ch, int sb0);
+    void HybridOne(const Granule& g, int ch, int sb, bool bActive);
+    void SynthesisDct();
     void Synthesis(int ch, int32_t* pOut, int nOutChans);
     void BuildReorderMap();
 
@@ -101,8 +106,13 @@ private:
     float aXr[2][576];
     float aTmp[576];
     int aNonZero[2];
-    float aOverlap[2][32][18];
-    alignas(16) float aHybrid[18][32];
+    // The filter banks work on lanes: the overlap by time slot then subband, the IMDCT's output
+    // by subband then time slot (padded to whole lanes; the padding stays zero), and the DCTs of
+    // the synthesis likewise.
+    static constexpr int kHybridSlots = 24;
+    alignas(32) float aOverlap[2][18][32];
+    alignas(32) float aHybrid[32][kHybridSlots];
+    alignas(32) float aDct[32][kHybridSlots];
     alignas(16) float aV[2][16][64];
     int aSlot[2] = {0, 0};
 };
