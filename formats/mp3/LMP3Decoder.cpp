@@ -830,41 +830,61 @@ LMP3_WIDE_VECTORS void LMP3Decoder::SynthesisDct()
     }
 }
 
+// The 64 values a time slot adds to the synthesis history, from its DCT outputs.
+void LMP3Decoder::BuildHistory(float* V, int t) const
+{
+    float X[33];
+    for (int k = 0; k < 32; ++k)
+        X[k] = aDct[k][t];
+    X[32] = 0.0f;
+    for (int j = 0; j < 16; ++j)
+        V[j] = X[16 + j];
+    V[16] = 0.0f;
+    for (int j = 17; j < 32; ++j)
+        V[j] = -X[48 - j];
+    for (int j = 0; j < 16; ++j)
+        V[32 + j] = -X[16 - j];
+    for (int j = 16; j < 32; ++j)
+        V[32 + j] = -X[j - 16];
+}
+
+// The window over the 16 newest slots of the history, from slot nSlot on, gives 32 samples.
+LMP3_WIDE_VECTORS void LMP3Decoder::Window(int ch, int nSlot, int32_t* pDst, int nStride) const
+{
+    const float* pD = MP3LT.fSynth;
+    float fAcc[32] = {};
+    for (int i = 0; i < 8; ++i) {
+        const float* pA = aV[ch][(nSlot + 2 * i) & (kHistorySlots - 1)];
+        const float* pB = aV[ch][(nSlot + 2 * i + 1) & (kHistorySlots - 1)] + 32;
+        const float* d0 = pD + 64 * i;
+        const float* d1 = d0 + 32;
+        for (int j = 0; j < 32; ++j)
+            fAcc[j] += d0[j] * pA[j] + d1[j] * pB[j];
+    }
+    for (int j = 0; j < 32; ++j) {
+        // Truncated toward zero; held inside the integer range only so that a hostile stream
+        // cannot make the conversion undefined.
+        const float f = std::min(std::max(fAcc[j], -2147483520.0f), 2147483520.0f);
+        pDst[j * nStride] = static_cast<int32_t>(f);
+    }
+}
+
 LMP3_WIDE_VECTORS void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
 {
     SynthesisDct();
-    const float* pD = MP3LT.fSynth;
-    for (int t = 0; t < 18; ++t) {
-        float X[33];
-        for (int k = 0; k < 32; ++k)
-            X[k] = aDct[k][t];
-        X[32] = 0.0f;
-        aSlot[ch] = (aSlot[ch] + 15) & 15;
-        float* V = aV[ch][aSlot[ch]];
-        for (int j = 0; j < 16; ++j)
-            V[j] = X[16 + j];
-        V[16] = 0.0f;
-        for (int j = 17; j < 32; ++j)
-            V[j] = -X[48 - j];
-        for (int j = 0; j < 16; ++j)
-            V[32 + j] = -X[16 - j];
-        for (int j = 16; j < 32; ++j)
-            V[32 + j] = -X[j - 16];
-        float fAcc[32] = {};
-        for (int i = 0; i < 8; ++i) {
-            const float* pA = aV[ch][(aSlot[ch] + 2 * i) & 15];
-            const float* pB = aV[ch][(aSlot[ch] + 2 * i + 1) & 15] + 32;
-            const float* d0 = pD + 64 * i;
-            const float* d1 = d0 + 32;
-            for (int j = 0; j < 32; ++j)
-                fAcc[j] += d0[j] * pA[j] + d1[j] * pB[j];
+    // A group of slots enters the history before any is windowed, so that the window reads
+    // values written a while ago rather than waiting on stores still in flight; the history
+    // holds room for the group beside the 16 slots the window spans.
+    for (int t0 = 0; t0 < 18; t0 += kLanes) {
+        const int nEnd = std::min(t0 + kLanes, 18);
+        int nSlot = aSlot[ch];
+        for (int t = t0; t < nEnd; ++t) {
+            nSlot = (nSlot + kHistorySlots - 1) & (kHistorySlots - 1);
+            BuildHistory(aV[ch][nSlot], t);
         }
-        int32_t* pDst = pOut + static_cast<size_t>(t) * 32 * nStride;
-        for (int j = 0; j < 32; ++j) {
-            // Truncated toward zero; held inside the integer range only so that a hostile stream
-            // cannot make the conversion undefined.
-            const float f = std::min(std::max(fAcc[j], -2147483520.0f), 2147483520.0f);
-            pDst[j * nStride] = static_cast<int32_t>(f);
+        for (int t = t0; t < nEnd; ++t) {
+            aSlot[ch] = (aSlot[ch] + kHistorySlots - 1) & (kHistorySlots - 1);
+            Window(ch, aSlot[ch], pOut + static_cast<size_t>(t) * 32 * nStride, nStride);
         }
     }
 }

@@ -62,6 +62,8 @@ private:
     void HybridLong8(int nType, int ch, int sb0);
     void HybridOne(const Granule& g, int ch, int sb, bool bActive);
     void SynthesisDct();
+    void BuildHistory(float* V, int t) const;
+    void Window(int ch, int nSlot, int32_t* pDst, int nStride) const;
     void Synthesis(int ch, int32_t* pOut, int nOutChans);
     void BuildReorderMap();
 
@@ -113,6 +115,7 @@ private:
     alignas(32) float aOverlap[2][18][32];
     alignas(32) float aHybrid[32][kHybridSlots];
     alignas(32) float aDct[32][kHybridSlots];
-    alignas(16) float aV[2][16][64];
+    static constexpr int kHistorySlots = 32;
+    alignas(32) float aV[2][kHistorySlots][64];
     int aSlot[2] = {0, 0};
 };
