@@ -363,9 +363,52 @@ struct LMP3Decoder::BandCursor
     }
 };
 
-// Requantises as it decodes, pair by pair; returns the next line.
-LMP3_WIDE_VECTORS int LMP3Decoder::DecodeBigValues(BitReader& br, int nEnd, const Granule& g, BandCursor& bc, float* xr)
+// The bits of the main data held in a register: each refill tops it up to at least 56 bits
+// without a branch, and the load it needs does not wait on the code being decoded.
+struct LMP3Decoder::BitCache
 {
+    const uint8_t* p; // the next bytes to load
+    uint64_t nBuf;    // the next bits, from the top
+    int nCount;       // bits of nBuf that are the stream's
+    int nPos;         // in bits, as BitReader counts
+
+    explicit BitCache(const BitReader& br) : p(br.p + (br.nPos >> 3)), nBuf(0), nCount(0), nPos(br.nPos)
+    {
+        Refill();
+        nBuf <<= br.nPos & 7;
+        nCount -= br.nPos & 7;
+    }
+    [[gnu::always_inline]] void Refill()
+    {
+        uint64_t w;
+        std::memcpy(&w, p, sizeof(w));
+        if constexpr (std::endian::native == std::endian::little)
+            w = __builtin_bswap64(w);
+        nBuf |= w >> nCount;
+        p += (63 - nCount) >> 3;
+        nCount |= 56;
+    }
+    [[gnu::always_inline]] void Skip(int n)
+    {
+        nBuf <<= n;
+        nCount -= n;
+        nPos += n;
+    }
+    // 1 to 32 bits.
+    [[gnu::always_inline]] uint32_t Get(int n)
+    {
+        const uint32_t v = static_cast<uint32_t>(nBuf >> (64 - n));
+        Skip(n);
+        return v;
+    }
+};
+
+// Requantises as it decodes, pair by pair; returns the next line.
+LMP3_WIDE_VECTORS int LMP3Decoder::DecodeBigValues(BitCache& bits, int nEnd, const Granule& g, BandCursor& bcIn, float* xr)
+{
+    // Local copies stay in registers: the stores of lines could otherwise be taken to change them.
+    BitCache c = bits;
+    BandCursor bc = bcIn;
     const int nBig = g.nBigValues * 2;
     const int aRegionEnd[3] = {std::min(g.nRegion1, nBig), std::min(std::max(g.nRegion2, g.nRegion1), nBig), nBig};
     int i = 0;
@@ -380,27 +423,29 @@ LMP3_WIDE_VECTORS int LMP3Decoder::DecodeBigValues(BitReader& br, int nEnd, cons
         }
         for (; i < nRegionEnd; i += 2) {
             uint32_t x = 0, y = 0, sx = 0, sy = 0;
-            if (br.nPos <= nEnd) {
-                const uint32_t w = br.Peek(32);
+            if (c.nPos <= nEnd) {
+                // A pair takes at most 19 + 2 x (13 + 1) bits: one refill holds it.
+                c.Refill();
+                const uint32_t w = static_cast<uint32_t>(c.nBuf >> 32);
                 int nUsed = 0;
                 const uint32_t xy = DecodeWindow(w, nBook, nUsed);
                 x = xy >> 4;
                 y = xy & 15;
                 if (nLinBits) {
-                    br.nPos += nUsed;
+                    c.Skip(nUsed);
                     if (x == 15)
-                        x += br.Get(nLinBits);
-                    sx = x ? br.Get(1) : 0;
+                        x += c.Get(nLinBits);
+                    sx = x ? c.Get(1) : 0;
                     if (y == 15)
-                        y += br.Get(nLinBits);
-                    sy = y ? br.Get(1) : 0;
+                        y += c.Get(nLinBits);
+                    sy = y ? c.Get(1) : 0;
                 } else {
                     // Both sign bits are in the window already; signs are random, so no branches.
                     const uint32_t nRest = w << nUsed;
                     const uint32_t nx = x != 0, ny = y != 0;
                     sx = nx & (nRest >> 31);
                     sy = ny & (nRest >> (31 - nx));
-                    br.nPos += nUsed + static_cast<int>(nx + ny);
+                    c.Skip(nUsed + static_cast<int>(nx + ny));
                 }
             }
             bc.Reach(i);
@@ -414,27 +459,30 @@ LMP3_WIDE_VECTORS int LMP3Decoder::DecodeBigValues(BitReader& br, int nEnd, cons
             }
         }
     }
+    bits = c;
+    bcIn = bc;
     return nBig;
 }
 
 // Huffman decoding and requantisation of one granule's channel into aXr; returns the lines
 // decoded (those above are zero).
-LMP3_WIDE_VECTORS int LMP3Decoder::DecodeSpectrum(BitReader& brIn, int nEnd, const Granule& g, int ch)
+LMP3_WIDE_VECTORS int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
 {
     float* xr = aXr[ch];
-    BitReader br = brIn; // a local copy stays in registers
+    BitCache c(br); // local copies stay in registers
     BandCursor bc{aBandEnd, aBandScale, aBandEnd[0], aBandScale[0]};
-    int i = DecodeBigValues(br, nEnd, g, bc, xr);
+    int i = DecodeBigValues(c, nEnd, g, bc, xr);
     const int nBook = 32 + g.nCount1Table;
-    while (i <= 572 && br.nPos < nEnd) {
-        const uint32_t w = br.Peek(32);
+    while (i <= 572 && c.nPos < nEnd) {
+        c.Refill();
+        const uint32_t w = static_cast<uint32_t>(c.nBuf >> 32);
         int nUsed = 0;
         const uint32_t q = DecodeWindow(w, nBook, nUsed);
         const int nOnes = kOnes[q & 15];
         // A quadruple that runs past the granule's bits is not part of it.
-        if (br.nPos + nUsed + nOnes > nEnd)
+        if (c.nPos + nUsed + nOnes > nEnd)
             break;
-        br.nPos += nUsed + nOnes;
+        c.Skip(nUsed + nOnes);
         uint32_t nRest = w << nUsed;
         for (int k = 0; k < 4; ++k) {
             const uint32_t v = (q >> (3 - k)) & 1;
@@ -444,7 +492,7 @@ LMP3_WIDE_VECTORS int LMP3Decoder::DecodeSpectrum(BitReader& brIn, int nEnd, con
         }
         i += 4;
     }
-    brIn = br;
+    br.nPos = c.nPos;
     const int nLines = i;
     for (; i < 576; ++i)
         xr[i] = 0.0f;

@@ -43,6 +43,7 @@ private:
     };
     struct BitReader;
     struct BandCursor;
+    struct BitCache;
 
     bool ReadSideInfo(const MP3Header& h, const uint8_t* pSide);
     void ReadScaleFactors1(BitReader& br, int gr, int ch);
@@ -51,7 +52,7 @@ private:
     // Huffman decoding and requantisation of one granule's channel into aXr; returns the lines
     // decoded (those above are zero).
     int DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch);
-    int DecodeBigValues(BitReader& br, int nEnd, const Granule& g, BandCursor& bc, float* xr);
+    int DecodeBigValues(BitCache& bits, int nEnd, const Granule& g, BandCursor& bc, float* xr);
     void Stereo(const Granule& gRight, int nModeExt);
     void StereoLong(int nFirstBand, int nLastBand, bool bMs);
     void StereoShortWindow(int w, int nFirstBand, bool bMs);
