@@ -680,6 +680,33 @@ constexpr int kLanes = 8;
     std::memcpy(p, &v, sizeof(v));
 }
 
+using LaneIndex = int __attribute__((vector_size(32)));
+#if defined(__clang__)
+#define LMP3_SHUFFLE(a, b, ...) __builtin_shufflevector(a, b, __VA_ARGS__)
+#else
+#define LMP3_SHUFFLE(a, b, ...) __builtin_shuffle(a, b, LaneIndex{__VA_ARGS__})
+#endif
+
+// Eight rows of eight lanes become eight columns, by the interleaves a processor does in a few
+// steps, so that data can change between lanes of subbands and lanes of time slots.
+[[gnu::always_inline]] inline void Transpose8(Lanes* r)
+{
+    Lanes t[8], u[8];
+    for (int i = 0; i < 8; i += 2) {
+        t[i] = LMP3_SHUFFLE(r[i], r[i + 1], 0, 8, 1, 9, 4, 12, 5, 13);
+        t[i + 1] = LMP3_SHUFFLE(r[i], r[i + 1], 2, 10, 3, 11, 6, 14, 7, 15);
+    }
+    for (int i = 0; i < 8; i += 4)
+        for (int j = 0; j < 2; ++j) {
+            u[i + 2 * j] = LMP3_SHUFFLE(t[i + j], t[i + j + 2], 0, 1, 8, 9, 4, 5, 12, 13);
+            u[i + 2 * j + 1] = LMP3_SHUFFLE(t[i + j], t[i + j + 2], 2, 3, 10, 11, 6, 7, 14, 15);
+        }
+    for (int i = 0; i < 4; ++i) {
+        r[i] = LMP3_SHUFFLE(u[i], u[i + 4], 0, 1, 2, 3, 8, 9, 10, 11);
+        r[i + 4] = LMP3_SHUFFLE(u[i], u[i + 4], 4, 5, 6, 7, 12, 13, 14, 15);
+    }
+}
+
 // The 18 distinct outputs of the 36-point IMDCT (outputs 0..8, then 18..26): an 18-point DCT-IV
 // y4, taken as a DCT-II of the inputs scaled by 1 / 2cos, whose neighbour sums give y4; the
 // DCT-II splits into two 9-point ones of the sums and the scaled differences. T is a float, or
@@ -758,7 +785,12 @@ LMP3_WIDE_VECTORS void LMP3Decoder::HybridLong8(int nType, int ch, int sb0)
 {
     const float* xr = aXr[ch] + 18 * sb0;
     Lanes x[18], y[18], over[18], out[18];
-    for (int n = 0; n < 18; ++n)
+    for (int n0 = 0; n0 < 16; n0 += kLanes) {
+        for (int l = 0; l < kLanes; ++l)
+            LoadLanes(x[n0 + l], xr + 18 * l + n0);
+        Transpose8(x + n0);
+    }
+    for (int n = 16; n < 18; ++n)
         for (int l = 0; l < kLanes; ++l)
             x[n][l] = xr[18 * l + n];
     Imdct36(x, y);
@@ -769,10 +801,17 @@ LMP3_WIDE_VECTORS void LMP3Decoder::HybridLong8(int nType, int ch, int sb0)
     const Lanes kFlip = {1.0f, -1.0f, 1.0f, -1.0f, 1.0f, -1.0f, 1.0f, -1.0f};
     for (int t = 0; t < 18; ++t) {
         StoreLanes(&aOverlap[ch][t][sb0], over[t]);
-        const Lanes v = t & 1 ? out[t] * kFlip : out[t];
-        for (int l = 0; l < kLanes; ++l)
-            aHybrid[sb0 + l][t] = v[l];
+        if (t & 1)
+            out[t] *= kFlip;
     }
+    for (int t0 = 0; t0 < 16; t0 += kLanes) {
+        Transpose8(out + t0);
+        for (int l = 0; l < kLanes; ++l)
+            StoreLanes(&aHybrid[sb0 + l][t0], out[t0 + l]);
+    }
+    for (int t = 16; t < 18; ++t)
+        for (int l = 0; l < kLanes; ++l)
+            aHybrid[sb0 + l][t] = out[t][l];
 }
 
 void LMP3Decoder::HybridOne(const Granule& g, int ch, int sb, bool bActive)
@@ -873,18 +912,18 @@ LMP3_WIDE_VECTORS void LMP3Decoder::SynthesisDct()
         for (int n = 0; n < 32; ++n)
             LoadLanes(x[n], &aHybrid[n][t0]);
         FastDct<32>(x, X, MP3LT.fDctInv);
-        for (int k = 0; k < 32; ++k)
-            StoreLanes(&aDct[k][t0], X[k]);
+        for (int k0 = 0; k0 < 32; k0 += kLanes) {
+            Transpose8(X + k0);
+            for (int l = 0; l < kLanes; ++l)
+                StoreLanes(&aDct[t0 + l][k0], X[k0 + l]);
+        }
     }
 }
 
 // The 64 values a time slot adds to the synthesis history, from its DCT outputs.
-void LMP3Decoder::BuildHistory(float* V, int t) const
+LMP3_WIDE_VECTORS void LMP3Decoder::BuildHistory(float* V, int t) const
 {
-    float X[33];
-    for (int k = 0; k < 32; ++k)
-        X[k] = aDct[k][t];
-    X[32] = 0.0f;
+    const float* X = aDct[t];
     for (int j = 0; j < 16; ++j)
         V[j] = X[16 + j];
     V[16] = 0.0f;

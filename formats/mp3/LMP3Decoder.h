@@ -111,11 +111,11 @@ private:
     int aNonZero[2];
     // The filter banks work on lanes: the overlap by time slot then subband, the IMDCT's output
     // by subband then time slot (padded to whole lanes; the padding stays zero), and the DCTs of
-    // the synthesis likewise.
+    // the synthesis by time slot then output.
     static constexpr int kHybridSlots = 24;
     alignas(32) float aOverlap[2][18][32];
     alignas(32) float aHybrid[32][kHybridSlots];
-    alignas(32) float aDct[32][kHybridSlots];
+    alignas(32) float aDct[kHybridSlots][32];
     static constexpr int kHistorySlots = 32;
     alignas(32) float aV[2][kHistorySlots][64];
     int aSlot[2] = {0, 0};
