@@ -8,12 +8,16 @@
 #include "formats/mp3/LMP3TableData.h"
 #include "formats/mp3/LMP3Tables.h"
 
-// The filter banks are plain float loops: where the processor has wider vector units, a second
-// copy built for them is chosen when the program starts. Not under the thread checker: the choice
-// runs while the program is being loaded, before the checker's runtime exists, and crashes there.
+// The Huffman decoding is built twice, the second time for processors with wider vector units,
+// and the copy is chosen when the program starts; the filter banks run four lanes wide, or eight
+// in a copy built for those processors and chosen when the stream is configured. Not under the
+// thread checker: the start-up choice runs while the program is being loaded, before the
+// checker's runtime exists, and crashes there.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__) &&                     \
     !defined(__SANITIZE_THREAD__)
 #define LMP3_WIDE_VECTORS __attribute__((target_clones("arch=x86-64-v3", "default")))
+#define LMP3_WIDE_PATH 1
+#define LMP3_WIDE_TARGET __attribute__((target("arch=x86-64-v3")))
 #else
 #define LMP3_WIDE_VECTORS
 #endif
@@ -69,6 +73,10 @@ void LMP3Decoder::Configure(int nRate, int nChans)
     nLongMixed = nVersion == 0 ? 8 : 6;
     pLong = LMP3Data::kLongBands[nRateIndex];
     pShort = LMP3Data::kShortBands[nRateIndex];
+#ifdef LMP3_WIDE_PATH
+    __builtin_cpu_init(); // in case a decoder is configured before the program's constructors ran
+    bWide = __builtin_cpu_supports("x86-64-v3");
+#endif
     BuildReorderMap();
     Reset();
 }
@@ -664,48 +672,67 @@ void LMP3Decoder::Antialias(const Granule& g, int ch)
 
 namespace {
 
-// Eight lanes of floats. Under the wide clone they fill one register; otherwise the compiler
-// splits them into halves or single floats, so the same code serves every processor.
-using Lanes = float __attribute__((vector_size(32)));
-constexpr int kLanes = 8;
+// Lanes of floats: four fill an SSE register and every processor of the family has them; eight
+// fill an AVX one. Elsewhere the compiler makes of them what the processor offers.
+using Lanes4 = float __attribute__((vector_size(16)));
+using Lanes8 = float __attribute__((vector_size(32)));
+using LaneIndex4 = int __attribute__((vector_size(16)));
+using LaneIndex8 = int __attribute__((vector_size(32)));
+template <class V>
+constexpr int kLanesOf = static_cast<int>(sizeof(V) / sizeof(float));
 
 // Lanes are copied in and out by pointer: passing them by value would tie the calls to one ABI.
-[[gnu::always_inline]] inline void LoadLanes(Lanes& v, const float* p)
+template <class V>
+[[gnu::always_inline]] inline void LoadLanes(V& v, const float* p)
 {
     std::memcpy(&v, p, sizeof(v));
 }
 
-[[gnu::always_inline]] inline void StoreLanes(float* p, const Lanes& v)
+template <class V>
+[[gnu::always_inline]] inline void StoreLanes(float* p, const V& v)
 {
     std::memcpy(p, &v, sizeof(v));
 }
 
-using LaneIndex = int __attribute__((vector_size(32)));
 #if defined(__clang__)
-#define LMP3_SHUFFLE(a, b, ...) __builtin_shufflevector(a, b, __VA_ARGS__)
+#define LMP3_SHUFFLE(Index, a, b, ...) __builtin_shufflevector(a, b, __VA_ARGS__)
 #else
-#define LMP3_SHUFFLE(a, b, ...) __builtin_shuffle(a, b, LaneIndex{__VA_ARGS__})
+#define LMP3_SHUFFLE(Index, a, b, ...) __builtin_shuffle(a, b, Index{__VA_ARGS__})
 #endif
 
-// Eight rows of eight lanes become eight columns, by the interleaves a processor does in a few
-// steps, so that data can change between lanes of subbands and lanes of time slots.
-[[gnu::always_inline]] inline void Transpose8(Lanes* r)
+// Rows of lanes become columns, by the interleaves a processor does in a few steps, so that
+// data can change between lanes of subbands and lanes of time slots.
+[[gnu::always_inline]] inline void Transpose(Lanes4* r)
 {
-    Lanes t[8], u[8];
+    const Lanes4 t0 = LMP3_SHUFFLE(LaneIndex4, r[0], r[1], 0, 4, 1, 5);
+    const Lanes4 t1 = LMP3_SHUFFLE(LaneIndex4, r[0], r[1], 2, 6, 3, 7);
+    const Lanes4 t2 = LMP3_SHUFFLE(LaneIndex4, r[2], r[3], 0, 4, 1, 5);
+    const Lanes4 t3 = LMP3_SHUFFLE(LaneIndex4, r[2], r[3], 2, 6, 3, 7);
+    r[0] = LMP3_SHUFFLE(LaneIndex4, t0, t2, 0, 1, 4, 5);
+    r[1] = LMP3_SHUFFLE(LaneIndex4, t0, t2, 2, 3, 6, 7);
+    r[2] = LMP3_SHUFFLE(LaneIndex4, t1, t3, 0, 1, 4, 5);
+    r[3] = LMP3_SHUFFLE(LaneIndex4, t1, t3, 2, 3, 6, 7);
+}
+
+#ifdef LMP3_WIDE_PATH
+[[gnu::always_inline]] inline void Transpose(Lanes8* r)
+{
+    Lanes8 t[8], u[8];
     for (int i = 0; i < 8; i += 2) {
-        t[i] = LMP3_SHUFFLE(r[i], r[i + 1], 0, 8, 1, 9, 4, 12, 5, 13);
-        t[i + 1] = LMP3_SHUFFLE(r[i], r[i + 1], 2, 10, 3, 11, 6, 14, 7, 15);
+        t[i] = LMP3_SHUFFLE(LaneIndex8, r[i], r[i + 1], 0, 8, 1, 9, 4, 12, 5, 13);
+        t[i + 1] = LMP3_SHUFFLE(LaneIndex8, r[i], r[i + 1], 2, 10, 3, 11, 6, 14, 7, 15);
     }
     for (int i = 0; i < 8; i += 4)
         for (int j = 0; j < 2; ++j) {
-            u[i + 2 * j] = LMP3_SHUFFLE(t[i + j], t[i + j + 2], 0, 1, 8, 9, 4, 5, 12, 13);
-            u[i + 2 * j + 1] = LMP3_SHUFFLE(t[i + j], t[i + j + 2], 2, 3, 10, 11, 6, 7, 14, 15);
+            u[i + 2 * j] = LMP3_SHUFFLE(LaneIndex8, t[i + j], t[i + j + 2], 0, 1, 8, 9, 4, 5, 12, 13);
+            u[i + 2 * j + 1] = LMP3_SHUFFLE(LaneIndex8, t[i + j], t[i + j + 2], 2, 3, 10, 11, 6, 7, 14, 15);
         }
     for (int i = 0; i < 4; ++i) {
-        r[i] = LMP3_SHUFFLE(u[i], u[i + 4], 0, 1, 2, 3, 8, 9, 10, 11);
-        r[i + 4] = LMP3_SHUFFLE(u[i], u[i + 4], 4, 5, 6, 7, 12, 13, 14, 15);
+        r[i] = LMP3_SHUFFLE(LaneIndex8, u[i], u[i + 4], 0, 1, 2, 3, 8, 9, 10, 11);
+        r[i + 4] = LMP3_SHUFFLE(LaneIndex8, u[i], u[i + 4], 4, 5, 6, 7, 12, 13, 14, 15);
     }
 }
+#endif
 
 // The 18 distinct outputs of the 36-point IMDCT (outputs 0..8, then 18..26): an 18-point DCT-IV
 // y4, taken as a DCT-II of the inputs scaled by 1 / 2cos, whose neighbour sums give y4; the
@@ -779,38 +806,45 @@ template <class T>
 
 } // namespace
 
-// Eight subbands of one long block type at once: their lines are gathered lane by lane, and the
+// Subbands of one long block type, one per lane: their lines are gathered into lanes, and the
 // outputs are spread back to each subband's row.
-LMP3_WIDE_VECTORS void LMP3Decoder::HybridLong8(int nType, int ch, int sb0)
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::HybridLanes(int nType, int ch, int sb0)
 {
+    constexpr int L = kLanesOf<V>;
     const float* xr = aXr[ch] + 18 * sb0;
-    Lanes x[18], y[18], over[18], out[18];
-    for (int n0 = 0; n0 < 16; n0 += kLanes) {
-        for (int l = 0; l < kLanes; ++l)
+    V x[18], y[18], over[18], out[18];
+    for (int n0 = 0; n0 < 16; n0 += L) {
+        for (int l = 0; l < L; ++l)
             LoadLanes(x[n0 + l], xr + 18 * l + n0);
-        Transpose8(x + n0);
+        Transpose(x + n0);
     }
-    for (int n = 16; n < 18; ++n)
-        for (int l = 0; l < kLanes; ++l)
-            x[n][l] = xr[18 * l + n];
+    for (int n = 16; n < 18; ++n) {
+        float aColumn[L];
+        for (int l = 0; l < L; ++l)
+            aColumn[l] = xr[18 * l + n];
+        LoadLanes(x[n], aColumn);
+    }
     Imdct36(x, y);
     for (int t = 0; t < 18; ++t)
         LoadLanes(over[t], &aOverlap[ch][t][sb0]);
     WindowLong(y, MP3LT.fWindow[nType], over, out);
     // Odd subbands are frequency-inverted: their odd outputs change sign.
-    const Lanes kFlip = {1.0f, -1.0f, 1.0f, -1.0f, 1.0f, -1.0f, 1.0f, -1.0f};
+    V vFlip{};
+    for (int l = 0; l < L; ++l)
+        vFlip[l] = l & 1 ? -1.0f : 1.0f;
     for (int t = 0; t < 18; ++t) {
         StoreLanes(&aOverlap[ch][t][sb0], over[t]);
         if (t & 1)
-            out[t] *= kFlip;
+            out[t] *= vFlip;
     }
-    for (int t0 = 0; t0 < 16; t0 += kLanes) {
-        Transpose8(out + t0);
-        for (int l = 0; l < kLanes; ++l)
+    for (int t0 = 0; t0 < 16; t0 += L) {
+        Transpose(out + t0);
+        for (int l = 0; l < L; ++l)
             StoreLanes(&aHybrid[sb0 + l][t0], out[t0 + l]);
     }
     for (int t = 16; t < 18; ++t)
-        for (int l = 0; l < kLanes; ++l)
+        for (int l = 0; l < L; ++l)
             aHybrid[sb0 + l][t] = out[t][l];
 }
 
@@ -861,18 +895,38 @@ void LMP3Decoder::HybridOne(const Granule& g, int ch, int sb, bool bActive)
     }
 }
 
-void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::HybridBody(const Granule& g, int ch, int nActive)
 {
-    // Subbands above the active ones hold zeros, so a group of eight that starts below them
-    // may take them along.
+    constexpr int L = kLanesOf<V>;
+    // Subbands above the active ones hold zeros, so a group that starts below them may take
+    // them along.
     const bool bUniformLong = !g.bShort && !g.bMixedFlag;
-    for (int sb0 = 0; sb0 < 32; sb0 += kLanes) {
+    for (int sb0 = 0; sb0 < 32; sb0 += L) {
         if (bUniformLong && sb0 < nActive)
-            HybridLong8(g.nBlockType, ch, sb0);
+            HybridLanes<V>(g.nBlockType, ch, sb0);
         else
-            for (int sb = sb0; sb < sb0 + kLanes; ++sb)
+            for (int sb = sb0; sb < sb0 + L; ++sb)
                 HybridOne(g, ch, sb, sb < nActive);
     }
+}
+
+#ifdef LMP3_WIDE_PATH
+LMP3_WIDE_TARGET void LMP3Decoder::HybridWide(const Granule& g, int ch, int nActive)
+{
+    HybridBody<Lanes8>(g, ch, nActive);
+}
+#endif
+
+void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
+{
+#ifdef LMP3_WIDE_PATH
+    if (bWide) {
+        HybridWide(g, ch, nActive);
+        return;
+    }
+#endif
+    HybridBody<Lanes4>(g, ch, nActive);
 }
 
 namespace {
@@ -904,17 +958,19 @@ template <int N, class T>
 
 } // namespace
 
-// The 32-point DCTs of the granule's time slots, eight slots at a time in the lanes.
-LMP3_WIDE_VECTORS void LMP3Decoder::SynthesisDct()
+// The 32-point DCTs of the granule's time slots, a lane's width of slots at a time.
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::SynthesisDct()
 {
-    for (int t0 = 0; t0 < kHybridSlots; t0 += kLanes) {
-        Lanes x[32], X[32];
+    constexpr int L = kLanesOf<V>;
+    for (int t0 = 0; t0 < 18; t0 += L) {
+        V x[32], X[32];
         for (int n = 0; n < 32; ++n)
             LoadLanes(x[n], &aHybrid[n][t0]);
         FastDct<32>(x, X, MP3LT.fDctInv);
-        for (int k0 = 0; k0 < 32; k0 += kLanes) {
-            Transpose8(X + k0);
-            for (int l = 0; l < kLanes; ++l)
+        for (int k0 = 0; k0 < 32; k0 += L) {
+            Transpose(X + k0);
+            for (int l = 0; l < L; ++l)
                 StoreLanes(&aDct[t0 + l][k0], X[k0 + l]);
         }
     }
@@ -956,14 +1012,15 @@ LMP3_WIDE_VECTORS void LMP3Decoder::Window(int ch, int nSlot, int32_t* pDst, int
     }
 }
 
-LMP3_WIDE_VECTORS void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::SynthesisBody(int ch, int32_t* pOut, int nStride)
 {
-    SynthesisDct();
+    SynthesisDct<V>();
     // A group of slots enters the history before any is windowed, so that the window reads
     // values written a while ago rather than waiting on stores still in flight; the history
     // holds room for the group beside the 16 slots the window spans.
-    for (int t0 = 0; t0 < 18; t0 += kLanes) {
-        const int nEnd = std::min(t0 + kLanes, 18);
+    for (int t0 = 0; t0 < 18; t0 += kHistoryGroup) {
+        const int nEnd = std::min(t0 + kHistoryGroup, 18);
         int nSlot = aSlot[ch];
         for (int t = t0; t < nEnd; ++t) {
             nSlot = (nSlot + kHistorySlots - 1) & (kHistorySlots - 1);
@@ -974,6 +1031,24 @@ LMP3_WIDE_VECTORS void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride
             Window(ch, aSlot[ch], pOut + static_cast<size_t>(t) * 32 * nStride, nStride);
         }
     }
+}
+
+#ifdef LMP3_WIDE_PATH
+LMP3_WIDE_TARGET void LMP3Decoder::SynthesisWide(int ch, int32_t* pOut, int nStride)
+{
+    SynthesisBody<Lanes8>(ch, pOut, nStride);
+}
+#endif
+
+void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
+{
+#ifdef LMP3_WIDE_PATH
+    if (bWide) {
+        SynthesisWide(ch, pOut, nStride);
+        return;
+    }
+#endif
+    SynthesisBody<Lanes4>(ch, pOut, nStride);
 }
 
 bool LMP3Decoder::DecodeFrame(const MP3Header& h, const uint8_t* pData, int nBytes, int32_t* pOut)

@@ -59,17 +59,27 @@ private:
     void IntensityLines(float* l, float* r, int nLines, int nPos, int nMax, bool bMs);
     void Reorder(const Granule& g, int ch);
     void Antialias(const Granule& g, int ch);
+    // The filter banks, four lanes wide or, where the processor has them, eight.
     void Hybrid(const Granule& g, int ch, int nActive);
-    void HybridLong8(int nType, int ch, int sb0);
+    void HybridWide(const Granule& g, int ch, int nActive);
+    template <class V>
+    void HybridBody(const Granule& g, int ch, int nActive);
+    template <class V>
+    void HybridLanes(int nType, int ch, int sb0);
     void HybridOne(const Granule& g, int ch, int sb, bool bActive);
+    void Synthesis(int ch, int32_t* pOut, int nOutChans);
+    void SynthesisWide(int ch, int32_t* pOut, int nOutChans);
+    template <class V>
+    void SynthesisBody(int ch, int32_t* pOut, int nOutChans);
+    template <class V>
     void SynthesisDct();
     void BuildHistory(float* V, int t) const;
     void Window(int ch, int nSlot, int32_t* pDst, int nStride) const;
-    void Synthesis(int ch, int32_t* pOut, int nOutChans);
     void BuildReorderMap();
 
     // Band layout of the stream.
     int nRateIndex = 0;
+    bool bWide = false; // the eight-lane filter banks suit the processor
     int nOutChans = 2;
     int nVersion = 0;
     int nLongMixed = 8; // long bands a mixed block keeps
@@ -117,6 +127,7 @@ private:
     alignas(32) float aHybrid[32][kHybridSlots];
     alignas(32) float aDct[kHybridSlots][32];
     static constexpr int kHistorySlots = 32;
+    static constexpr int kHistoryGroup = 8; // slots entered before the first is windowed
     alignas(32) float aV[2][kHistorySlots][64];
     int aSlot[2] = {0, 0};
 };
