@@ -8,12 +8,16 @@
 #include "formats/mp3/LMP3TableData.h"
 #include "formats/mp3/LMP3Tables.h"
 
-// The filter banks are plain float loops: where the processor has wider vector units, a second
-// copy built for them is chosen when the program starts. Not under the thread checker: the choice
-// runs while the program is being loaded, before the checker's runtime exists, and crashes there.
+// The Huffman decoding is built twice, the second time for processors with wider vector units,
+// and the copy is chosen when the program starts; the filter banks run four lanes wide, or eight
+// in a copy built for those processors and chosen when the stream is configured. Not under the
+// thread checker: the start-up choice runs while the program is being loaded, before the
+// checker's runtime exists, and crashes there.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__) &&                     \
     !defined(__SANITIZE_THREAD__)
 #define LMP3_WIDE_VECTORS __attribute__((target_clones("arch=x86-64-v3", "default")))
+#define LMP3_WIDE_PATH 1
+#define LMP3_WIDE_TARGET __attribute__((target("arch=x86-64-v3")))
 #else
 #define LMP3_WIDE_VECTORS
 #endif
@@ -69,6 +73,10 @@ void LMP3Decoder::Configure(int nRate, int nChans)
     nLongMixed = nVersion == 0 ? 8 : 6;
     pLong = LMP3Data::kLongBands[nRateIndex];
     pShort = LMP3Data::kShortBands[nRateIndex];
+#ifdef LMP3_WIDE_PATH
+    __builtin_cpu_init(); // in case a decoder is configured before the program's constructors ran
+    bWide = __builtin_cpu_supports("x86-64-v3");
+#endif
     BuildReorderMap();
     Reset();
 }
@@ -103,6 +111,7 @@ void LMP3Decoder::Reset()
     nReservoir = 0;
     std::memset(aReservoir, 0, sizeof(aReservoir));
     std::memset(aOverlap, 0, sizeof(aOverlap));
+    std::memset(aHybrid, 0, sizeof(aHybrid));
     std::memset(aV, 0, sizeof(aV));
     std::memset(aSfL, 0, sizeof(aSfL));
     std::memset(aSfS, 0, sizeof(aSfS));
@@ -311,26 +320,103 @@ void LMP3Decoder::BuildBandScales(const Granule& g, int ch)
     aBandScale[nBands] = 0.0f;
 }
 
+namespace {
+
 // The set bits of a count1 quadruple: one per sign bit that follows it.
 constexpr int kOnes[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
 
-LMP3_WIDE_VECTORS int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
+// One code of a book read from the front of a 32-bit window, which holds every code whole (the
+// longest takes 19 bits); nUsed gets the code's length.
+[[gnu::always_inline]] inline uint32_t DecodeWindow(uint32_t w, int nBook, int& nUsed)
 {
-    float* xr = aXr[ch];
-    const float* pPow = MP3LT.fPow43;
-    int nBand = 0;
-    int nBandEnd = aBandEnd[0];
-    float fScale = aBandScale[0];
-    // Requantises as it decodes: |v|^(4/3) times the band's gain, with v's sign.
-    auto Put = [&](int i, int v) {
-        while (i >= nBandEnd) {
-            ++nBand;
-            nBandEnd = aBandEnd[nBand];
-            fScale = aBandScale[nBand];
+    const uint32_t* pHuff = MP3LT.aHuff;
+    uint32_t nStart = MP3LT.aBookStart[nBook];
+    int nWidth = MP3LT.aBookBits[nBook];
+    int n = 0;
+    for (;;) {
+        const uint32_t e = pHuff[nStart + ((w << n) >> (32 - nWidth))];
+        if (!(e & 0x80000000u)) {
+            nUsed = n + static_cast<int>((e >> 8) & 31);
+            return e & 0xFF;
         }
-        const float f = pPow[v < 0 ? -v : v] * fScale;
-        xr[i] = v < 0 ? -f : f;
-    };
+        n += nWidth;
+        nWidth = static_cast<int>((e >> 24) & 31);
+        nStart = e & 0xFFFFFF;
+    }
+}
+
+// |v|^(4/3) times the band's gain, with the sign bit given apart.
+[[gnu::always_inline]] inline float Requantise(uint32_t nMag, uint32_t nSign, float fScale)
+{
+    const float f = MP3LT.fPow43[nMag] * fScale;
+    return std::bit_cast<float>(std::bit_cast<uint32_t>(f) ^ (nSign << 31));
+}
+
+} // namespace
+
+// The bands the lines fall in, followed as the lines are decoded.
+struct LMP3Decoder::BandCursor
+{
+    const int16_t* pEnd;
+    const float* pScale;
+    int nEnd;
+    float fScale;
+
+    [[gnu::always_inline]] void Reach(int i)
+    {
+        while (i >= nEnd) {
+            nEnd = *++pEnd;
+            fScale = *++pScale;
+        }
+    }
+};
+
+// The bits of the main data held in a register: each refill tops it up to at least 56 bits
+// without a branch, and the load it needs does not wait on the code being decoded.
+struct LMP3Decoder::BitCache
+{
+    const uint8_t* p; // the next bytes to load
+    uint64_t nBuf;    // the next bits, from the top
+    int nCount;       // bits of nBuf that are the stream's
+    int nPos;         // in bits, as BitReader counts
+
+    explicit BitCache(const BitReader& br) : p(br.p + (br.nPos >> 3)), nBuf(0), nCount(0), nPos(br.nPos)
+    {
+        Refill();
+        nBuf <<= br.nPos & 7;
+        nCount -= br.nPos & 7;
+    }
+    [[gnu::always_inline]] void Refill()
+    {
+        uint64_t w;
+        std::memcpy(&w, p, sizeof(w));
+        if constexpr (std::endian::native == std::endian::little)
+            w = __builtin_bswap64(w);
+        nBuf |= w >> nCount;
+        p += (63 - nCount) >> 3;
+        nCount |= 56;
+    }
+    [[gnu::always_inline]] void Skip(int n)
+    {
+        nBuf <<= n;
+        nCount -= n;
+        nPos += n;
+    }
+    // 1 to 32 bits.
+    [[gnu::always_inline]] uint32_t Get(int n)
+    {
+        const uint32_t v = static_cast<uint32_t>(nBuf >> (64 - n));
+        Skip(n);
+        return v;
+    }
+};
+
+// Requantises as it decodes, pair by pair; returns the next line.
+LMP3_WIDE_VECTORS int LMP3Decoder::DecodeBigValues(BitCache& bits, int nEnd, const Granule& g, BandCursor& bcIn, float* xr)
+{
+    // Local copies stay in registers: the stores of lines could otherwise be taken to change them.
+    BitCache c = bits;
+    BandCursor bc = bcIn;
     const int nBig = g.nBigValues * 2;
     const int aRegionEnd[3] = {std::min(g.nRegion1, nBig), std::min(std::max(g.nRegion2, g.nRegion1), nBig), nBig};
     int i = 0;
@@ -344,58 +430,77 @@ LMP3_WIDE_VECTORS int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const
             continue;
         }
         for (; i < nRegionEnd; i += 2) {
-            if (br.nPos > nEnd) {
-                xr[i] = xr[i + 1] = 0.0f;
-                continue;
+            uint32_t x = 0, y = 0, sx = 0, sy = 0;
+            if (c.nPos <= nEnd) {
+                // A pair takes at most 19 + 2 x (13 + 1) bits: one refill holds it.
+                c.Refill();
+                const uint32_t w = static_cast<uint32_t>(c.nBuf >> 32);
+                int nUsed = 0;
+                const uint32_t xy = DecodeWindow(w, nBook, nUsed);
+                x = xy >> 4;
+                y = xy & 15;
+                if (nLinBits) {
+                    c.Skip(nUsed);
+                    if (x == 15)
+                        x += c.Get(nLinBits);
+                    sx = x ? c.Get(1) : 0;
+                    if (y == 15)
+                        y += c.Get(nLinBits);
+                    sy = y ? c.Get(1) : 0;
+                } else {
+                    // Both sign bits are in the window already; signs are random, so no branches.
+                    const uint32_t nRest = w << nUsed;
+                    const uint32_t nx = x != 0, ny = y != 0;
+                    sx = nx & (nRest >> 31);
+                    sy = ny & (nRest >> (31 - nx));
+                    c.Skip(nUsed + static_cast<int>(nx + ny));
+                }
             }
-            const uint32_t xy = br.Decode(nBook);
-            int x = static_cast<int>(xy >> 4);
-            int y = static_cast<int>(xy & 15);
-            if (nLinBits) {
-                if (x == 15)
-                    x += static_cast<int>(br.Get(nLinBits));
-                if (x && br.Get(1))
-                    x = -x;
-                if (y == 15)
-                    y += static_cast<int>(br.Get(nLinBits));
-                if (y && br.Get(1))
-                    y = -y;
+            bc.Reach(i);
+            if (i + 1 < bc.nEnd) {
+                xr[i] = Requantise(x, sx, bc.fScale);
+                xr[i + 1] = Requantise(y, sy, bc.fScale);
             } else {
-                // Both sign bits in one look, applied without branches (signs are random).
-                const int nx = x != 0, ny = y != 0;
-                const uint32_t b = br.Get(nx + ny);
-                const int sx = nx & static_cast<int>(b >> ny);
-                const int sy = ny & static_cast<int>(b);
-                x = (x ^ -sx) + sx;
-                y = (y ^ -sy) + sy;
+                xr[i] = Requantise(x, sx, bc.fScale);
+                bc.Reach(i + 1);
+                xr[i + 1] = Requantise(y, sy, bc.fScale);
             }
-            Put(i, x);
-            Put(i + 1, y);
         }
     }
-    i = nBig;
+    bits = c;
+    bcIn = bc;
+    return nBig;
+}
+
+// Huffman decoding and requantisation of one granule's channel into aXr; returns the lines
+// decoded (those above are zero).
+LMP3_WIDE_VECTORS int LMP3Decoder::DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch)
+{
+    float* xr = aXr[ch];
+    BitCache c(br); // local copies stay in registers
+    BandCursor bc{aBandEnd, aBandScale, aBandEnd[0], aBandScale[0]};
+    int i = DecodeBigValues(c, nEnd, g, bc, xr);
     const int nBook = 32 + g.nCount1Table;
-    while (i <= 572 && br.nPos < nEnd) {
-        const int nBefore = br.nPos;
-        const uint32_t q = br.Decode(nBook);
-        int a[4];
+    while (i <= 572 && c.nPos < nEnd) {
+        c.Refill();
+        const uint32_t w = static_cast<uint32_t>(c.nBuf >> 32);
+        int nUsed = 0;
+        const uint32_t q = DecodeWindow(w, nBook, nUsed);
         const int nOnes = kOnes[q & 15];
-        const uint32_t nSigns = br.Get(nOnes);
-        for (int k = 0, nLeft = nOnes; k < 4; ++k) {
-            const int v = static_cast<int>(q >> (3 - k)) & 1;
-            nLeft -= v;
-            const int sgn = v & static_cast<int>(nSigns >> nLeft);
-            a[k] = (v ^ -sgn) + sgn;
-        }
-        if (br.nPos > nEnd) {
-            // A quadruple that runs past the granule's bits is not part of it.
-            br.nPos = nBefore;
+        // A quadruple that runs past the granule's bits is not part of it.
+        if (c.nPos + nUsed + nOnes > nEnd)
             break;
+        c.Skip(nUsed + nOnes);
+        uint32_t nRest = w << nUsed;
+        for (int k = 0; k < 4; ++k) {
+            const uint32_t v = (q >> (3 - k)) & 1;
+            bc.Reach(i + k);
+            xr[i + k] = Requantise(v, v & (nRest >> 31), bc.fScale);
+            nRest <<= v;
         }
-        for (int k = 0; k < 4; ++k)
-            Put(i + k, a[k]);
         i += 4;
     }
+    br.nPos = c.nPos;
     const int nLines = i;
     for (; i < 576; ++i)
         xr[i] = 0.0f;
@@ -567,21 +672,85 @@ void LMP3Decoder::Antialias(const Granule& g, int ch)
 
 namespace {
 
+// Lanes of floats: four fill an SSE register and every processor of the family has them; eight
+// fill an AVX one. Elsewhere the compiler makes of them what the processor offers.
+using Lanes4 = float __attribute__((vector_size(16)));
+using Lanes8 = float __attribute__((vector_size(32)));
+using LaneIndex4 = int __attribute__((vector_size(16)));
+using LaneIndex8 = int __attribute__((vector_size(32)));
+template <class V>
+constexpr int kLanesOf = static_cast<int>(sizeof(V) / sizeof(float));
+
+// Lanes are copied in and out by pointer: passing them by value would tie the calls to one ABI.
+template <class V>
+[[gnu::always_inline]] inline void LoadLanes(V& v, const float* p)
+{
+    std::memcpy(&v, p, sizeof(v));
+}
+
+template <class V>
+[[gnu::always_inline]] inline void StoreLanes(float* p, const V& v)
+{
+    std::memcpy(p, &v, sizeof(v));
+}
+
+#if defined(__clang__)
+#define LMP3_SHUFFLE(Index, a, b, ...) __builtin_shufflevector(a, b, __VA_ARGS__)
+#else
+#define LMP3_SHUFFLE(Index, a, b, ...) __builtin_shuffle(a, b, Index{__VA_ARGS__})
+#endif
+
+// Rows of lanes become columns, by the interleaves a processor does in a few steps, so that
+// data can change between lanes of subbands and lanes of time slots.
+[[gnu::always_inline]] inline void Transpose(Lanes4* r)
+{
+    const Lanes4 t0 = LMP3_SHUFFLE(LaneIndex4, r[0], r[1], 0, 4, 1, 5);
+    const Lanes4 t1 = LMP3_SHUFFLE(LaneIndex4, r[0], r[1], 2, 6, 3, 7);
+    const Lanes4 t2 = LMP3_SHUFFLE(LaneIndex4, r[2], r[3], 0, 4, 1, 5);
+    const Lanes4 t3 = LMP3_SHUFFLE(LaneIndex4, r[2], r[3], 2, 6, 3, 7);
+    r[0] = LMP3_SHUFFLE(LaneIndex4, t0, t2, 0, 1, 4, 5);
+    r[1] = LMP3_SHUFFLE(LaneIndex4, t0, t2, 2, 3, 6, 7);
+    r[2] = LMP3_SHUFFLE(LaneIndex4, t1, t3, 0, 1, 4, 5);
+    r[3] = LMP3_SHUFFLE(LaneIndex4, t1, t3, 2, 3, 6, 7);
+}
+
+#ifdef LMP3_WIDE_PATH
+[[gnu::always_inline]] inline void Transpose(Lanes8* r)
+{
+    Lanes8 t[8], u[8];
+    for (int i = 0; i < 8; i += 2) {
+        t[i] = LMP3_SHUFFLE(LaneIndex8, r[i], r[i + 1], 0, 8, 1, 9, 4, 12, 5, 13);
+        t[i + 1] = LMP3_SHUFFLE(LaneIndex8, r[i], r[i + 1], 2, 10, 3, 11, 6, 14, 7, 15);
+    }
+    for (int i = 0; i < 8; i += 4)
+        for (int j = 0; j < 2; ++j) {
+            u[i + 2 * j] = LMP3_SHUFFLE(LaneIndex8, t[i + j], t[i + j + 2], 0, 1, 8, 9, 4, 5, 12, 13);
+            u[i + 2 * j + 1] = LMP3_SHUFFLE(LaneIndex8, t[i + j], t[i + j + 2], 2, 3, 10, 11, 6, 7, 14, 15);
+        }
+    for (int i = 0; i < 4; ++i) {
+        r[i] = LMP3_SHUFFLE(LaneIndex8, u[i], u[i + 4], 0, 1, 2, 3, 8, 9, 10, 11);
+        r[i + 4] = LMP3_SHUFFLE(LaneIndex8, u[i], u[i + 4], 4, 5, 6, 7, 12, 13, 14, 15);
+    }
+}
+#endif
+
 // The 18 distinct outputs of the 36-point IMDCT (outputs 0..8, then 18..26): an 18-point DCT-IV
 // y4, taken as a DCT-II of the inputs scaled by 1 / 2cos, whose neighbour sums give y4; the
-// DCT-II splits into two 9-point ones of the sums and the scaled differences.
-void Imdct36(const float* x, float* y)
+// DCT-II splits into two 9-point ones of the sums and the scaled differences. T is a float, or
+// lanes of subbands taken together.
+template <class T>
+[[gnu::always_inline]] inline void Imdct36(const T* x, T* y)
 {
-    float g[9], h[9];
+    T g[9], h[9];
     for (int n = 0; n < 9; ++n) {
-        const float a = x[n] * MP3LT.fImdctInv72[n];
-        const float b = x[17 - n] * MP3LT.fImdctInv72[17 - n];
+        const T a = x[n] * MP3LT.fImdctInv72[n];
+        const T b = x[17 - n] * MP3LT.fImdctInv72[17 - n];
         g[n] = a + b;
         h[n] = (a - b) * MP3LT.fImdctInv36[n];
     }
     // The nine-point DCTs: cos(pi (17 - 2n) k / 18) = (-1)^k cos(pi (2n + 1) k / 18), so the even
     // outputs take the sums of mirrored inputs and the odd ones their differences.
-    float gs[5], gd[4], hs[5], hd[4];
+    T gs[5], gd[4], hs[5], hd[4];
     for (int n = 0; n < 4; ++n) {
         gs[n] = g[n] + g[8 - n];
         gd[n] = g[n] - g[8 - n];
@@ -590,12 +759,13 @@ void Imdct36(const float* x, float* y)
     }
     gs[4] = g[4];
     hs[4] = h[4];
-    float G[9], H[10];
+    T G[9], H[10];
     // Outputs k0, k0 + 2, ... from the first nTerms of pg and ph.
-    const auto Outputs = [&G, &H](const float* pg, const float* ph, int nTerms, int k0) {
+    const auto Outputs = [&G, &H](const T* pg, const T* ph, int nTerms, int k0) {
         for (int k = k0; k < 9; k += 2) {
-            float a = 0.0f, b = 0.0f;
-            for (int n = 0; n < nTerms; ++n) {
+            T a = pg[0] * MP3LT.fImdctDct9[0][k];
+            T b = ph[0] * MP3LT.fImdctDct9[0][k];
+            for (int n = 1; n < nTerms; ++n) {
                 a += pg[n] * MP3LT.fImdctDct9[n][k];
                 b += ph[n] * MP3LT.fImdctDct9[n][k];
             }
@@ -605,13 +775,13 @@ void Imdct36(const float* x, float* y)
     };
     Outputs(gs, hs, 5, 0);
     Outputs(gd, hd, 4, 1);
-    H[9] = 0.0f;
+    H[9] = T{};
     // y4[2m] = G[m] + H[m] + H[m + 1], y4[2m + 1] = H[m] + H[m + 1] + G[m + 1].
-    float y4[18];
+    T y4[18];
     for (int m = 0; m < 9; ++m) {
-        const float t = H[m] + H[m + 1];
+        const T t = H[m] + H[m + 1];
         y4[2 * m] = G[m] + t;
-        y4[2 * m + 1] = t + (m < 8 ? G[m + 1] : 0.0f);
+        y4[2 * m + 1] = m < 8 ? t + G[m + 1] : t;
     }
     for (int j = 0; j < 9; ++j) {
         y[j] = y4[9 + j];
@@ -619,128 +789,266 @@ void Imdct36(const float* x, float* y)
     }
 }
 
+// The long window over the IMDCT's outputs: the first half joins the overlap into aOut, the
+// second half becomes the next overlap. y holds outputs 0..8 and 18..26; 9..17 and 27..35
+// mirror them.
+template <class T>
+[[gnu::always_inline]] inline void WindowLong(const T* y, const float* pWin, T* pOver, T* aOut)
+{
+    for (int i = 0; i < 9; ++i) {
+        const T a = y[i], b = y[9 + i];
+        aOut[i] = a * pWin[i] + pOver[i];
+        aOut[17 - i] = pOver[17 - i] - a * pWin[17 - i];
+        pOver[i] = b * pWin[18 + i];
+        pOver[17 - i] = b * pWin[35 - i];
+    }
+}
+
 } // namespace
+
+// Subbands of one long block type, one per lane: their lines are gathered into lanes, and the
+// outputs are spread back to each subband's row.
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::HybridLanes(int nType, int ch, int sb0)
+{
+    constexpr int L = kLanesOf<V>;
+    const float* xr = aXr[ch] + 18 * sb0;
+    V x[18], y[18], over[18], out[18];
+    for (int n0 = 0; n0 < 16; n0 += L) {
+        for (int l = 0; l < L; ++l)
+            LoadLanes(x[n0 + l], xr + 18 * l + n0);
+        Transpose(x + n0);
+    }
+    for (int n = 16; n < 18; ++n) {
+        float aColumn[L];
+        for (int l = 0; l < L; ++l)
+            aColumn[l] = xr[18 * l + n];
+        LoadLanes(x[n], aColumn);
+    }
+    Imdct36(x, y);
+    for (int t = 0; t < 18; ++t)
+        LoadLanes(over[t], &aOverlap[ch][t][sb0]);
+    WindowLong(y, MP3LT.fWindow[nType], over, out);
+    // Odd subbands are frequency-inverted: their odd outputs change sign.
+    V vFlip{};
+    for (int l = 0; l < L; ++l)
+        vFlip[l] = l & 1 ? -1.0f : 1.0f;
+    for (int t = 0; t < 18; ++t) {
+        StoreLanes(&aOverlap[ch][t][sb0], over[t]);
+        if (t & 1)
+            out[t] *= vFlip;
+    }
+    for (int t0 = 0; t0 < 16; t0 += L) {
+        Transpose(out + t0);
+        for (int l = 0; l < L; ++l)
+            StoreLanes(&aHybrid[sb0 + l][t0], out[t0 + l]);
+    }
+    for (int t = 16; t < 18; ++t)
+        for (int l = 0; l < L; ++l)
+            aHybrid[sb0 + l][t] = out[t][l];
+}
+
+void LMP3Decoder::HybridOne(const Granule& g, int ch, int sb, bool bActive)
+{
+    float aOut[18];
+    float aOver[18];
+    for (int t = 0; t < 18; ++t)
+        aOver[t] = aOverlap[ch][t][sb];
+    if (!bActive) {
+        for (int t = 0; t < 18; ++t) {
+            aOut[t] = aOver[t];
+            aOver[t] = 0.0f;
+        }
+    } else {
+        const float* x = aXr[ch] + 18 * sb;
+        // The flag gives the two lowest subbands the normal window in start and stop blocks as
+        // well.
+        const int nType = g.bMixedFlag && sb < 2 ? 0 : g.nBlockType;
+        if (nType == 2 && g.bShort) {
+            float z[36] = {};
+            for (int w = 0; w < 3; ++w) {
+                float y[12] = {};
+                for (int k = 0; k < 6; ++k) {
+                    const float fIn = x[3 * k + w];
+                    for (int i = 0; i < 12; ++i)
+                        y[i] += fIn * MP3LT.fImdct12[k][i];
+                }
+                for (int i = 0; i < 12; ++i)
+                    z[6 + 6 * w + i] += y[i];
+            }
+            for (int t = 0; t < 18; ++t) {
+                aOut[t] = z[t] + aOver[t];
+                aOver[t] = z[t + 18];
+            }
+        } else {
+            float y[18];
+            Imdct36(x, y);
+            WindowLong(y, MP3LT.fWindow[nType == 2 ? 0 : nType], aOver, aOut);
+        }
+    }
+    if (sb & 1)
+        for (int t = 1; t < 18; t += 2)
+            aOut[t] = -aOut[t];
+    for (int t = 0; t < 18; ++t) {
+        aOverlap[ch][t][sb] = aOver[t];
+        aHybrid[sb][t] = aOut[t];
+    }
+}
+
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::HybridBody(const Granule& g, int ch, int nActive)
+{
+    constexpr int L = kLanesOf<V>;
+    // Subbands above the active ones hold zeros, so a group that starts below them may take
+    // them along.
+    const bool bUniformLong = !g.bShort && !g.bMixedFlag;
+    for (int sb0 = 0; sb0 < 32; sb0 += L) {
+        if (bUniformLong && sb0 < nActive)
+            HybridLanes<V>(g.nBlockType, ch, sb0);
+        else
+            for (int sb = sb0; sb < sb0 + L; ++sb)
+                HybridOne(g, ch, sb, sb < nActive);
+    }
+}
+
+#ifdef LMP3_WIDE_PATH
+LMP3_WIDE_TARGET void LMP3Decoder::HybridWide(const Granule& g, int ch, int nActive)
+{
+    HybridBody<Lanes8>(g, ch, nActive);
+}
+#endif
 
 void LMP3Decoder::Hybrid(const Granule& g, int ch, int nActive)
 {
-    const float* xr = aXr[ch];
-    for (int sb = 0; sb < 32; ++sb) {
-        float* pOver = aOverlap[ch][sb];
-        float aOut[18];
-        if (sb >= nActive) {
-            for (int t = 0; t < 18; ++t) {
-                aOut[t] = pOver[t];
-                pOver[t] = 0.0f;
-            }
-        } else {
-            const float* x = xr + 18 * sb;
-            // The flag gives the two lowest subbands the normal window in start and stop
-            // blocks as well.
-            const int nType = g.bMixedFlag && sb < 2 ? 0 : g.nBlockType;
-            if (nType == 2 && g.bShort) {
-                float z[36] = {};
-                for (int w = 0; w < 3; ++w) {
-                    float y[12] = {};
-                    for (int k = 0; k < 6; ++k) {
-                        const float fIn = x[3 * k + w];
-                        for (int i = 0; i < 12; ++i)
-                            y[i] += fIn * MP3LT.fImdct12[k][i];
-                    }
-                    for (int i = 0; i < 12; ++i)
-                        z[6 + 6 * w + i] += y[i];
-                }
-                for (int t = 0; t < 18; ++t) {
-                    aOut[t] = z[t] + pOver[t];
-                    pOver[t] = z[t + 18];
-                }
-            } else {
-                float y[18];
-                Imdct36(x, y);
-                const float* pWin = MP3LT.fWindow[nType == 2 ? 0 : nType];
-                // y holds outputs 0..8 and 18..26; 9..17 and 27..35 mirror them.
-                for (int i = 0; i < 9; ++i) {
-                    const float a = y[i], b = y[9 + i];
-                    aOut[i] = a * pWin[i] + pOver[i];
-                    aOut[17 - i] = pOver[17 - i] - a * pWin[17 - i];
-                    pOver[i] = b * pWin[18 + i];
-                    pOver[17 - i] = b * pWin[35 - i];
-                }
-            }
-        }
-        if (sb & 1)
-            for (int t = 1; t < 18; t += 2)
-                aOut[t] = -aOut[t];
-        for (int t = 0; t < 18; ++t)
-            aHybrid[t][sb] = aOut[t];
+#ifdef LMP3_WIDE_PATH
+    if (bWide) {
+        HybridWide(g, ch, nActive);
+        return;
     }
+#endif
+    HybridBody<Lanes4>(g, ch, nActive);
 }
 
 namespace {
 
 // X[k] = sum x[n] cos(pi (2n + 1) k / 2N), split into halves of the same kind: the sums give
 // the even outputs, the differences (scaled by 1 / 2cos) the odd ones as neighbour pairs.
-template <int N>
-[[gnu::always_inline]] inline void FastDct(const float* x, float* X, const float* pInv)
+template <int N, class T>
+[[gnu::always_inline]] inline void FastDct(const T* x, T* X, const float* pInv)
 {
-    float g[N / 2], h[N / 2], G[N / 2], H[N / 2];
-    for (int n = 0; n < N / 2; ++n) {
-        const float a = x[n], b = x[N - 1 - n];
-        g[n] = a + b;
-        h[n] = (a - b) * pInv[n];
+    if constexpr (N == 1) {
+        X[0] = x[0];
+    } else {
+        T g[N / 2], h[N / 2], G[N / 2], H[N / 2];
+        for (int n = 0; n < N / 2; ++n) {
+            const T a = x[n], b = x[N - 1 - n];
+            g[n] = a + b;
+            h[n] = (a - b) * pInv[n];
+        }
+        FastDct<N / 2>(g, G, pInv + N / 2);
+        FastDct<N / 2>(h, H, pInv + N / 2);
+        for (int k = 0; k < N / 2 - 1; ++k) {
+            X[2 * k] = G[k];
+            X[2 * k + 1] = H[k] + H[k + 1];
+        }
+        X[N - 2] = G[N / 2 - 1];
+        X[N - 1] = H[N / 2 - 1];
     }
-    FastDct<N / 2>(g, G, pInv + N / 2);
-    FastDct<N / 2>(h, H, pInv + N / 2);
-    for (int k = 0; k < N / 2 - 1; ++k) {
-        X[2 * k] = G[k];
-        X[2 * k + 1] = H[k] + H[k + 1];
-    }
-    X[N - 2] = G[N / 2 - 1];
-    X[N - 1] = H[N / 2 - 1];
-}
-
-template <>
-[[gnu::always_inline]] inline void FastDct<1>(const float* x, float* X, const float*)
-{
-    X[0] = x[0];
 }
 
 } // namespace
 
-LMP3_WIDE_VECTORS void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
+// The 32-point DCTs of the granule's time slots, a lane's width of slots at a time.
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::SynthesisDct()
 {
-    const float* pD = MP3LT.fSynth;
-    for (int t = 0; t < 18; ++t) {
-        float X[33];
-        FastDct<32>(aHybrid[t], X, MP3LT.fDctInv);
-        X[32] = 0.0f;
-        aSlot[ch] = (aSlot[ch] + 15) & 15;
-        float* V = aV[ch][aSlot[ch]];
-        for (int j = 0; j < 16; ++j)
-            V[j] = X[16 + j];
-        V[16] = 0.0f;
-        for (int j = 17; j < 32; ++j)
-            V[j] = -X[48 - j];
-        for (int j = 0; j < 16; ++j)
-            V[32 + j] = -X[16 - j];
-        for (int j = 16; j < 32; ++j)
-            V[32 + j] = -X[j - 16];
-        float fAcc[32] = {};
-        for (int i = 0; i < 8; ++i) {
-            const float* pA = aV[ch][(aSlot[ch] + 2 * i) & 15];
-            const float* pB = aV[ch][(aSlot[ch] + 2 * i + 1) & 15] + 32;
-            const float* d0 = pD + 64 * i;
-            const float* d1 = d0 + 32;
-            for (int j = 0; j < 32; ++j)
-                fAcc[j] += d0[j] * pA[j] + d1[j] * pB[j];
-        }
-        int32_t* pDst = pOut + static_cast<size_t>(t) * 32 * nStride;
-        for (int j = 0; j < 32; ++j) {
-            // Truncated toward zero; held inside the integer range only so that a hostile stream
-            // cannot make the conversion undefined.
-            const float f = std::min(std::max(fAcc[j], -2147483520.0f), 2147483520.0f);
-            pDst[j * nStride] = static_cast<int32_t>(f);
+    constexpr int L = kLanesOf<V>;
+    for (int t0 = 0; t0 < 18; t0 += L) {
+        V x[32], X[32];
+        for (int n = 0; n < 32; ++n)
+            LoadLanes(x[n], &aHybrid[n][t0]);
+        FastDct<32>(x, X, MP3LT.fDctInv);
+        for (int k0 = 0; k0 < 32; k0 += L) {
+            Transpose(X + k0);
+            for (int l = 0; l < L; ++l)
+                StoreLanes(&aDct[t0 + l][k0], X[k0 + l]);
         }
     }
+}
+
+// The 64 values a time slot adds to the synthesis history, from its DCT outputs.
+LMP3_WIDE_VECTORS void LMP3Decoder::BuildHistory(float* V, int t) const
+{
+    const float* X = aDct[t];
+    for (int j = 0; j < 16; ++j)
+        V[j] = X[16 + j];
+    V[16] = 0.0f;
+    for (int j = 17; j < 32; ++j)
+        V[j] = -X[48 - j];
+    for (int j = 0; j < 16; ++j)
+        V[32 + j] = -X[16 - j];
+    for (int j = 16; j < 32; ++j)
+        V[32 + j] = -X[j - 16];
+}
+
+// The window over the 16 newest slots of the history, from slot nSlot on, gives 32 samples.
+LMP3_WIDE_VECTORS void LMP3Decoder::Window(int ch, int nSlot, int32_t* pDst, int nStride) const
+{
+    const float* pD = MP3LT.fSynth;
+    float fAcc[32] = {};
+    for (int i = 0; i < 8; ++i) {
+        const float* pA = aV[ch][(nSlot + 2 * i) & (kHistorySlots - 1)];
+        const float* pB = aV[ch][(nSlot + 2 * i + 1) & (kHistorySlots - 1)] + 32;
+        const float* d0 = pD + 64 * i;
+        const float* d1 = d0 + 32;
+        for (int j = 0; j < 32; ++j)
+            fAcc[j] += d0[j] * pA[j] + d1[j] * pB[j];
+    }
+    for (int j = 0; j < 32; ++j) {
+        // Truncated toward zero; held inside the integer range only so that a hostile stream
+        // cannot make the conversion undefined.
+        const float f = std::min(std::max(fAcc[j], -2147483520.0f), 2147483520.0f);
+        pDst[j * nStride] = static_cast<int32_t>(f);
+    }
+}
+
+template <class V>
+[[gnu::always_inline]] inline void LMP3Decoder::SynthesisBody(int ch, int32_t* pOut, int nStride)
+{
+    SynthesisDct<V>();
+    // A group of slots enters the history before any is windowed, so that the window reads
+    // values written a while ago rather than waiting on stores still in flight; the history
+    // holds room for the group beside the 16 slots the window spans.
+    for (int t0 = 0; t0 < 18; t0 += kHistoryGroup) {
+        const int nEnd = std::min(t0 + kHistoryGroup, 18);
+        int nSlot = aSlot[ch];
+        for (int t = t0; t < nEnd; ++t) {
+            nSlot = (nSlot + kHistorySlots - 1) & (kHistorySlots - 1);
+            BuildHistory(aV[ch][nSlot], t);
+        }
+        for (int t = t0; t < nEnd; ++t) {
+            aSlot[ch] = (aSlot[ch] + kHistorySlots - 1) & (kHistorySlots - 1);
+            Window(ch, aSlot[ch], pOut + static_cast<size_t>(t) * 32 * nStride, nStride);
+        }
+    }
+}
+
+#ifdef LMP3_WIDE_PATH
+LMP3_WIDE_TARGET void LMP3Decoder::SynthesisWide(int ch, int32_t* pOut, int nStride)
+{
+    SynthesisBody<Lanes8>(ch, pOut, nStride);
+}
+#endif
+
+void LMP3Decoder::Synthesis(int ch, int32_t* pOut, int nStride)
+{
+#ifdef LMP3_WIDE_PATH
+    if (bWide) {
+        SynthesisWide(ch, pOut, nStride);
+        return;
+    }
+#endif
+    SynthesisBody<Lanes4>(ch, pOut, nStride);
 }
 
 bool LMP3Decoder::DecodeFrame(const MP3Header& h, const uint8_t* pData, int nBytes, int32_t* pOut)

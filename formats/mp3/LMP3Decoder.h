@@ -42,6 +42,8 @@ private:
         int nCount1Table;
     };
     struct BitReader;
+    struct BandCursor;
+    struct BitCache;
 
     bool ReadSideInfo(const MP3Header& h, const uint8_t* pSide);
     void ReadScaleFactors1(BitReader& br, int gr, int ch);
@@ -50,18 +52,34 @@ private:
     // Huffman decoding and requantisation of one granule's channel into aXr; returns the lines
     // decoded (those above are zero).
     int DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch);
+    int DecodeBigValues(BitCache& bits, int nEnd, const Granule& g, BandCursor& bc, float* xr);
     void Stereo(const Granule& gRight, int nModeExt);
     void StereoLong(int nFirstBand, int nLastBand, bool bMs);
     void StereoShortWindow(int w, int nFirstBand, bool bMs);
     void IntensityLines(float* l, float* r, int nLines, int nPos, int nMax, bool bMs);
     void Reorder(const Granule& g, int ch);
     void Antialias(const Granule& g, int ch);
+    // The filter banks, four lanes wide or, where the processor has them, eight.
     void Hybrid(const Granule& g, int ch, int nActive);
+    void HybridWide(const Granule& g, int ch, int nActive);
+    template <class V>
+    void HybridBody(const Granule& g, int ch, int nActive);
+    template <class V>
+    void HybridLanes(int nType, int ch, int sb0);
+    void HybridOne(const Granule& g, int ch, int sb, bool bActive);
     void Synthesis(int ch, int32_t* pOut, int nOutChans);
+    void SynthesisWide(int ch, int32_t* pOut, int nOutChans);
+    template <class V>
+    void SynthesisBody(int ch, int32_t* pOut, int nOutChans);
+    template <class V>
+    void SynthesisDct();
+    void BuildHistory(float* V, int t) const;
+    void Window(int ch, int nSlot, int32_t* pDst, int nStride) const;
     void BuildReorderMap();
 
     // Band layout of the stream.
     int nRateIndex = 0;
+    bool bWide = false; // the eight-lane filter banks suit the processor
     int nOutChans = 2;
     int nVersion = 0;
     int nLongMixed = 8; // long bands a mixed block keeps
@@ -101,8 +119,15 @@ private:
     float aXr[2][576];
     float aTmp[576];
     int aNonZero[2];
-    float aOverlap[2][32][18];
-    alignas(16) float aHybrid[18][32];
-    alignas(16) float aV[2][16][64];
+    // The filter banks work on lanes: the overlap by time slot then subband, the IMDCT's output
+    // by subband then time slot (padded to whole lanes; the padding stays zero), and the DCTs of
+    // the synthesis by time slot then output.
+    static constexpr int kHybridSlots = 24;
+    alignas(32) float aOverlap[2][18][32];
+    alignas(32) float aHybrid[32][kHybridSlots];
+    alignas(32) float aDct[kHybridSlots][32];
+    static constexpr int kHistorySlots = 32;
+    static constexpr int kHistoryGroup = 8; // slots entered before the first is windowed
+    alignas(32) float aV[2][kHistorySlots][64];
     int aSlot[2] = {0, 0};
 };
