@@ -1,6 +1,7 @@
 #include "formats/mp3/LMP3Decoder.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstring>
 
@@ -65,6 +66,15 @@ struct LMP3Decoder::BitReader
     }
 };
 
+namespace {
+std::atomic<bool> g_bBaselineOnly{false};
+} // namespace
+
+void LMP3Decoder::SetBaselineOnly(bool bOn)
+{
+    g_bBaselineOnly = bOn;
+}
+
 void LMP3Decoder::Configure(int nRate, int nChans)
 {
     nRateIndex = std::clamp(nRate, 0, 8);
@@ -75,7 +85,7 @@ void LMP3Decoder::Configure(int nRate, int nChans)
     pShort = LMP3Data::kShortBands[nRateIndex];
 #ifdef LMP3_WIDE_PATH
     __builtin_cpu_init(); // in case a decoder is configured before the program's constructors ran
-    bWide = __builtin_cpu_supports("x86-64-v3");
+    bWide = !g_bBaselineOnly && __builtin_cpu_supports("x86-64-v3");
 #endif
     BuildReorderMap();
     Reset();

@@ -12,6 +12,9 @@ class LMP3Decoder
 public:
     // Fixes the band tables (by version and sampling index) and the output channels (1 or 2).
     void Configure(int nRateIndex, int nOutChans);
+    // Holds every decoder configured afterwards to the four-lane filter banks that every processor
+    // of the family runs, so that path is checked on machines that would choose the wider one.
+    static void SetBaselineOnly(bool bOn);
     // Forgets the reservoir, the overlap and the synthesis history (as after a seek).
     void Reset();
 
