@@ -48,7 +48,7 @@ double LSpectroBlocks::Decode(uint16_t nCode)
 }
 
 bool LSpectroBlocks::Analyze(LSoundSourceBase& src, int64_t sTotal, LSpectroAnalyzer& analyzer,
-                             const LSpectroStop& fnStop)
+                             const LSpectroStop& fnStop, int64_t sSourceStart)
 {
     DecodeTable();
     int64_t k = sFrames / kBlockFrames;
@@ -58,7 +58,7 @@ bool LSpectroBlocks::Analyze(LSoundSourceBase& src, int64_t sTotal, LSpectroAnal
     vValid.resize(static_cast<size_t>(std::max(k, nBlocks)));
     vLevels.resize(vValid.size() * nChans * static_cast<size_t>(nBins));
     std::vector<int32_t> vRead(static_cast<size_t>(kBlockFrames) * nChans);
-    src.SetPosition(static_cast<int32_t>(std::min<int64_t>(k * kBlockFrames, INT32_MAX)));
+    src.SetPosition(static_cast<int32_t>(std::min<int64_t>(sSourceStart + k * kBlockFrames, INT32_MAX)));
     for (; k < nBlocks; ++k) {
         const int32_t nValid = static_cast<int32_t>(std::min<int64_t>(sTotal - k * kBlockFrames, kBlockFrames));
         src.Read(vRead.data(), nValid);

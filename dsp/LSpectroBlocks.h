@@ -34,10 +34,12 @@ public:
     const uint16_t* Levels(int64_t k, uint8_t c) const;
     size_t GetBytes() const { return vLevels.size() * sizeof(uint16_t) + vValid.size() * sizeof(int32_t); }
 
-    // Analyses frames [0, sTotal) of the source (seeking it), keeping the blocks before the
-    // block that holds frame GetFrames() and redoing the rest: a segment still being written
-    // grows without being analysed twice. False when stopped, with the blocks done kept.
-    bool Analyze(LSoundSourceBase& src, int64_t sTotal, LSpectroAnalyzer& analyzer, const LSpectroStop& fnStop);
+    // Analyses frames [0, sTotal) of the stretch, which starts at frame sSourceStart of the source
+    // (seeking it), keeping the blocks before the block that holds frame GetFrames() and redoing
+    // the rest: a segment still being written grows without being analysed twice. False when
+    // stopped, with the blocks done kept.
+    bool Analyze(LSoundSourceBase& src, int64_t sTotal, LSpectroAnalyzer& analyzer, const LSpectroStop& fnStop,
+                 int64_t sSourceStart = 0);
 
     // Stored levels are dB in hundredths above -320 dB; power is full-scale power.
     static uint16_t Encode(double fPower);

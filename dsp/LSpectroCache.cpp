@@ -1,5 +1,7 @@
 #include "dsp/LSpectroCache.h"
 
+#include <chrono>
+
 #include "core/LTrace.h"
 
 LSpectroCache& LSpectroCache::Instance()
@@ -14,7 +16,12 @@ std::shared_ptr<const LSpectroBlocks> LSpectroCache::Get(const Key& key, uint8_t
 {
     std::shared_ptr<LSpectroBlocks> pGrown;
     {
-        std::lock_guard<std::mutex> lock(mtx);
+        std::unique_lock<std::mutex> lock(mtx);
+        while (setBusy.count(key)) {
+            if (fnStop && fnStop())
+                return nullptr;
+            cvDone.wait_for(lock, std::chrono::milliseconds(50));
+        }
         auto it = mapEntries.find(key);
         if (it != mapEntries.end()) {
             it->second.nUsed = ++nTick;
@@ -22,6 +29,7 @@ std::shared_ptr<const LSpectroBlocks> LSpectroCache::Get(const Key& key, uint8_t
                 return it->second.pBlocks;
             pGrown = std::make_shared<LSpectroBlocks>(*it->second.pBlocks);
         }
+        setBusy.insert(key);
     }
     if (!pGrown)
         pGrown = std::make_shared<LSpectroBlocks>(key.nWindow, nChans);
@@ -34,6 +42,8 @@ std::shared_ptr<const LSpectroBlocks> LSpectroCache::Get(const Key& key, uint8_t
     else
         LTRACE("LSpectroCache::Get segment %llu cannot be read", static_cast<unsigned long long>(key.nSerial));
     std::lock_guard<std::mutex> lock(mtx);
+    setBusy.erase(key);
+    cvDone.notify_all();
     nAnalysed += pGrown->GetBlockCount() - nBefore;
     Entry& e = mapEntries[key];
     if (!e.pBlocks || e.pBlocks->GetFrames() < pGrown->GetFrames())

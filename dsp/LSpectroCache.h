@@ -6,9 +6,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <tuple>
 
 #include "dsp/LSpectroBlocks.h"
@@ -33,6 +35,8 @@ public:
 
     // The blocks of the segment with at least sFrames frames analysed, reading what is missing
     // from the source fnOpen gives; null when stopped (the part done is kept for next time).
+    // While one caller analyses a segment, another asking for it waits instead of doing the
+    // same work (both displays of a window ask for the same segments at once).
     std::shared_ptr<const LSpectroBlocks> Get(const Key& key, uint8_t nChans, int64_t sFrames,
                                               const std::function<LSoundSourcePtr()>& fnOpen,
                                               LSpectroAnalyzer& analyzer, const LSpectroStop& fnStop);
@@ -52,6 +56,8 @@ private:
     };
     mutable std::mutex mtx;
     std::map<Key, Entry> mapEntries;
+    std::set<Key> setBusy;
+    std::condition_variable cvDone;
     uint64_t nTick = 0;
     size_t nBudget = kDefaultBudget;
     int64_t nAnalysed = 0;

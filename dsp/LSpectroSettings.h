@@ -40,12 +40,15 @@ struct LSpectroSettings
     int32_t nGainDb = 0;
     LSpectroColourMap eColours = SpectroColoursUniform;
 
+    bool operator==(const LSpectroSettings&) const = default;
+
     // A power of two from kMinWindow to kMaxWindow.
     static bool IsValidWindow(int32_t n);
     // Out-of-range values are pulled back to the nearest valid ones.
     void Normalize();
 
-    // The stored choices, and storing them (section "Settings", "Spectrogram..." values).
+    // The stored choices, and storing them (section "Settings", "Spectrogram..." values; whether
+    // new file windows open as spectrograms is "SpectrogramView").
     static LSpectroSettings Load();
     void Store() const;
 

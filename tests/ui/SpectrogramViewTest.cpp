@@ -1,6 +1,9 @@
 // The spectrogram view of a file window: the command and the toggle switch both displays, the
 // default comes from the settings, and a click tells time, frequency and level in the status bar.
 #include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QSpinBox>
 #include <QRegularExpression>
 #include <QStatusBar>
 #include <QToolButton>
@@ -11,6 +14,7 @@
 #include "dsp/LSpectroRows.h"
 #include "ui/LEdWaveWindow.h"
 #include "ui/LWaveSpectro.h"
+#include "ui/settings/LDisplayPage.h"
 #include "UiTestSupport.h"
 
 using namespace uitest;
@@ -118,6 +122,28 @@ private slots:
         QVERIFY(p);
         QVERIFY(p->IsSpectrogram());
         QVERIFY(p->GetDetail()->IsSpectrogram());
+    }
+
+    void displayPageKeepsTheChoices()
+    {
+        LDisplayPage page(nullptr);
+        page.findChild<QCheckBox*>("SpectrogramView")->setChecked(true);
+        page.findChild<QComboBox*>("SpectrogramWindowSize")->setCurrentText("512");
+        page.findChild<QComboBox*>("SpectrogramScale")->setCurrentIndex(SpectroMel);
+        page.findChild<QComboBox*>("SpectrogramColours")->setCurrentIndex(SpectroColoursGrey);
+        page.findChild<QSpinBox*>("SpectrogramRange")->setValue(80);
+        page.Save();
+        const LSpectroSettings s = LSpectroSettings::Load();
+        QCOMPARE(s.nWindow, 512);
+        QCOMPARE(s.eScale, SpectroMel);
+        QCOMPARE(s.eColours, SpectroColoursGrey);
+        QCOMPARE(s.nRangeDb, 80);
+        QVERIFY(LSettings::GetBool("Settings", "SpectrogramView", false));
+        // A window opened now shows the stored choices.
+        LEdFileWindow* p = OpenTones(1);
+        QVERIFY(p && p->IsSpectrogram());
+        LSpectroSettings().Store();
+        LSettings::SetBool("Settings", "SpectrogramView", false);
     }
 };
 
