@@ -463,7 +463,7 @@ void LEdWaveWindow::PaintSpectro(QPainter& p, int xFrom, int xTo)
     p.drawImage(xFrom + 1, 1, spectro.Picture(xFrom, xTo, nHeight, spectroSettings));
     // The selection and the cursor band are veils over the picture, so the levels stay readable.
     const QColor veilSelected(0xFF, 0xFF, 0xFF, 0x50);
-    const QColor veilBand(0xFF, 0xF1, 0xC1, 0x60);
+    const QColor veilBand(0xFF, 0xF1, 0xC1, 0x30);
     const ColumnKinds kinds = KindsOfColumns();
     for (int x = xFrom; x < xTo; ++x) {
         switch (kinds.Of(x)) {
