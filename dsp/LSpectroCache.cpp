@@ -36,11 +36,15 @@ std::shared_ptr<const LSpectroBlocks> LSpectroCache::Get(const Key& key, uint8_t
     // Analysed outside the lock: the other display may read other segments meanwhile.
     const int64_t nBefore = pGrown->GetFrames() / LSpectroBlocks::kBlockFrames;
     LSoundSourcePtr pSource = fnOpen();
-    bool bDone = false;
-    if (pSource && !pSource->IsError())
-        bDone = pGrown->Analyze(*pSource, sFrames, analyzer, fnStop);
-    else
+    if (!pSource || pSource->IsError()) {
+        // Shown as silence, and tried again next time.
         LTRACE("LSpectroCache::Get segment %llu cannot be read", static_cast<unsigned long long>(key.nSerial));
+        std::lock_guard<std::mutex> lock(mtx);
+        setBusy.erase(key);
+        cvDone.notify_all();
+        return std::make_shared<LSpectroBlocks>(key.nWindow, nChans);
+    }
+    const bool bDone = pGrown->Analyze(*pSource, sFrames, analyzer, fnStop);
     std::lock_guard<std::mutex> lock(mtx);
     setBusy.erase(key);
     cvDone.notify_all();

@@ -209,6 +209,14 @@ void LEdWaveWindow::CopyColumns(std::vector<uint8_t>& vOutTop, std::vector<uint8
     vOutBottom.assign(vBottom.begin(), vBottom.begin() + geo.GetWidth());
 }
 
+void LEdWaveWindow::CopySpectrogram(std::vector<uint8_t>& vLevels) const
+{
+    std::lock_guard<std::mutex> lock(mtxDraw);
+    const std::vector<uint8_t>& v = spectro.GetStore();
+    const size_t nCells = v.size() / LWaveGeometry::kMaxColumns;
+    vLevels.assign(v.begin(), v.begin() + static_cast<std::ptrdiff_t>(nCells * geo.GetWidth()));
+}
+
 void LEdWaveWindow::RequestFullRedraw()
 {
     {

@@ -67,6 +67,8 @@ public:
     // True once the worker has drawn the latest requested view.
     bool IsDrawn() const;
     void CopyColumns(std::vector<uint8_t>& vTop, std::vector<uint8_t>& vBottom) const;
+    // The spectrogram's level bytes of the visible columns.
+    void CopySpectrogram(std::vector<uint8_t>& vLevels) const;
 
 signals:
     void Notify(int nCode);

@@ -29,8 +29,12 @@ bool LWaveSpectro::Compute(const LWaveContent& content, const LWaveGeometry& geo
     }
     if (!pColumns || !(pColumns->GetSettings() == settings))
         pColumns = std::make_unique<LSpectroColumns>(settings);
-    if (x1 <= x0 || !content.pDoc)
+    if (x1 <= x0)
         return true;
+    const size_t nCells = static_cast<size_t>(scratchShape.Cells());
+    std::fill(vScratch.begin() + x0 * nCells, vScratch.begin() + x1 * nCells, 0);
+    if (!content.pDoc)
+        return true; // nothing to draw: the floor
     LSpectroFrame frame;
     frame.vEdges.reserve(static_cast<size_t>(x1 - x0) + 1);
     for (int x = x0; x <= x1; ++x)
@@ -46,7 +50,6 @@ bool LWaveSpectro::Compute(const LWaveContent& content, const LWaveGeometry& geo
     auto fnStop = [pStop] { return pStop && pStop->IsSet(); };
     if (!pColumns->FromDocument(*content.pDoc, content.pSource.Get(), frame, vDb.data(), fnStop))
         return false;
-    const size_t nCells = static_cast<size_t>(scratchShape.Cells());
     for (size_t i = 0; i < vDb.size(); ++i)
         vScratch[static_cast<size_t>(x0) * nCells + i] = LSpectroLevelByte(vDb[i], settings);
     return true;

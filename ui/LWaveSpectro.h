@@ -33,6 +33,8 @@ public:
     // The picture moved by d columns (positive: to the right).
     void Shift(int d, int nWidth);
 
+    // The level bytes of the picture, [column][lane][row].
+    const std::vector<uint8_t>& GetStore() const { return vStore; }
     // Columns x0..x1-1 as a picture nPixelRows high.
     QImage Picture(int x0, int x1, int nPixelRows, const LSpectroSettings& settings) const;
 

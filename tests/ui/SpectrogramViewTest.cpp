@@ -114,6 +114,26 @@ private slots:
         QVERIFY2(szLeft.contains("below") || Number(szLeft, "dB") < -60.0, qPrintable(szLeft));
     }
 
+    void scrollShiftsTheSameColumnsAFullRedrawComputes()
+    {
+        LEdFileWindow* p = OpenTones(2);
+        QVERIFY(p);
+        p->SetSpectrogram(true);
+        p->SetDisplayMode(1);
+        p->SetView(0, 8000);
+        QTRY_VERIFY(p->GetDetail()->IsDrawn());
+        p->ScrollViewTo(700);
+        QTRY_VERIFY(p->GetDetail()->IsDrawn());
+        std::vector<uint8_t> vShifted, vFull;
+        p->GetDetail()->CopySpectrogram(vShifted);
+        p->SetSpectrogram(false);
+        p->SetSpectrogram(true);
+        QTRY_VERIFY(p->GetDetail()->IsDrawn());
+        p->GetDetail()->CopySpectrogram(vFull);
+        QVERIFY(!vFull.empty());
+        QVERIFY(vShifted == vFull);
+    }
+
     void newWindowsFollowTheSetting()
     {
         LSettings::SetBool("Settings", "SpectrogramView", true);
