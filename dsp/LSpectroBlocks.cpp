@@ -65,8 +65,12 @@ bool LSpectroBlocks::Analyze(LSoundSourceBase& src, int64_t sTotal, LSpectroAnal
         AnalyzeBlock(vRead.data(), nValid, analyzer, vLevels.data() + static_cast<size_t>(k) * nChans * nBins);
         vValid[static_cast<size_t>(k)] = nValid;
         sFrames = k * kBlockFrames + nValid;
-        if (fnStop && fnStop())
+        if (fnStop && fnStop()) {
+            // Only finished blocks are kept; the next call goes on from the next one.
+            vValid.resize(static_cast<size_t>(k + 1));
+            vLevels.resize(vValid.size() * nChans * static_cast<size_t>(nBins));
             return false;
+        }
     }
     return true;
 }

@@ -366,8 +366,12 @@ bool LEdWaveWindow::ComputeSpectro(Range r, const std::shared_ptr<LWaveContent>&
     const int nLanes = nMode == WaveModeLeftRight && pDraw && pDraw->nChans == 2 ? 2 : 1;
     LWaveContent empty;
     if (!spectro.Compute(pDraw && g.GetViewLength() > 0 ? *pDraw : empty, g, r.x0, r.x1, nRows, nLanes, settings,
-                         &sigStop))
+                         &sigStop, &sigRequest)) {
+        // Given up for a newer request: whatever that asks, every column is computed again.
+        std::lock_guard<std::mutex> lock(mtxDraw);
+        bForceAll = true;
         return false;
+    }
     std::lock_guard<std::mutex> lock(mtxDraw);
     if (bForceAll || geo.GetPixelOffset() != g.GetPixelOffset() || geo.GetViewLength() != g.GetViewLength())
         return false; // a newer view is on its way and will redraw these columns

@@ -20,7 +20,8 @@ void LWaveSpectro::Reshape(const Shape& s, std::vector<uint8_t>& v) const
 }
 
 bool LWaveSpectro::Compute(const LWaveContent& content, const LWaveGeometry& geo, int x0, int x1, int nPixelRows,
-                           int nLanes, const LSpectroSettings& settings, const LSignalObject* pStop)
+                           int nLanes, const LSpectroSettings& settings, const LSignalObject* pStop,
+                           const LSignalObject* pNewer)
 {
     const Shape want{nLanes, LaneRows(nPixelRows, nLanes)};
     if (!(want == scratchShape) || vScratch.empty()) {
@@ -33,7 +34,7 @@ bool LWaveSpectro::Compute(const LWaveContent& content, const LWaveGeometry& geo
         return true;
     const size_t nCells = static_cast<size_t>(scratchShape.Cells());
     std::fill(vScratch.begin() + x0 * nCells, vScratch.begin() + x1 * nCells, 0);
-    if (!content.pDoc)
+    if (!content.pDoc || !content.pSource)
         return true; // nothing to draw: the floor
     LSpectroFrame frame;
     frame.vEdges.reserve(static_cast<size_t>(x1 - x0) + 1);
@@ -48,8 +49,15 @@ bool LWaveSpectro::Compute(const LWaveContent& content, const LWaveGeometry& geo
     frame.bPerChannel = nLanes > 1;
     vDb.resize(frame.GetCells());
     auto fnStop = [pStop] { return pStop && pStop->IsSet(); };
-    if (!pColumns->FromDocument(*content.pDoc, content.pSource.Get(), frame, vDb.data(), fnStop))
+    if (LSpectroColumns::UsesBlocks(frame)) {
+        // Only the analysis of segments not seen before can take long; folding never waits.
+        auto fnAnalysisStop = [pStop, pNewer] { return (pStop && pStop->IsSet()) || (pNewer && pNewer->IsSet()); };
+        if (!pColumns->PiecesOf(*content.pDoc, vPieces, fnAnalysisStop) ||
+            !pColumns->FromPieces(vPieces, frame, vDb.data(), fnStop))
+            return false;
+    } else if (!pColumns->FromSource(*content.pSource, frame, vDb.data(), fnStop)) {
         return false;
+    }
     for (size_t i = 0; i < vDb.size(); ++i)
         vScratch[static_cast<size_t>(x0) * nCells + i] = LSpectroLevelByte(vDb[i], settings);
     return true;

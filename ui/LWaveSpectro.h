@@ -25,9 +25,10 @@ public:
     // The rows of each lane for a display of nPixelRows rows; lanes are one pixel apart.
     static int LaneRows(int nPixelRows, int nLanes);
 
-    // Worker side: columns x0..x1-1 into the scratch. False when stopped.
+    // Worker side: columns x0..x1-1 into the scratch. False when stopped, or when pNewer is set
+    // (a new request should not wait for a long first analysis; what was analysed is kept).
     bool Compute(const LWaveContent& content, const LWaveGeometry& geo, int x0, int x1, int nPixelRows, int nLanes,
-                 const LSpectroSettings& settings, const LSignalObject* pStop);
+                 const LSpectroSettings& settings, const LSignalObject* pStop, const LSignalObject* pNewer = nullptr);
     // Drawing-lock side: the scratch columns into the picture.
     void Commit(int x0, int x1);
     // The picture moved by d columns (positive: to the right).
@@ -57,5 +58,6 @@ private:
     std::vector<uint8_t> vStore;   // [column][lane][row], row 0 the lowest
     std::vector<uint8_t> vScratch;
     std::vector<float> vDb;
+    std::vector<LSpectroPiece> vPieces;
     std::unique_ptr<LSpectroColumns> pColumns;
 };

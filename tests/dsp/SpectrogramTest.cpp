@@ -281,3 +281,19 @@ TEST(Spectrogram, ColourMapsRiseInLightnessAndLevelsMapToBytes)
     for (float f = -99.0f; f < -10.0f; f += 7.3f)
         EXPECT_NEAR(LSpectroByteDb(LSpectroLevelByte(f, s), s), f, 90.0 / 255.0);
 }
+
+TEST_F(SpectrogramDoc, AnAnalysisGivenUpResumesWhereItStopped)
+{
+    LCutListAudioPtr pDoc = testsupport::MakeDoc(Sine(kToneHz, -6.0, 6 * B, 1), 1, kRate);
+    LSpectroCache::Instance().Clear();
+    const int64_t nBefore = LSpectroCache::Instance().GetBlocksAnalysed();
+    LSpectroColumns columns{LSpectroSettings()};
+    std::vector<LSpectroPiece> vPieces;
+    int nAsked = 0;
+    EXPECT_FALSE(columns.PiecesOf(*pDoc, vPieces, [&] { return ++nAsked >= 2; })) << "stopped after two blocks";
+    EXPECT_EQ(LSpectroCache::Instance().GetBlocksAnalysed() - nBefore, 2);
+    ASSERT_TRUE(columns.PiecesOf(*pDoc, vPieces, nullptr));
+    EXPECT_EQ(LSpectroCache::Instance().GetBlocksAnalysed() - nBefore, 6) << "no block analysed twice";
+    ASSERT_EQ(vPieces.size(), 1u);
+    EXPECT_EQ(vPieces[0].pBlocks->GetBlockCount(), 6);
+}
