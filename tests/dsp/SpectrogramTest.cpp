@@ -297,3 +297,21 @@ TEST_F(SpectrogramDoc, AnAnalysisGivenUpResumesWhereItStopped)
     ASSERT_EQ(vPieces.size(), 1u);
     EXPECT_EQ(vPieces[0].pBlocks->GetBlockCount(), 6);
 }
+
+TEST(Spectrogram, RowsAndFrequenciesAreInversesOnEveryScale)
+{
+    for (LSpectroScale e : {SpectroLinear, SpectroLog, SpectroMel}) {
+        const LSpectroRows rows(e, 44100, 300, 44100.0 / 2048, 1025);
+        EXPECT_NEAR(rows.HzAt(300), 22050.0, 1e-6);
+        EXPECT_NEAR(rows.HzAt(0), e == SpectroLog ? LSpectroRows::kLogLowestHz : 0.0, 1e-6);
+        double fLast = -1;
+        for (int r = 0; r < 300; ++r) {
+            const double fHz = rows.HzAt(r + 0.5);
+            EXPECT_GT(fHz, fLast);
+            EXPECT_EQ(rows.RowOf(fHz), r) << LSpectroSettings::ScaleName(e);
+            fLast = fHz;
+        }
+        EXPECT_EQ(rows.RowOf(-5.0), 0);
+        EXPECT_EQ(rows.RowOf(1e6), 299);
+    }
+}
