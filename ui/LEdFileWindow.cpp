@@ -51,12 +51,7 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pPosNeg->setChecked(true);
     pLeftRight = new QRadioButton(tr("L / R"), pControlRow);
     pLeftRight->setObjectName("radio89");
-    pSpectro = new QToolButton(pControlRow);
-    pSpectro->setObjectName("spectrogram");
-    pSpectro->setText(tr("Spectrogram"));
-    pSpectro->setToolTip(tr("Spectrogram View (Ctrl+Shift+G)"));
-    pSpectro->setCheckable(true);
-    pSpectro->setFocusPolicy(Qt::NoFocus);
+    MakeSpectrogramToggle();
 
     auto* pButtons = new QHBoxLayout(pControlRow);
     pButtons->setContentsMargins(0, 0, 0, 0);
@@ -99,11 +94,8 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     connect(pVZoom, &QCheckBox::clicked, this, [this] { ToggleVerticalZoom(); });
     connect(pPosNeg, &QRadioButton::clicked, this, [this] { SetDisplayMode(0); });
     connect(pLeftRight, &QRadioButton::clicked, this, [this] { SetDisplayMode(1); });
-    connect(pSpectro, &QToolButton::clicked, this, [this] { ToggleSpectrogram(); });
     connect(pDetail, &LEdWaveWindow::Pointed, this, &LEdFileWindow::OnPointed);
     connect(pOverview, &LEdWaveWindow::Pointed, this, &LEdFileWindow::OnPointed);
-    bSpectro = LSettings::GetBool("Settings", "SpectrogramView", false);
-    pSpectro->setChecked(bSpectro);
 
     const int32_t sLength = pFile->GetDocument().GetLength();
     if (pFile->GetViewEnd() <= pFile->GetViewStart())
@@ -111,6 +103,19 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pOverview->Start();
     pDetail->Start();
     Refresh();
+}
+
+void LEdFileWindow::MakeSpectrogramToggle()
+{
+    pSpectro = new QToolButton(pControlRow);
+    pSpectro->setObjectName("spectrogram");
+    pSpectro->setText(tr("Spectrogram"));
+    pSpectro->setToolTip(tr("Spectrogram View (Ctrl+Shift+G)"));
+    pSpectro->setCheckable(true);
+    pSpectro->setFocusPolicy(Qt::NoFocus);
+    bSpectro = LSettings::GetBool("Settings", "SpectrogramView", false);
+    pSpectro->setChecked(bSpectro);
+    connect(pSpectro, &QToolButton::clicked, this, [this] { ToggleSpectrogram(); });
 }
 
 QSize LEdFileWindow::sizeHint() const

@@ -99,6 +99,7 @@ private:
     void OnOverviewNotify(int nCode);
     void OnAutoScroll();
     void OnPointed(const QString& szWhat);
+    void MakeSpectrogramToggle();
     void OnScrollAction(int nAction);
     void PushSelectionAndCursor();
     void UpdateThumb();
