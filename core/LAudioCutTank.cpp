@@ -1,5 +1,6 @@
 #include "core/LAudioCutTank.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -133,6 +134,8 @@ uint16_t LAudioCutTank::GetNewRefAndIncRef(bool* pbClaimed)
     for (uint32_t n = 0; n < kSilentRef; ++n) {
         if (vCounts[n] == 0) {
             vCounts[n] = 1;
+            static std::atomic<uint64_t> nNextSerial{1};
+            vSerials[n] = nNextSerial++;
             if (pbClaimed)
                 *pbClaimed = true;
             return static_cast<uint16_t>(n);
@@ -142,6 +145,14 @@ uint16_t LAudioCutTank::GetNewRefAndIncRef(bool* pbClaimed)
         *pbClaimed = false;
     LTRACE("LAudioCutTank::GetNewRefAndIncRef() NO MORE FREE CUTS!!!!");
     return 0;
+}
+
+uint64_t LAudioCutTank::GetSerial(uint16_t nRef)
+{
+    if (nRef == kSilentRef)
+        return 0;
+    std::lock_guard<std::mutex> lock(mtxCounts);
+    return vCounts[nRef] ? vSerials[nRef] : 0;
 }
 
 void LAudioCutTank::IncRef(uint16_t nRef)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -37,6 +38,10 @@ public:
     void DecRef(uint16_t nRef);
     bool IsPinned(uint16_t nRef);
     uint16_t GetRefCount(uint16_t nRef);
+    // Tells the segments a number has held apart: each claim of a number gets a serial never
+    // given before in this process (by any tank), so what was derived from a segment's audio can
+    // be kept under it. 0 for a number not in use and for silence.
+    uint64_t GetSerial(uint16_t nRef);
     // How many numbers are in use (tests and leak checks).
     int32_t CountUsedRefs();
 
@@ -72,4 +77,5 @@ private:
     std::mutex mtxCounts;
     uint16_t vCounts[65536] = {};
     bool vPinned[65536] = {};
+    std::unique_ptr<uint64_t[]> vSerials{new uint64_t[65536]()};
 };

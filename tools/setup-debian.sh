@@ -11,6 +11,7 @@ packages=(
   sox ffmpeg mpg123 lame libgsm-tools flac vorbis-tools espeak-ng xdg-utils
   pulseaudio pulseaudio-utils
   xvfb xauth xdotool imagemagick
+  python3
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -89,6 +89,7 @@ enum LCommandId
     CmVerticalZoomId = 5005,
     CmDisplayPosNegId = 5007,
     CmDisplayLeftRightId = 5008,
+    CmSpectrogramId = 5013,
     CmCascadeId = 5009,
     CmTileHorizontalId = 5010,
     CmTileVerticalId = 5011,

@@ -105,6 +105,7 @@ const LCommandInfo kCommands[] = {
     {CmVerticalZoomId, "Vertical Zoom", "Ctrl+Shift+V", "Increase the amplitude of the display (to see softer sounds)."},
     {CmDisplayPosNegId, "Display Wave Form in + /-", "", "Shows positive and negative peaks."},
     {CmDisplayLeftRightId, "Display Wave Form in L / R", "", "Shows the left channel up and the right channel down."},
+    {CmSpectrogramId, "Spectrogram View", "Ctrl+Shift+G", "Shows the sound as a spectrogram: time across, frequency up, level in colour."},
     {CmCloseAllId, "Close All", "", "Closes every file."},
 
     {CmHelpId, "&Help Contents", "F1", "Shows the help."},

@@ -3,15 +3,19 @@
 #include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QHBoxLayout>
+#include <QMainWindow>
 #include <QResizeEvent>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <QStatusBar>
 #include <QTimer>
 #include <QToolButton>
 
 #include <algorithm>
 
 #include "core/LEdFile.h"
+#include "core/LSettings.h"
+#include "dsp/LSpectroSettings.h"
 #include "ui/LEdWaveWindow.h"
 #include "ui/LWaveContentOf.h"
 
@@ -47,6 +51,7 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pPosNeg->setChecked(true);
     pLeftRight = new QRadioButton(tr("L / R"), pControlRow);
     pLeftRight->setObjectName("radio89");
+    MakeSpectrogramToggle();
 
     auto* pButtons = new QHBoxLayout(pControlRow);
     pButtons->setContentsMargins(0, 0, 0, 0);
@@ -54,6 +59,8 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pButtons->addSpacing(12);
     pButtons->addWidget(pPosNeg);
     pButtons->addWidget(pLeftRight);
+    pButtons->addSpacing(12);
+    pButtons->addWidget(pSpectro);
     pButtons->addStretch();
     struct ZoomButton
     {
@@ -87,6 +94,8 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     connect(pVZoom, &QCheckBox::clicked, this, [this] { ToggleVerticalZoom(); });
     connect(pPosNeg, &QRadioButton::clicked, this, [this] { SetDisplayMode(0); });
     connect(pLeftRight, &QRadioButton::clicked, this, [this] { SetDisplayMode(1); });
+    connect(pDetail, &LEdWaveWindow::Pointed, this, &LEdFileWindow::OnPointed);
+    connect(pOverview, &LEdWaveWindow::Pointed, this, &LEdFileWindow::OnPointed);
 
     const int32_t sLength = pFile->GetDocument().GetLength();
     if (pFile->GetViewEnd() <= pFile->GetViewStart())
@@ -94,6 +103,19 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pOverview->Start();
     pDetail->Start();
     Refresh();
+}
+
+void LEdFileWindow::MakeSpectrogramToggle()
+{
+    pSpectro = new QToolButton(pControlRow);
+    pSpectro->setObjectName("spectrogram");
+    pSpectro->setText(tr("Spectrogram"));
+    pSpectro->setToolTip(tr("Spectrogram View (Ctrl+Shift+G)"));
+    pSpectro->setCheckable(true);
+    pSpectro->setFocusPolicy(Qt::NoFocus);
+    bSpectro = LSettings::GetBool("Settings", "SpectrogramView", false);
+    pSpectro->setChecked(bSpectro);
+    connect(pSpectro, &QToolButton::clicked, this, [this] { ToggleSpectrogram(); });
 }
 
 QSize LEdFileWindow::sizeHint() const
@@ -170,6 +192,11 @@ void LEdFileWindow::Refresh()
     const LViewRange view =
         LEdViewMath::AfterEdit({pFile->GetViewStart(), pFile->GetViewEnd()}, sLength, doc.GetSampleRate());
     pFile->SetView(view.sStart, view.sEnd);
+    const LSpectroSettings spectroSettings = LSpectroSettings::Load();
+    for (LEdWaveWindow* p : {pOverview, pDetail}) {
+        p->SetSpectroSettings(spectroSettings);
+        p->SetSpectrogram(bSpectro);
+    }
     pOverview->SetContent(LWaveContentOf(doc));
     pOverview->SetDisplayMode(nDisplayMode);
     pOverview->SetView(0, sLength > 0 ? sLength : doc.GetSampleRate());
@@ -236,6 +263,26 @@ void LEdFileWindow::SetDisplayMode(uint8_t nMode)
     pLeftRight->setChecked(nDisplayMode == 1);
     Refresh();
     emit DisplayOptionsChanged();
+}
+
+void LEdFileWindow::ToggleSpectrogram()
+{
+    SetSpectrogram(!bSpectro);
+}
+
+void LEdFileWindow::SetSpectrogram(bool bOn)
+{
+    bSpectro = bOn;
+    pSpectro->setChecked(bSpectro);
+    Refresh();
+    emit DisplayOptionsChanged();
+}
+
+void LEdFileWindow::OnPointed(const QString& szWhat)
+{
+    // The frame's status bar, when the window sits in one.
+    if (auto* pMain = qobject_cast<QMainWindow*>(window()); pMain && !szWhat.isEmpty())
+        pMain->statusBar()->showMessage(szWhat, 10000);
 }
 
 void LEdFileWindow::SetCursorPosition(int32_t sPosition)

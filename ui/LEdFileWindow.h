@@ -19,6 +19,7 @@ class QCheckBox;
 class QRadioButton;
 class QScrollBar;
 class QTimer;
+class QToolButton;
 
 class LEdFileWindow : public QWidget
 {
@@ -57,6 +58,10 @@ public:
     void ZoomFull();
     void ToggleVerticalZoom();
     void SetDisplayMode(uint8_t nMode);
+    // Both displays as spectrograms or as waveforms; new windows follow "SpectrogramView".
+    void ToggleSpectrogram();
+    void SetSpectrogram(bool bOn);
+    bool IsSpectrogram() const { return bSpectro; }
     bool IsVerticalZoom() const { return bVZoom; }
     uint8_t GetDisplayMode() const { return nDisplayMode; }
 
@@ -93,6 +98,8 @@ private:
     void OnDetailNotify(int nCode);
     void OnOverviewNotify(int nCode);
     void OnAutoScroll();
+    void OnPointed(const QString& szWhat);
+    void MakeSpectrogramToggle();
     void OnScrollAction(int nAction);
     void PushSelectionAndCursor();
     void UpdateThumb();
@@ -104,6 +111,7 @@ private:
     std::string szName;
     LAudioEncoding saveEncoding;
     bool bVZoom = false;
+    bool bSpectro = false;
     uint8_t nDisplayMode = 0;
     int32_t sScrollTarget = 0;
     int nAutoScroll = 0; // +1 right, -1 left
@@ -112,6 +120,7 @@ private:
     QCheckBox* pVZoom = nullptr;
     QRadioButton* pPosNeg = nullptr;
     QRadioButton* pLeftRight = nullptr;
+    QToolButton* pSpectro = nullptr;
     QScrollBar* pScroll = nullptr;
     QWidget* pControlRow = nullptr;
     QTimer* pAutoScrollTimer = nullptr;

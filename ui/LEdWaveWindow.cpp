@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/LSoundTime.h"
 #include "core/LTrace.h"
 
 namespace {
@@ -119,6 +120,47 @@ void LEdWaveWindow::SetVerticalZoom(bool bOn)
     RequestFullRedraw();
 }
 
+void LEdWaveWindow::SetSpectrogram(bool bOn)
+{
+    {
+        std::lock_guard<std::mutex> lock(mtxDraw);
+        if (bSpectro == bOn)
+            return;
+        bSpectro = bOn;
+    }
+    RequestFullRedraw();
+}
+
+bool LEdWaveWindow::IsSpectrogram() const
+{
+    std::lock_guard<std::mutex> lock(mtxDraw);
+    return bSpectro;
+}
+
+void LEdWaveWindow::SetSpectroSettings(const LSpectroSettings& settings)
+{
+    {
+        std::lock_guard<std::mutex> lock(mtxDraw);
+        if (spectroSettings == settings)
+            return;
+        spectroSettings = settings;
+    }
+    RequestFullRedraw();
+}
+
+QString LEdWaveWindow::DescribePoint(const QPoint& pt) const
+{
+    std::lock_guard<std::mutex> lock(mtxDraw);
+    if (!bSpectro || !pContent || !pContent->pDoc)
+        return {};
+    const int x = std::clamp(pt.x() - 1, 0, std::max(geo.GetWidth() - 1, 0));
+    const int32_t nRate = pContent->pDoc->GetSampleRate();
+    LSoundTime time;
+    time.SetSamples(std::max(geo.SampleOfColumn(x), 0), nRate);
+    const QString szWhat = spectro.Describe(x, pt.y() - 1, nRate, nHeight, spectroSettings);
+    return QString("Time %1   %2").arg(QString::fromStdString(time.FormatMilliseconds()), szWhat);
+}
+
 int32_t LEdWaveWindow::GetSelectionStart() const
 {
     std::lock_guard<std::mutex> lock(mtxDraw);
@@ -165,6 +207,14 @@ void LEdWaveWindow::CopyColumns(std::vector<uint8_t>& vOutTop, std::vector<uint8
     std::lock_guard<std::mutex> lock(mtxDraw);
     vOutTop.assign(vTop.begin(), vTop.begin() + geo.GetWidth());
     vOutBottom.assign(vBottom.begin(), vBottom.begin() + geo.GetWidth());
+}
+
+void LEdWaveWindow::CopySpectrogram(std::vector<uint8_t>& vLevels) const
+{
+    std::lock_guard<std::mutex> lock(mtxDraw);
+    const std::vector<uint8_t>& v = spectro.GetStore();
+    const size_t nCells = v.size() / LWaveGeometry::kMaxColumns;
+    vLevels.assign(v.begin(), v.begin() + static_cast<std::ptrdiff_t>(nCells * geo.GetWidth()));
 }
 
 void LEdWaveWindow::RequestFullRedraw()
@@ -245,6 +295,7 @@ LEdWaveWindow::Range LEdWaveWindow::ApplyView(int32_t sStart, int32_t sLength)
         return {0, nWidth};
     // Shift what is already known; only the columns that came into view are computed.
     const int n = static_cast<int>(d > 0 ? d : -d);
+    spectro.Shift(static_cast<int>(d), nWidth);
     if (d > 0) {
         std::memmove(vTop.data() + n, vTop.data(), nWidth - n);
         std::memmove(vBottom.data() + n, vBottom.data(), nWidth - n);
@@ -261,18 +312,24 @@ void LEdWaveWindow::ComputeColumns(Range r)
     LWaveGeometry g;
     uint8_t nMode;
     bool bZoom;
+    bool bSpectrogram;
     {
         std::lock_guard<std::mutex> lock(mtxDraw);
         pDraw = pContent;
         g = geo;
         nMode = nDisplayMode;
         bZoom = bVZoom;
+        bSpectrogram = bSpectro;
     }
     const int nLimit = std::min(g.GetWidth(), LWaveGeometry::kMaxColumns);
     r.x0 = std::clamp(r.x0, 0, nLimit);
     r.x1 = std::clamp(r.x1, 0, nLimit);
     if (r.x1 <= r.x0)
         return;
+    if (bSpectrogram) {
+        ComputeSpectro(r, pDraw, g, nMode);
+        return;
+    }
     std::fill(vScratchTop.begin() + r.x0, vScratchTop.begin() + r.x1, 0);
     std::fill(vScratchBottom.begin() + r.x0, vScratchBottom.begin() + r.x1, 0);
     bool bDone = true;
@@ -296,6 +353,32 @@ void LEdWaveWindow::ComputeColumns(Range r)
     std::copy(vScratchBottom.begin() + r.x0, vScratchBottom.begin() + r.x1, vBottom.begin() + r.x0);
 }
 
+bool LEdWaveWindow::ComputeSpectro(Range r, const std::shared_ptr<LWaveContent>& pDraw, const LWaveGeometry& g,
+                                   uint8_t nMode)
+{
+    int nRows;
+    LSpectroSettings settings;
+    {
+        std::lock_guard<std::mutex> lock(mtxDraw);
+        nRows = nHeight;
+        settings = spectroSettings;
+    }
+    const int nLanes = nMode == WaveModeLeftRight && pDraw && pDraw->nChans == 2 ? 2 : 1;
+    LWaveContent empty;
+    if (!spectro.Compute(pDraw && g.GetViewLength() > 0 ? *pDraw : empty, g, r.x0, r.x1, nRows, nLanes, settings,
+                         &sigStop, &sigRequest)) {
+        // Given up for a newer request: whatever that asks, every column is computed again.
+        std::lock_guard<std::mutex> lock(mtxDraw);
+        bForceAll = true;
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(mtxDraw);
+    if (bForceAll || geo.GetPixelOffset() != g.GetPixelOffset() || geo.GetViewLength() != g.GetViewLength())
+        return false; // a newer view is on its way and will redraw these columns
+    spectro.Commit(r.x0, r.x1);
+    return true;
+}
+
 void LEdWaveWindow::paintEvent(QPaintEvent* pEvent)
 {
     QPainter p(this);
@@ -306,47 +389,13 @@ void LEdWaveWindow::paintEvent(QPaintEvent* pEvent)
     } else {
         std::lock_guard<std::mutex> lock(mtxDraw);
         const int nCols = geo.GetWidth();
-        const int nMid = nHeight / 2;
-        int c0 = geo.ColumnOfSample(sCursor);
-        const int c1 = geo.ColumnOfSample(sCursor + sCursorLength);
-        if (c0 == nCols)
-            c0 = nCols - 1; // a cursor at the very end stays visible
-        const int cFileStart = geo.ColumnOfSample(0);
-        const int cFileEnd = pContent ? geo.ColumnOfSample(pContent->sLength) : -1;
-        const int cSelStart = geo.ColumnOfSample(sSelStart);
-        const int cSelEnd = geo.ColumnOfSample(sSelEnd);
-        const bool bSel = sSelStart < sSelEnd;
         const QRect rcDirty = pEvent->rect();
         const int xFrom = std::max(rcDirty.left() - 1, 0);
         const int xTo = std::min(rcDirty.right(), nCols);
-        for (int x = xFrom; x < xTo; ++x) {
-            const int px = x + 1;
-            if (x == c0) {
-                p.fillRect(px, 1, 1, nH - 1, kCursorLine);
-                continue;
-            }
-            const bool bInSel = bSel && x >= std::max(cSelStart, 0) && x < cSelEnd;
-            const PenPair* pPens = &kNormal;
-            PenPair swapped;
-            if (x < cFileStart || x > cFileEnd) {
-                pPens = &kOutside;
-            } else if (c0 < x && x < c1) {
-                if (bInSel) {
-                    swapped = {kCursorBand.wave, kCursorBand.back};
-                    pPens = &swapped;
-                } else {
-                    pPens = &kCursorBand;
-                }
-            } else if (bInSel) {
-                pPens = &kSelected;
-            }
-            const int yTop = std::max(nMid - vTop[x] * nHeight / 512, 1);
-            const int yBottom = std::min(nMid + vBottom[x] * nHeight / 512 + 1, nH);
-            p.fillRect(px, 1, 1, yTop - 1, pPens->back);
-            p.fillRect(px, yTop, 1, yBottom - yTop, pPens->wave);
-            if (yBottom < nH)
-                p.fillRect(px, yBottom, 1, nH - yBottom, pPens->back);
-        }
+        if (bSpectro)
+            PaintSpectro(p, xFrom, xTo);
+        else
+            PaintWave(p, xFrom, xTo);
         if (nW - 1 > nCols + 1)
             p.fillRect(nCols + 1, 1, nW - nCols - 2, nH - 1, kOutside.back);
         if (!vMarks.empty()) {
@@ -362,6 +411,82 @@ void LEdWaveWindow::paintEvent(QPaintEvent* pEvent)
     p.setPen(Qt::white);
     p.drawLine(0, nH - 1, nW - 1, nH - 1);
     p.drawLine(nW - 1, 0, nW - 1, nH - 1);
+}
+
+LEdWaveWindow::ColumnKinds LEdWaveWindow::KindsOfColumns() const
+{
+    ColumnKinds k;
+    k.c0 = geo.ColumnOfSample(sCursor);
+    k.c1 = geo.ColumnOfSample(sCursor + sCursorLength);
+    if (k.c0 == geo.GetWidth())
+        k.c0 = geo.GetWidth() - 1; // a cursor at the very end stays visible
+    k.cFileStart = geo.ColumnOfSample(0);
+    k.cFileEnd = pContent ? geo.ColumnOfSample(pContent->sLength) : -1;
+    k.cSelStart = geo.ColumnOfSample(sSelStart);
+    k.cSelEnd = geo.ColumnOfSample(sSelEnd);
+    k.bSel = sSelStart < sSelEnd;
+    return k;
+}
+
+LEdWaveWindow::ColumnKind LEdWaveWindow::ColumnKinds::Of(int x) const
+{
+    if (x == c0)
+        return KindCursor;
+    const bool bInSel = bSel && x >= std::max(cSelStart, 0) && x < cSelEnd;
+    if (x < cFileStart || x > cFileEnd)
+        return KindOutside;
+    if (c0 < x && x < c1)
+        return bInSel ? KindBandInSelection : KindBand;
+    return bInSel ? KindSelected : KindNormal;
+}
+
+void LEdWaveWindow::PaintWave(QPainter& p, int xFrom, int xTo)
+{
+    const int nH = height();
+    const int nMid = nHeight / 2;
+    const ColumnKinds kinds = KindsOfColumns();
+    for (int x = xFrom; x < xTo; ++x) {
+        const int px = x + 1;
+        const ColumnKind kind = kinds.Of(x);
+        if (kind == KindCursor) {
+            p.fillRect(px, 1, 1, nH - 1, kCursorLine);
+            continue;
+        }
+        const PenPair swapped{kCursorBand.wave, kCursorBand.back};
+        const PenPair* pPens = kind == KindOutside            ? &kOutside
+                               : kind == KindBandInSelection ? &swapped
+                               : kind == KindBand            ? &kCursorBand
+                               : kind == KindSelected        ? &kSelected
+                                                             : &kNormal;
+        const int yTop = std::max(nMid - vTop[x] * nHeight / 512, 1);
+        const int yBottom = std::min(nMid + vBottom[x] * nHeight / 512 + 1, nH);
+        p.fillRect(px, 1, 1, yTop - 1, pPens->back);
+        p.fillRect(px, yTop, 1, yBottom - yTop, pPens->wave);
+        if (yBottom < nH)
+            p.fillRect(px, yBottom, 1, nH - yBottom, pPens->back);
+    }
+}
+
+void LEdWaveWindow::PaintSpectro(QPainter& p, int xFrom, int xTo)
+{
+    if (xTo <= xFrom)
+        return;
+    const int nH = height();
+    p.drawImage(xFrom + 1, 1, spectro.Picture(xFrom, xTo, nHeight, spectroSettings));
+    // The selection and the cursor band are veils over the picture, so the levels stay readable.
+    const QColor veilSelected(0xFF, 0xFF, 0xFF, 0x50);
+    const QColor veilBand(0xFF, 0xF1, 0xC1, 0x30);
+    const ColumnKinds kinds = KindsOfColumns();
+    for (int x = xFrom; x < xTo; ++x) {
+        switch (kinds.Of(x)) {
+        case KindCursor: p.fillRect(x + 1, 1, 1, nH - 1, kCursorLine); break;
+        case KindOutside: p.fillRect(x + 1, 1, 1, nH - 1, kOutside.back); break;
+        case KindBand:
+        case KindBandInSelection: p.fillRect(x + 1, 1, 1, nH - 1, veilBand); break;
+        case KindSelected: p.fillRect(x + 1, 1, 1, nH - 1, veilSelected); break;
+        case KindNormal: break;
+        }
+    }
 }
 
 void LEdWaveWindow::resizeEvent(QResizeEvent* pEvent)
@@ -503,4 +628,6 @@ void LEdWaveWindow::mouseReleaseEvent(QMouseEvent* pEvent)
     }
     update();
     emit Notify(NotifyButtonUp);
+    if (IsSpectrogram())
+        emit Pointed(DescribePoint(pEvent->position().toPoint()));
 }

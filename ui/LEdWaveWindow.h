@@ -14,6 +14,7 @@
 #include "ui/LWaveColumns.h"
 #include "ui/LWaveGeometry.h"
 #include "ui/LWaveMarks.h"
+#include "ui/LWaveSpectro.h"
 #include "work/LSignalObject.h"
 #include "work/LThread.h"
 
@@ -47,6 +48,12 @@ public:
     void SetCursor(int32_t sPosition, int32_t sLength = 0);
     void SetDisplayMode(uint8_t nMode);
     void SetVerticalZoom(bool bOn);
+    // Spectrogram instead of waveform, and how it is computed and coloured.
+    void SetSpectrogram(bool bOn);
+    bool IsSpectrogram() const;
+    void SetSpectroSettings(const LSpectroSettings& settings);
+    // What the spectrogram shows at a point of the window: time, frequency and level.
+    QString DescribePoint(const QPoint& pt) const;
     // The file's bookmarks and regions, drawn over the waveform.
     void SetMarks(std::vector<LWaveMark> vNewMarks);
     const std::vector<LWaveMark>& GetMarks() const { return vMarks; }
@@ -60,9 +67,13 @@ public:
     // True once the worker has drawn the latest requested view.
     bool IsDrawn() const;
     void CopyColumns(std::vector<uint8_t>& vTop, std::vector<uint8_t>& vBottom) const;
+    // The spectrogram's level bytes of the visible columns.
+    void CopySpectrogram(std::vector<uint8_t>& vLevels) const;
 
 signals:
     void Notify(int nCode);
+    // A click on the spectrogram, with what it shows there.
+    void Pointed(const QString& szWhat);
 
 protected:
     void Body() override;
@@ -84,6 +95,28 @@ private:
     void RequestFullRedraw();
     void OnWorkerDrew();
     void SetDragMode(int nNewMode);
+    // What each column shows besides the picture: the cursor line, outside the file, the cursor
+    // band (in or out of the selection), the selection, or nothing more.
+    enum ColumnKind
+    {
+        KindCursor,
+        KindOutside,
+        KindBand,
+        KindBandInSelection,
+        KindSelected,
+        KindNormal,
+    };
+    struct ColumnKinds
+    {
+        int c0, c1, cFileStart, cFileEnd, cSelStart, cSelEnd;
+        bool bSel;
+        ColumnKind Of(int x) const;
+    };
+    ColumnKinds KindsOfColumns() const;
+    // Painting under the drawing lock, columns xFrom..xTo-1.
+    void PaintWave(QPainter& p, int xFrom, int xTo);
+    void PaintSpectro(QPainter& p, int xFrom, int xTo);
+    bool ComputeSpectro(Range r, const std::shared_ptr<LWaveContent>& pDraw, const LWaveGeometry& g, uint8_t nMode);
     // Cursor and selection set at once, as a finished click would leave them.
     void PlaceAsClicked(int32_t sStart, int32_t sEnd, int32_t sNewCursor);
 
@@ -101,6 +134,9 @@ private:
     bool bCaptured = false;
     uint8_t nDisplayMode = WaveModePosNeg;
     bool bVZoom = false;
+    bool bSpectro = false;
+    LSpectroSettings spectroSettings;
+    LWaveSpectro spectro;
     std::shared_ptr<LWaveContent> pContent;
     std::vector<LWaveMark> vMarks; // the window thread's alone
 

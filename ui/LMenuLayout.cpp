@@ -47,7 +47,7 @@ const std::vector<LMenuDef>& Menus()
          {{CmCascadeId, nullptr}, {CmTileHorizontalId, nullptr}, {CmTileVerticalId, nullptr},
           {CmArrangeIconsId, nullptr}, {kSeparator, nullptr}, {CmZoomInId, nullptr}, {CmZoomOutId, nullptr},
           {CmZoomSelectionId, nullptr}, {CmZoomFullId, nullptr}, {CmVerticalZoomId, nullptr}, {kSeparator, nullptr},
-          {CmDisplayPosNegId, nullptr}, {CmDisplayLeftRightId, nullptr}, {kSeparator, nullptr},
+          {CmDisplayPosNegId, nullptr}, {CmDisplayLeftRightId, nullptr}, {CmSpectrogramId, nullptr}, {kSeparator, nullptr},
           {CmCloseAllId, nullptr}}},
         {"&Help", {{CmHelpId, nullptr}, {kSubmenu, "&Internet Resources"}, {kEndSubmenu, nullptr},
                    {kSeparator, nullptr}, {CmAboutId, nullptr}}},

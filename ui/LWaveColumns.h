@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/LCutListAudio.h"
 #include "core/LSoundSourceBase.h"
 
 class LSignalObject;
@@ -26,6 +27,8 @@ struct LWaveCut
 struct LWaveContent
 {
     LSoundSourcePtr pSource;
+    // A copy of the document, for the spectrogram's walk over its segments.
+    LCutListAudioPtr pDoc;
     std::vector<LWaveCut> vCuts;
     // The overview file of a segment; empty when there is none.
     std::function<std::string(uint16_t)> fnGrfPath;

@@ -7,6 +7,7 @@ std::shared_ptr<LWaveContent> LWaveContentOf(const LCutListAudio& doc)
 {
     auto pContent = std::make_shared<LWaveContent>();
     pContent->pSource = doc.OpenSource();
+    pContent->pDoc = LCutListAudioPtr(new LCutListAudio(doc));
     pContent->vCuts.reserve(doc.GetCutCount());
     doc.GetCuts().ForEach([&](const LAudioCut& cut) {
         pContent->vCuts.push_back({cut.nRef, cut.sLength, cut.nGain, cut.sOffset});

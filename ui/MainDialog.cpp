@@ -189,6 +189,8 @@ void MainDialog::UpdateMenuStates()
         p->setChecked(!pWindow || pWindow->GetDisplayMode() == 0);
     if (QAction* p = GetAction(CmDisplayLeftRightId))
         p->setChecked(pWindow && pWindow->GetDisplayMode() == 1);
+    if (QAction* p = GetAction(CmSpectrogramId))
+        p->setChecked(pWindow && pWindow->IsSpectrogram());
     const int nSpeed = pTransport->GetPlaySpeed();
     if (QAction* p = GetAction(CmPlaySlowId))
         p->setChecked(nSpeed == 0);
@@ -257,6 +259,7 @@ bool MainDialog::IsCommandEnabled(int nId) const
     case CmZoomFullId:
     case CmVerticalZoomId:
     case CmDisplayPosNegId:
+    case CmSpectrogramId:
         return bFile;
     case CmZoomSelectionId:
         return bSel;

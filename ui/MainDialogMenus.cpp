@@ -109,6 +109,7 @@ void MainDialog::BuildMenus()
         pModes->addAction(GetAction(nId));
     }
     GetAction(CmVerticalZoomId)->setCheckable(true);
+    GetAction(CmSpectrogramId)->setCheckable(true);
     AddCommand(nullptr, CmScrubId);
 }
 

@@ -74,6 +74,7 @@ bool MainDialog::CmWindow(int nId)
     case CmVerticalZoomId: pWindow->ToggleVerticalZoom(); return true;
     case CmDisplayPosNegId: pWindow->SetDisplayMode(0); return true;
     case CmDisplayLeftRightId: pWindow->SetDisplayMode(1); return true;
+    case CmSpectrogramId: pWindow->ToggleSpectrogram(); return true;
     default: return false;
     }
 }

@@ -64,10 +64,15 @@ TEST_F(CutTank, CountsClaimTheLowestFreeNumberAndTheLastReleaseDeletesTheFiles)
     EXPECT_EQ(b, 1);
     testsupport::WriteFileBytes(tank.GetAudFilePath(a), {1, 2, 3, 4});
     testsupport::WriteFileBytes(tank.GetGrfFilePath(a), {1, 2});
+    const uint64_t nSerialA = tank.GetSerial(a);
+    EXPECT_NE(nSerialA, 0u);
+    EXPECT_NE(nSerialA, tank.GetSerial(b));
     tank.DecRef(a);
     EXPECT_FALSE(LFile::Exists(tank.GetAudFilePath(a)));
     EXPECT_FALSE(LFile::Exists(tank.GetGrfFilePath(a)));
+    EXPECT_EQ(tank.GetSerial(a), 0u) << "a free number has no segment";
     EXPECT_EQ(tank.GetNewRefAndIncRef(), a) << "a released number is the first free one again";
+    EXPECT_GT(tank.GetSerial(a), nSerialA) << "new audio under an old number is told apart";
 
     for (int i = 0; i < 70000; ++i)
         tank.IncRef(b);
@@ -92,6 +97,7 @@ TEST_F(CutTank, CountsClaimTheLowestFreeNumberAndTheLastReleaseDeletesTheFiles)
     tank.IncRef(LAudioCutTank::kSilentRef);
     EXPECT_EQ(tank.GetAudFilePath(LAudioCutTank::kSilentRef), "");
     EXPECT_EQ(tank.GetGrfFilePath(LAudioCutTank::kSilentRef), "");
+    EXPECT_EQ(tank.GetSerial(LAudioCutTank::kSilentRef), 0u);
 }
 
 // A segment shared more often than its count can tell stays while any cut may point at it.

@@ -6,6 +6,7 @@
 
 #include "ui/settings/LCdPage.h"
 #include "ui/settings/LDevicesPage.h"
+#include "ui/settings/LDisplayPage.h"
 #include "ui/settings/LFoldersPage.h"
 #include "ui/settings/LGeneralPage.h"
 #include "ui/settings/LRecorderPage.h"
@@ -17,7 +18,7 @@ LSettingsDlg::LSettingsDlg(QWidget* pParent) : QDialog(pParent)
     setObjectName("SettingsDlg");
     pTabs = new QTabWidget(this);
     pFolders = new LFoldersPage(pTabs);
-    vPages = {new LGeneralPage(pTabs), new LDevicesPage(pTabs), new LRecorderPage(pTabs), pFolders, new LKeysPage(pTabs), new LCdPage(pTabs)};
+    vPages = {new LGeneralPage(pTabs), new LDisplayPage(pTabs), new LDevicesPage(pTabs), new LRecorderPage(pTabs), pFolders, new LKeysPage(pTabs), new LCdPage(pTabs)};
     for (LSettingsPage* p : vPages)
         pTabs->addTab(p, p->Title());
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
