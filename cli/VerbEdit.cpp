@@ -7,7 +7,7 @@
 #include <cstdlib>
 
 #include "cli/LCliVerb.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LEdCommands.h"
 #include "core/LEdFile.h"
 #include "core/LSoundTime.h"

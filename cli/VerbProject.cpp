@@ -5,7 +5,7 @@
 
 #include "cli/LCliArgs.h"
 #include "cli/LCliVerb.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LFile.h"
 #include "core/LSoundTime.h"
 #include "formats/LAudioFile.h"

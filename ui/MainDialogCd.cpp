@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 
 #include "cd/LCdImageWriter.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LEdFile.h"
 #include "core/LSettings.h"
 #include "formats/LAudioFile.h"

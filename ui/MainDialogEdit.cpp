@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LEdCommands.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"

@@ -11,7 +11,7 @@
 #include <ctime>
 
 #include "cd/LCdDevice.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"
 #include "core/LSettings.h"
