@@ -1,7 +1,8 @@
 // The editor's frame: an MDI area with one file window per open file, the menus with every
-// command, the toolbar, the transport bar with its time fields and the status line. Handlers
-// live in files by menu: MainDialogFile.cpp, MainDialogEdit.cpp, MainDialogControl.cpp,
-// MainDialogWindow.cpp, MainDialogClipboard.cpp and MainDialogEffects.cpp.
+// command, the toolbar, the transport bar with its time fields and the status line. It keeps
+// the windows and dispatches each command to the controller of its menu (LEditCommands,
+// LControlCommands, LToolsCommands, ...), which reaches the frame through LFrame; when a
+// command is available is the rule table's (LCommandRules) to say.
 #pragma once
 
 #include <QMainWindow>
@@ -15,9 +16,11 @@
 #include "core/LCutListAudio.h"
 #include "project/LEdBookMark.h"
 #include "project/LEdRegion.h"
+#include "ui/LFrame.h"
 #include "ui/LRecentFiles.h"
 
 struct LCdCopyChoice;
+struct LCommandState;
 struct LCdSourceItem;
 class LEdFile;
 class LEdProject;
@@ -25,6 +28,7 @@ class LProjectSegments;
 class LRecoveryLock;
 class QDialog;
 class LEdFileWindow;
+class LEditCommands;
 class LQtProgressHostFactory;
 class LTimeFields;
 class LTransport;
@@ -37,7 +41,7 @@ class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
 
-class MainDialog : public QMainWindow
+class MainDialog : public QMainWindow, public LFrame
 {
     Q_OBJECT
 public:
@@ -49,21 +53,23 @@ public:
     bool Command(int nId);
     QAction* GetAction(int nId) const;
     QMdiArea* GetMdiArea() const { return pMdi; }
-    LTransport& GetTransport() { return *pTransport; }
+    LTransport& GetTransport() override { return *pTransport; }
+    QWidget* GetWidget() override { return this; }
+    LCutListAudio& GetClipboardAudio() override { return *pClipboard; }
 
     // The file whose window is active; null when none is open.
-    LEdFileWindow* GetCurrentFileWindow() const;
-    LEdFile* GetCurrentFile() const;
-    std::vector<LEdFileWindow*> GetFileWindows() const;
+    LEdFileWindow* GetCurrentFileWindow() const override;
+    LEdFile* GetCurrentFile() const override;
+    std::vector<LEdFileWindow*> GetFileWindows() const override;
     // The selection of the current file; false when there is no file or no selection.
-    bool GetSelection(int32_t& sStart, int32_t& sEnd) const;
+    bool GetSelection(int32_t& sStart, int32_t& sEnd) const override;
 
     // Bracket every change of the current file's audio (see LEdFile::StartModify/EndModify).
-    void StartModifyCurrentFile(const std::string& szLabel);
-    void EndModifyCurrentFile(int32_t sPosition, int32_t nPreRoll);
-    void UpdateUndoMenuItem();
+    void StartModifyCurrentFile(const std::string& szLabel) override;
+    void EndModifyCurrentFile(int32_t sPosition, int32_t nPreRoll) override;
+    void UpdateUndoMenuItem() override;
     // Enables and disables the commands for the current state.
-    void UpdateMenuStates();
+    void UpdateMenuStates() override;
 
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
     // the user told why, when it cannot be read. A file already open has its window activated.
@@ -76,7 +82,8 @@ public:
     // The program's icon, shown by the frame and every file window.
     static QIcon AppIcon();
     // Gives a new document its own window; the frame takes ownership.
-    LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath, const std::string& szName);
+    LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath,
+                                 const std::string& szName) override;
     // Saves a file to its own path; false (and the file stays modified) when it fails.
     bool SaveFile(LEdFileWindow* pWindow);
     bool SaveFileAs(LEdFileWindow* pWindow);
@@ -88,9 +95,6 @@ public:
     bool CmEffect(int nCommandId);
     bool IsEffectCommandEnabled(int nCommandId) const;
 
-    // Tools > Batch Converter; filled in by MainDialogBatch.cpp.
-    bool CmBatchConverter(int nId);
-
     // Runs a file name handed over by a second start of the program.
     void EvLoad(const QString& szPath);
     // Takes the files of a second start (none: only comes to the front). They are loaded later,
@@ -101,11 +105,12 @@ public:
     void QueueCommand(int nId);
 
     // "Untitled %d" with the next number.
-    std::string NextUntitledName() { return "Untitled " + std::to_string(++nUntitled); }
+    std::string NextUntitledName() override { return "Untitled " + std::to_string(++nUntitled); }
     const LRecentFiles& GetRecentFiles() const { return recent; }
     LCutListAudio* GetClipboard() const { return pClipboard.Get(); }
     void SetWindowCaption();
-    void UpdateTimeFields();
+    void UpdateTimeFields() override;
+    void OnFileSelectionChanged() override;
 
     // Projects, bookmarks and regions (MainDialogProject.cpp).
     // Opens a project in place of the current one; false (the user told why) when it cannot.
@@ -138,7 +143,7 @@ public:
     void StartRecovery();
     void WriteRecovery();
     // A change the project and the recovery project must follow.
-    void NoteChange();
+    void NoteChange() override;
 
 signals:
     void CurrentFileChanged();
@@ -156,7 +161,8 @@ private:
     void RebuildWindowMenu();
     // Rebuilds it from the event loop, once however often asked.
     void ScheduleWindowMenu();
-    bool IsCommandEnabled(int nId) const;
+    LCommandState CommandState() const;
+    bool IsCommandEnabled(int nId, const LCommandState& state) const;
 
     // MainDialogCd.cpp
     void CmLoadCd(const std::string& szImage = std::string());
@@ -178,38 +184,8 @@ private:
     // Where a new file window goes: inside the area, cascading from the newest window.
     QRect NextChildPlace(QMdiSubWindow* pNew) const;
 
-    // MainDialogEdit.cpp
-    bool CmEdit(int nId);
-    void CmUndo();
-    void CmRedo();
-    // Undo or redo on the current file, with the window and menus following.
-    void StepHistory(bool bRedo);
-    void CmCut();
-    void CmCopy();
-    void CmPaste();
-    void CmDelete();
-    void CmSelectAll();
-    void CmSelectToStart();
-    void CmSelectToEnd();
-    void CmTrim();
-    void CmTrimStart();
-    void CmTrimEnd();
-    void CmSilence();
-    void CmInsertSilence(int nWhere);
-    void CmInsertFile(int nWhere);
-    void CmRepeatLoop();
-    void CmCopyToNew();
-    // Inserts a document at a position of the current file under a label.
-    // Inserts at the cursor, or replaces the selection, under the label "Paste".
-    void PasteDocument(const LCutListAudio& other);
-    void InsertDocument(const LCutListAudio& other, int32_t sAt, const std::string& szLabel);
-    // A document read from a file, converted to the current file's rate and channels.
-    LCutListAudioPtr ReadFileConformed(const std::string& szPath, int32_t nRate, uint8_t nChans);
-    LCutListAudioPtr ConformDocument(const LCutListAudio& other, int32_t nRate, uint8_t nChans);
-
     // MainDialogProject.cpp
     bool CmProject(int nId);
-    bool IsProjectCommandEnabled(int nId, bool& bKnown) const;
     void CmOpenProject();
     void CmSaveProject();
     void CmSaveProjectAs();
@@ -229,28 +205,13 @@ private:
     // not be read (its folder must then stay).
     bool RecoverSession(const std::string& szFolder);
 
-    // MainDialogClipboard.cpp
-    bool RenderToWindowClipboard();
-    void CmPasteFromClipboard();
+    // The system clipboard's wave data as a file (the effects' paste mix reads it).
     bool RenderFromWindowClipboard(std::string& szPath);
-
-    // MainDialogControl.cpp
-    bool CmControl(int nId);
-
-    // MainDialogTools.cpp
-    bool CmTools(int nId);
-    bool IsToolCommandEnabled(int nId) const;
-    void ShowSpectrumWindow();
-    void CmToneGenerator();
-    void CmTextToSpeech();
-    // Makes a source into a new file, or inserts it at the cursor of the current file (in its
-    // rate and channels) under the label; false when it could not be made.
-    bool PlaceGeneratedAudio(LSoundSourceBase* pSource, bool bInsert, const std::string& szLabel);
 
     // MainDialogWindow.cpp
     bool CmWindow(int nId);
+    void ShowSpectrumWindow();
     void OnSubWindowActivated(QMdiSubWindow* pSub);
-    void OnFileSelectionChanged();
     void OnFileScroll(int32_t sTarget);
     // A time typed into a selection field: moves the selection, or says why not.
     void OnTimeTyped(int nField, const QString& szText);
@@ -273,6 +234,9 @@ private:
     LTimeFields* pTimeFields = nullptr;
     QLabel* pStatusFormat = nullptr;
     std::unique_ptr<LTransport> pTransport;
+    // The menus' controllers, asked in turn for each command; the Edit one also serves others.
+    std::vector<std::unique_ptr<LCommandController>> vControllers;
+    LEditCommands* pEdit = nullptr;
     std::unique_ptr<LQtProgressHostFactory> pProgressFactory;
     QDialog* pHelp = nullptr; // a child of the frame, made when first asked for
     LRecentFiles recent;

@@ -26,6 +26,7 @@
 #include "ui/LBookmarkListDlg.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
+#include "ui/LEditCommands.h"
 #include "ui/LRegionListDlg.h"
 #include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
@@ -49,27 +50,6 @@ std::string MainDialog::FileKey(const LEdFileWindow* pWindow)
     if (!pWindow)
         return std::string();
     return pWindow->GetPath().empty() ? pWindow->GetName() : pWindow->GetPath();
-}
-
-bool MainDialog::IsProjectCommandEnabled(int nId, bool& bKnown) const
-{
-    bKnown = true;
-    const bool bFile = GetCurrentFileWindow() != nullptr;
-    switch (nId) {
-    case CmOpenProjectId: return true;
-    case CmCloseProjectId: return !szProjectPath.empty();
-    case CmSaveProjectId:
-    case CmSaveProjectAsId: return bFile || !szProjectPath.empty() || !vBookmarks.empty() || !vRegions.empty();
-    case CmSetBookmarkId: return bFile;
-    case CmAddRegionId: {
-        int32_t sStart = 0, sEnd = 0;
-        return GetSelection(sStart, sEnd);
-    }
-    case CmBookmarkListId: return !vBookmarks.empty();
-    case CmRegionListId: return !vRegions.empty();
-    case CmAssembleRegionsId: return !vRegions.empty();
-    default: bKnown = false; return false;
-    }
 }
 
 bool MainDialog::CmProject(int nId)
@@ -491,7 +471,7 @@ LCutListAudioPtr MainDialog::AssembleRegions()
         }
         LCutListAudioPtr pPart = r.pDoc;
         if (pPart->GetSampleRate() != pOut->GetSampleRate() || pPart->GetChannels() != pOut->GetChannels()) {
-            pPart = ConformDocument(*r.pDoc, pOut->GetSampleRate(), pOut->GetChannels());
+            pPart = pEdit->ConformDocument(*r.pDoc, pOut->GetSampleRate(), pOut->GetChannels());
             if (!pPart)
                 return LCutListAudioPtr();
         }

@@ -16,6 +16,7 @@
 #include "ui/LTransport.h"
 #include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
+#include "ui/tools/LSpectrumWindow.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ bool MainDialog::CmWindow(int nId)
     LEdFileWindow* pWindow = GetCurrentFileWindow();
     switch (nId) {
     case CmCascadeId: pMdi->cascadeSubWindows(); return true;
+    case CmFrequencyAnalysisId: ShowSpectrumWindow(); return true;
     case CmTileHorizontalId:
     case CmTileVerticalId: {
         // One window above the other, or side by side.
@@ -76,6 +78,18 @@ bool MainDialog::CmWindow(int nId)
     case CmDisplayLeftRightId: pWindow->SetDisplayMode(1); return true;
     default: return false;
     }
+}
+
+// The frequency analysis is a window of the frame's own, following the current file.
+void MainDialog::ShowSpectrumWindow()
+{
+    auto* pWindow = findChild<LSpectrumWindow*>();
+    if (!pWindow)
+        pWindow = new LSpectrumWindow(*this);
+    pWindow->show();
+    pWindow->raise();
+    pWindow->activateWindow();
+    pWindow->Follow();
 }
 
 void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
