@@ -11,6 +11,7 @@
 class LCutListAudio;
 class LEdFile;
 class LEdFileWindow;
+class LRecentFiles;
 class LTransport;
 class QWidget;
 
@@ -29,6 +30,11 @@ public:
     // Gives a new document its own window; the frame takes ownership.
     virtual LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath,
                                          const std::string& szName) = 0;
+    // The open window of a file, by path; null when it is not open.
+    virtual LEdFileWindow* FindWindowByPath(const std::string& szPath) const = 0;
+    // Brings a file window to the front (restoring it when minimized) and makes it current.
+    virtual void ActivateFileWindow(LEdFileWindow* pWindow) = 0;
+    virtual void CloseFileWindow(LEdFileWindow* pWindow) = 0;
     // "Untitled %d" with the next number.
     virtual std::string NextUntitledName() = 0;
 
@@ -38,10 +44,22 @@ public:
     // A change the project and the recovery project must follow.
     virtual void NoteChange() = 0;
 
+    // The recent-file list: a file opened or saved goes to its top; one that is gone leaves it.
+    virtual const LRecentFiles& GetRecentFiles() const = 0;
+    virtual void NoteRecentFile(const std::string& szPath) = 0;
+    virtual void ForgetRecentFile(const std::string& szPath) = 0;
+
+    // Opens a project in place of the current one; false (the user told why) when it cannot.
+    virtual bool OpenProject(const std::string& szPath) = 0;
+    // What bookmarks and regions call a file, and their following it to a new name.
+    virtual std::string FileKeyOf(const LEdFileWindow* pWindow) const = 0;
+    virtual void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey) = 0;
+
     virtual LTransport& GetTransport() = 0;
     // The editor's own clipboard, shared by every file.
     virtual LCutListAudio& GetClipboardAudio() = 0;
 
+    virtual void SetWindowCaption() = 0;
     virtual void UpdateUndoMenuItem() = 0;
     virtual void UpdateMenuStates() = 0;
     virtual void UpdateTimeFields() = 0;

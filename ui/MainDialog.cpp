@@ -19,9 +19,11 @@
 #include "core/LTrace.h"
 #include "project/LProjectSegments.h"
 #include "project/LRecovery.h"
+#include "ui/LCdCommands.h"
 #include "ui/LCommandIds.h"
 #include "ui/LControlCommands.h"
 #include "ui/LEditCommands.h"
+#include "ui/LFileCommands.h"
 #include "ui/LCommandRules.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LQtProgressHost.h"
@@ -52,6 +54,11 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     pEdit = pEditCommands.get();
     vControllers.push_back(std::move(pEditCommands));
     vControllers.push_back(std::make_unique<LControlCommands>(*this));
+    auto pCd = std::make_unique<LCdCommands>(*this);
+    auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd);
+    pFiles = pFileCommands.get();
+    vControllers.push_back(std::move(pFileCommands));
+    vControllers.push_back(std::move(pCd));
     vControllers.push_back(std::make_unique<LToolsCommands>(*this, *pEdit));
     BuildMenus();
     BuildToolBar();
@@ -245,7 +252,7 @@ bool MainDialog::Command(int nId)
         LTRACE("MainDialog::Command %d not available", nId);
         return false;
     }
-    if (CmFile(nId) || CmWindow(nId) || CmEffect(nId) || CmProject(nId))
+    if (CmWindow(nId) || CmEffect(nId) || CmProject(nId))
         return true;
     for (const auto& pController : vControllers)
         if (pController->Command(nId))
@@ -313,7 +320,7 @@ bool MainDialog::eventFilter(QObject* pWatched, QEvent* pEvent)
         auto* pSub = qobject_cast<QMdiSubWindow*>(pWatched);
         if (pSub && pSub->mdiArea() == pMdi && !bClosing) {
             auto* pWindow = qobject_cast<LEdFileWindow*>(pSub->widget());
-            if (pWindow && !QueryCloseFile(pWindow)) {
+            if (pWindow && !pFiles->QueryCloseFile(pWindow)) {
                 pEvent->ignore();
                 return true;
             }

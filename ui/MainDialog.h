@@ -19,9 +19,7 @@
 #include "ui/LFrame.h"
 #include "ui/LRecentFiles.h"
 
-struct LCdCopyChoice;
 struct LCommandState;
-struct LCdSourceItem;
 class LEdFile;
 class LEdProject;
 class LProjectSegments;
@@ -29,6 +27,7 @@ class LRecoveryLock;
 class QDialog;
 class LEdFileWindow;
 class LEditCommands;
+class LFileCommands;
 class LQtProgressHostFactory;
 class LTimeFields;
 class LTransport;
@@ -74,22 +73,16 @@ public:
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
     // the user told why, when it cannot be read. A file already open has its window activated.
     bool LoadFile(const std::string& szPath);
-    void WarnIfCutShort(const std::string& szPath, LSoundSourceBase& source);
     // The open window of a file, by path; null when it is not open.
-    LEdFileWindow* FindWindowByPath(const std::string& szPath) const;
+    LEdFileWindow* FindWindowByPath(const std::string& szPath) const override;
     // Brings a file window to the front (restoring it when minimized) and makes it current.
-    void ActivateFileWindow(LEdFileWindow* pWindow);
+    void ActivateFileWindow(LEdFileWindow* pWindow) override;
     // The program's icon, shown by the frame and every file window.
     static QIcon AppIcon();
     // Gives a new document its own window; the frame takes ownership.
     LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath,
                                  const std::string& szName) override;
-    // Saves a file to its own path; false (and the file stays modified) when it fails.
-    bool SaveFile(LEdFileWindow* pWindow);
-    bool SaveFileAs(LEdFileWindow* pWindow);
-    // Asks about unsaved changes; false when the user cancels (or a save fails).
-    bool QueryCloseFile(LEdFileWindow* pWindow);
-    void CloseFileWindow(LEdFileWindow* pWindow);
+    void CloseFileWindow(LEdFileWindow* pWindow) override;
 
     // The effect commands; filled in by MainDialogEffects.cpp.
     bool CmEffect(int nCommandId);
@@ -106,15 +99,17 @@ public:
 
     // "Untitled %d" with the next number.
     std::string NextUntitledName() override { return "Untitled " + std::to_string(++nUntitled); }
-    const LRecentFiles& GetRecentFiles() const { return recent; }
+    const LRecentFiles& GetRecentFiles() const override { return recent; }
+    void NoteRecentFile(const std::string& szPath) override;
+    void ForgetRecentFile(const std::string& szPath) override;
     LCutListAudio* GetClipboard() const { return pClipboard.Get(); }
-    void SetWindowCaption();
+    void SetWindowCaption() override;
     void UpdateTimeFields() override;
     void OnFileSelectionChanged() override;
 
     // Projects, bookmarks and regions (MainDialogProject.cpp).
     // Opens a project in place of the current one; false (the user told why) when it cannot.
-    bool OpenProject(const std::string& szPath);
+    bool OpenProject(const std::string& szPath) override;
     // Saves everything open as the project at szPath, which becomes the current project.
     bool SaveProjectTo(const std::string& szPath);
     // Asks "Save changes to current project?" when it has changed; false when the user cancels.
@@ -137,6 +132,8 @@ public:
     LCutListAudioPtr AssembleRegions();
     // What bookmarks and regions call a file: its path, or its name while it has none.
     static std::string FileKey(const LEdFileWindow* pWindow);
+    std::string FileKeyOf(const LEdFileWindow* pWindow) const override { return FileKey(pWindow); }
+    void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey) override;
 
     // Recovery after a crash: offers the documents of sessions that ended abnormally, then keeps
     // a recovery project of this one, rewritten after every finished change.
@@ -164,22 +161,7 @@ private:
     LCommandState CommandState() const;
     bool IsCommandEnabled(int nId, const LCommandState& state) const;
 
-    // MainDialogCd.cpp
-    void CmLoadCd(const std::string& szImage = std::string());
-    void CmCopyToCd();
-    bool CopyToCdSources(const LCdCopyChoice& choice, std::vector<LCdSourceItem>& vItems);
-
     // MainDialogFile.cpp
-    bool CmFile(int nId);
-    void CmNew();
-    void CmOpen();
-    void CmClose();
-    void CmSave();
-    void CmSaveAs();
-    void CmSend();
-    void CmExit();
-    void CmSetting();
-    void CmRecent(int nIndex);
     bool CloseAllFiles();
     // Where a new file window goes: inside the area, cascading from the newest window.
     QRect NextChildPlace(QMdiSubWindow* pNew) const;
@@ -198,7 +180,6 @@ private:
     void ForgetBookmarksOf(LEdFileWindow* pWindow);
     // Writes the list beside the file; false (the user is told later) when it cannot.
     bool SaveBookmarksOf(const std::string& szPath);
-    void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey);
     LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
     void StopRecovery();
     // Offers one abandoned session's documents; false when the user wanted them and they could
@@ -237,6 +218,7 @@ private:
     // The menus' controllers, asked in turn for each command; the Edit one also serves others.
     std::vector<std::unique_ptr<LCommandController>> vControllers;
     LEditCommands* pEdit = nullptr;
+    LFileCommands* pFiles = nullptr;
     std::unique_ptr<LQtProgressHostFactory> pProgressFactory;
     QDialog* pHelp = nullptr; // a child of the frame, made when first asked for
     LRecentFiles recent;

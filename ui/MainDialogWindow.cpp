@@ -35,6 +35,7 @@ bool MainDialog::CmWindow(int nId)
     switch (nId) {
     case CmCascadeId: pMdi->cascadeSubWindows(); return true;
     case CmFrequencyAnalysisId: ShowSpectrumWindow(); return true;
+    case CmCloseAllId: CloseAllFiles(); return true;
     case CmTileHorizontalId:
     case CmTileVerticalId: {
         // One window above the other, or side by side.
