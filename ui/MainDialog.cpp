@@ -18,7 +18,6 @@
 #include "core/LSettings.h"
 #include "core/LTrace.h"
 #include "project/LProjectSegments.h"
-#include "project/LRecovery.h"
 #include "ui/LCdCommands.h"
 #include "ui/LCommandIds.h"
 #include "ui/LControlCommands.h"
@@ -27,6 +26,7 @@
 #include "ui/LCommandRules.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LQtProgressHost.h"
+#include "ui/LRecoveryKeeper.h"
 #include "ui/LTimeFields.h"
 #include "ui/LToolsCommands.h"
 #include "ui/LTransport.h"
@@ -54,6 +54,9 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     pEdit = pEditCommands.get();
     vControllers.push_back(std::move(pEditCommands));
     vControllers.push_back(std::make_unique<LControlCommands>(*this));
+    pRecovery = std::make_unique<LRecoveryKeeper>(
+        *this, [this](LEdProject& project) { CollectProject(project); },
+        [this](LEdProject& project) { AddProjectFiles(project, true); });
     auto pCd = std::make_unique<LCdCommands>(*this);
     auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd);
     pFiles = pFileCommands.get();
@@ -305,7 +308,7 @@ void MainDialog::closeEvent(QCloseEvent* pEvent)
         pEvent->ignore();
         return;
     }
-    StopRecovery();
+    pRecovery->Stop();
     const char* const kPlace = "MainWindow";
     LSettings::SetBool(kPlace, "Maximized", isMaximized());
     LSettings::SetInt(kPlace, "Width", normalGeometry().width());

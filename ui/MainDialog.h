@@ -23,7 +23,7 @@ struct LCommandState;
 class LEdFile;
 class LEdProject;
 class LProjectSegments;
-class LRecoveryLock;
+class LRecoveryKeeper;
 class QDialog;
 class LEdFileWindow;
 class LEditCommands;
@@ -181,10 +181,6 @@ private:
     // Writes the list beside the file; false (the user is told later) when it cannot.
     bool SaveBookmarksOf(const std::string& szPath);
     LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
-    void StopRecovery();
-    // Offers one abandoned session's documents; false when the user wanted them and they could
-    // not be read (its folder must then stay).
-    bool RecoverSession(const std::string& szFolder);
 
     // The system clipboard's wave data as a file (the effects' paste mix reads it).
     bool RenderFromWindowClipboard(std::string& szPath);
@@ -235,7 +231,5 @@ private:
     std::set<std::string> setBookmarksRead; // files whose bookmark list has been read
     // Files whose bookmark list was refused (damaged, another version): never written over.
     std::set<std::string> setBookmarksRefused;
-    std::unique_ptr<LRecoveryLock> pRecoveryLock;
-    std::string szRecoveryPath;
-    bool bRecoveryFailTold = false; // a failing recovery save is told once, not after every edit
+    std::unique_ptr<LRecoveryKeeper> pRecovery;
 };

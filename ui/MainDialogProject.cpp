@@ -1,4 +1,4 @@
-// Projects (the File menu's project commands), the Bookmarks menu, and recovery after a crash.
+// Projects (the File menu's project commands) and the Bookmarks menu.
 #include <QDir>
 #include <QFileInfo>
 #include <QMdiArea>
@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <ctime>
 
-#include "core/LAtomicFile.h"
-#include "core/LAudioCutTank.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"
 #include "core/LSettings.h"
@@ -17,16 +15,15 @@
 #include "core/LTrace.h"
 #include "lists/LListFile.h"
 #include "project/LBookmarkFile.h"
-#include "project/LBytes.h"
 #include "project/LEdLoadProject.h"
 #include "project/LEdProject.h"
 #include "project/LEdSaveProject.h"
 #include "project/LProjectSegments.h"
-#include "project/LRecovery.h"
 #include "ui/LBookmarkListDlg.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LEditCommands.h"
+#include "ui/LRecoveryKeeper.h"
 #include "ui/LRegionListDlg.h"
 #include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
@@ -495,94 +492,15 @@ void MainDialog::CmAssembleRegions()
         pWindow->setWindowTitle(pWindow->Caption());
 }
 
-// ---- recovery
-
-bool MainDialog::RecoverSession(const std::string& szFolder)
-{
-    const auto answer = LUiPrompts::Get().Ask(
-        this, "Sonitra",
-        "Sonitra did not close normally last time.\n\nDo you want to recover the documents that were open then?",
-        false);
-    if (answer != LUiPrompts::AnswerYes)
-        return true;
-    LEdLoadProject load(szFolder + LRecovery::kProjectName, szFolder);
-    if (load.Run() == LProgressDialog::ResultDone) {
-        AddProjectFiles(load.GetProject(), true);
-        return true;
-    }
-    // Its folder is all that is left of that session: it stays for another try.
-    std::string szWhy = load.GetError();
-    if (!load.IsVersionError() && !load.IsOpenError() && !load.IsMissingAudio())
-        szWhy = "its recovery project is damaged (" + szWhy + ")";
-    if (!szWhy.empty() && szWhy.back() != '.')
-        szWhy += '.';
-    LTRACE("MainDialog::RecoverSession %s: %s", szFolder.c_str(), szWhy.c_str());
-    LUiPrompts::Get().Inform(this, "File Error",
-                             QString("The documents of the last session could not be recovered: %1\n\n"
-                                     "Their files are kept in \"%2\"; Sonitra offers them again at its next start.")
-                                 .arg(QString::fromStdString(szWhy), QString::fromStdString(szFolder)),
-                             LUiPrompts::IconError);
-    return false;
-}
-
 void MainDialog::StartRecovery()
 {
-    const std::string szOwn = LAudioCutTank::Instance().GetWorkingFolder();
-    for (const std::string& szFolder : LRecovery::FindAbandoned(szOwn)) {
-        LRecoveryLock claim;
-        if (!claim.Take(szFolder))
-            continue; // another editor took it first
-        if (RecoverSession(szFolder))
-            LRecovery::Sweep(szFolder);
-    }
-    pRecoveryLock = std::make_unique<LRecoveryLock>();
-    if (!pRecoveryLock->Take(szOwn)) {
-        LTRACE("MainDialog::StartRecovery cannot lock %s", szOwn.c_str());
-        pRecoveryLock.reset();
-        return;
-    }
-    szRecoveryPath = szOwn + LRecovery::kProjectName;
-    WriteRecovery();
+    pRecovery->Start();
 }
 
 void MainDialog::WriteRecovery()
 {
-    if (szRecoveryPath.empty())
-        return;
-    LEdProject project;
-    CollectProject(project);
-    LByteWriter out;
-    // The working folder's own numbers: its segments are the recovery project's audio.
-    auto mapRef = [](uint16_t nTankRef, uint16_t& nStored) {
-        nStored = nTankRef;
-        return true;
-    };
-    std::string szError = "the recovery project cannot be built";
-    if (project.Write(out, mapRef) &&
-        LAtomicFile::Write(szRecoveryPath, out.Bytes(), &szError, LAtomicFile::MakeFolder)) {
-        bRecoveryFailTold = false;
-        return;
-    }
-    LTRACE("MainDialog::WriteRecovery cannot write %s", szRecoveryPath.c_str());
-    if (bRecoveryFailTold)
-        return;
-    bRecoveryFailTold = true;
-    const QString szText = QString::fromStdString(LListFile::SaveFailedMessage(szRecoveryPath, szError));
-    QTimer::singleShot(0, this, [this, szText] {
-        LUiPrompts::Get().Inform(this, "File Error", szText, LUiPrompts::IconWarning);
-    });
-}
-
-void MainDialog::StopRecovery()
-{
-    if (szRecoveryPath.empty())
-        return;
-    LFile::Delete(szRecoveryPath);
-    szRecoveryPath.clear();
-    if (pRecoveryLock) {
-        LFile::Delete(LAudioCutTank::Instance().GetWorkingFolder() + LRecovery::kLockName);
-        pRecoveryLock.reset();
-    }
+    if (pRecovery)
+        pRecovery->Write();
 }
 
 void MainDialog::NoteChange()
