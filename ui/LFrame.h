@@ -35,6 +35,14 @@ public:
     // Brings a file window to the front (restoring it when minimized) and makes it current.
     virtual void ActivateFileWindow(LEdFileWindow* pWindow) = 0;
     virtual void CloseFileWindow(LEdFileWindow* pWindow) = 0;
+    // Asks about every unsaved file, then closes them all; false when the user cancels.
+    virtual bool CloseAllFiles() = 0;
+    // Opens a file as the File menu does (see LFileCommands::LoadFile).
+    virtual bool LoadFileWindow(const std::string& szPath) = 0;
+    // Makes a file window the active one, as a click on it would.
+    virtual void SetActiveFileWindow(LEdFileWindow* pWindow) = 0;
+    // Brings the menus, caption, fields and marks up to the current file after windows changed.
+    virtual void FollowCurrentFile() = 0;
     // "Untitled %d" with the next number.
     virtual std::string NextUntitledName() = 0;
 
@@ -60,6 +68,8 @@ public:
     virtual LCutListAudio& GetClipboardAudio() = 0;
 
     virtual void SetWindowCaption() = 0;
+    // Gives every file window its bookmarks and regions to draw.
+    virtual void UpdateMarks() = 0;
     virtual void UpdateUndoMenuItem() = 0;
     virtual void UpdateMenuStates() = 0;
     virtual void UpdateTimeFields() = 0;

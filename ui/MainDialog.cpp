@@ -17,12 +17,12 @@
 #include "core/LEdFile.h"
 #include "core/LSettings.h"
 #include "core/LTrace.h"
-#include "project/LProjectSegments.h"
 #include "ui/LCdCommands.h"
 #include "ui/LCommandIds.h"
 #include "ui/LControlCommands.h"
 #include "ui/LEditCommands.h"
 #include "ui/LFileCommands.h"
+#include "ui/LProjectCommands.h"
 #include "ui/LCommandRules.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LQtProgressHost.h"
@@ -54,9 +54,12 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     pEdit = pEditCommands.get();
     vControllers.push_back(std::move(pEditCommands));
     vControllers.push_back(std::make_unique<LControlCommands>(*this));
+    auto pProjectCommands = std::make_unique<LProjectCommands>(*this, *pEdit);
+    pProject = pProjectCommands.get();
+    vControllers.push_back(std::move(pProjectCommands));
     pRecovery = std::make_unique<LRecoveryKeeper>(
-        *this, [this](LEdProject& project) { CollectProject(project); },
-        [this](LEdProject& project) { AddProjectFiles(project, true); });
+        *this, [this](LEdProject& project) { pProject->CollectProject(project); },
+        [this](LEdProject& project) { pProject->AddProjectFiles(project, true); });
     auto pCd = std::make_unique<LCdCommands>(*this);
     auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd);
     pFiles = pFileCommands.get();
@@ -235,9 +238,9 @@ LCommandState MainDialog::CommandState() const
     st.bClipboard = pClipboard->GetLength() > 0;
     st.bWindowClipboard = LWindowClipboard::HasWave();
     st.bStereo = pWindow && pWindow->GetFile().GetDocument().GetChannels() == 2;
-    st.bProject = !szProjectPath.empty();
-    st.bBookmarks = !vBookmarks.empty();
-    st.bRegions = !vRegions.empty();
+    st.bProject = !pProject->GetProjectPath().empty();
+    st.bBookmarks = !pProject->GetBookmarks().empty();
+    st.bRegions = !pProject->GetRegions().empty();
     return st;
 }
 
@@ -255,7 +258,7 @@ bool MainDialog::Command(int nId)
         LTRACE("MainDialog::Command %d not available", nId);
         return false;
     }
-    if (CmWindow(nId) || CmEffect(nId) || CmProject(nId))
+    if (CmWindow(nId) || CmEffect(nId))
         return true;
     for (const auto& pController : vControllers)
         if (pController->Command(nId))
@@ -304,7 +307,7 @@ void MainDialog::closeEvent(QCloseEvent* pEvent)
 {
     if (pTransport->IsRecording())
         pTransport->Stop();
-    if (!QueryCloseProject() || !CloseAllFiles()) {
+    if (!pProject->QueryCloseProject() || !CloseAllFiles()) {
         pEvent->ignore();
         return;
     }

@@ -22,12 +22,12 @@
 struct LCommandState;
 class LEdFile;
 class LEdProject;
-class LProjectSegments;
 class LRecoveryKeeper;
 class QDialog;
 class LEdFileWindow;
 class LEditCommands;
 class LFileCommands;
+class LProjectCommands;
 class LQtProgressHostFactory;
 class LTimeFields;
 class LTransport;
@@ -107,33 +107,28 @@ public:
     void UpdateTimeFields() override;
     void OnFileSelectionChanged() override;
 
-    // Projects, bookmarks and regions (MainDialogProject.cpp).
-    // Opens a project in place of the current one; false (the user told why) when it cannot.
+    // Projects, bookmarks and regions: the project controller's, here for the lists and scripts.
     bool OpenProject(const std::string& szPath) override;
-    // Saves everything open as the project at szPath, which becomes the current project.
     bool SaveProjectTo(const std::string& szPath);
-    // Asks "Save changes to current project?" when it has changed; false when the user cancels.
-    bool QueryCloseProject();
     bool CloseProject();
-    const std::string& GetProjectPath() const { return szProjectPath; }
-    std::vector<LEdBookMark>& GetBookmarks() { return vBookmarks; }
-    std::vector<LEdRegion>& GetRegions() { return vRegions; }
-    // Makes the bookmark's (or region's) file current, opening it when needed, and moves there.
+    LCutListAudioPtr AssembleRegions();
+    const std::string& GetProjectPath() const;
+    std::vector<LEdBookMark>& GetBookmarks();
+    std::vector<LEdRegion>& GetRegions();
     bool GoToBookmark(size_t nIndex);
     bool GoToRegion(size_t nIndex);
-    // A bookmark or region changed by a list: its file's bookmark list is saved (a failure is
-    // told once the change has finished).
     void BookmarksChanged(const std::string& szKey);
     void RegionsChanged();
     // Gives every file window its bookmarks and regions to draw.
-    void UpdateMarks();
-    // A new document of the regions marked for it, in order, with "AutoGapTime" ms of silence
-    // between them when "AutoGap" is set; null when there is none.
-    LCutListAudioPtr AssembleRegions();
+    void UpdateMarks() override;
     // What bookmarks and regions call a file: its path, or its name while it has none.
     static std::string FileKey(const LEdFileWindow* pWindow);
     std::string FileKeyOf(const LEdFileWindow* pWindow) const override { return FileKey(pWindow); }
     void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey) override;
+    void SetActiveFileWindow(LEdFileWindow* pWindow) override;
+    void FollowCurrentFile() override;
+    bool LoadFileWindow(const std::string& szPath) override { return LoadFile(szPath); }
+    bool CloseAllFiles() override;
 
     // Recovery after a crash: offers the documents of sessions that ended abnormally, then keeps
     // a recovery project of this one, rewritten after every finished change.
@@ -162,25 +157,11 @@ private:
     bool IsCommandEnabled(int nId, const LCommandState& state) const;
 
     // MainDialogFile.cpp
-    bool CloseAllFiles();
     // Where a new file window goes: inside the area, cascading from the newest window.
     QRect NextChildPlace(QMdiSubWindow* pNew) const;
 
-    // MainDialogProject.cpp
-    bool CmProject(int nId);
-    void CmOpenProject();
-    void CmSaveProject();
-    void CmSaveProjectAs();
-    void CmSetBookmark();
-    void CmAddRegion();
-    void CmAssembleRegions();
-    void CollectProject(LEdProject& project) const;
-    void AddProjectFiles(LEdProject& project, bool bRecovered);
-    void LoadBookmarksFor(LEdFileWindow* pWindow);
-    void ForgetBookmarksOf(LEdFileWindow* pWindow);
-    // Writes the list beside the file; false (the user is told later) when it cannot.
-    bool SaveBookmarksOf(const std::string& szPath);
-    LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
+    // The lists of bookmarks and regions, dialogs of the frame's.
+    void ShowMarkList(int nId);
 
     // The system clipboard's wave data as a file (the effects' paste mix reads it).
     bool RenderFromWindowClipboard(std::string& szPath);
@@ -215,6 +196,7 @@ private:
     std::vector<std::unique_ptr<LCommandController>> vControllers;
     LEditCommands* pEdit = nullptr;
     LFileCommands* pFiles = nullptr;
+    LProjectCommands* pProject = nullptr;
     std::unique_ptr<LQtProgressHostFactory> pProgressFactory;
     QDialog* pHelp = nullptr; // a child of the frame, made when first asked for
     LRecentFiles recent;
@@ -223,13 +205,5 @@ private:
     bool bClosing = false;
     QStringList lstHandedOver;
     bool bLoadingHandedOver = false;
-    std::string szProjectPath;
-    std::unique_ptr<LProjectSegments> pProjectSegments;
-    bool bProjectChanged = false;
-    std::vector<LEdBookMark> vBookmarks;
-    std::vector<LEdRegion> vRegions;
-    std::set<std::string> setBookmarksRead; // files whose bookmark list has been read
-    // Files whose bookmark list was refused (damaged, another version): never written over.
-    std::set<std::string> setBookmarksRefused;
     std::unique_ptr<LRecoveryKeeper> pRecovery;
 };

@@ -12,6 +12,7 @@
 #include "core/LTrace.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LFileCommands.h"
+#include "ui/LProjectCommands.h"
 #include "ui/LTransport.h"
 #include "ui/MainDialog.h"
 
@@ -96,7 +97,7 @@ QRect MainDialog::NextChildPlace(QMdiSubWindow* pNew) const
 void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
 {
     pTransport->ForgetWindow(pWindow);
-    ForgetBookmarksOf(pWindow);
+    pProject->ForgetBookmarksOf(pWindow);
     for (QMdiSubWindow* pSub : pMdi->subWindowList()) {
         if (pSub->widget() != pWindow)
             continue;

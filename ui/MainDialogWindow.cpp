@@ -12,6 +12,7 @@
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LHelpDlg.h"
+#include "ui/LProjectCommands.h"
 #include "ui/LTimeFields.h"
 #include "ui/LTransport.h"
 #include "ui/LUiPrompts.h"
@@ -36,6 +37,8 @@ bool MainDialog::CmWindow(int nId)
     case CmCascadeId: pMdi->cascadeSubWindows(); return true;
     case CmFrequencyAnalysisId: ShowSpectrumWindow(); return true;
     case CmCloseAllId: CloseAllFiles(); return true;
+    case CmBookmarkListId:
+    case CmRegionListId: ShowMarkList(nId); return true;
     case CmTileHorizontalId:
     case CmTileVerticalId: {
         // One window above the other, or side by side.
@@ -96,7 +99,7 @@ void MainDialog::ShowSpectrumWindow()
 void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
 {
     ScheduleWindowMenu();
-    LoadBookmarksFor(GetCurrentFileWindow());
+    pProject->LoadBookmarksFor(GetCurrentFileWindow());
     UpdateMarks();
     SetWindowCaption();
     UpdateMenuStates();
@@ -110,10 +113,10 @@ void MainDialog::UpdateMarks()
     for (LEdFileWindow* pWindow : GetFileWindows()) {
         const std::string szKey = FileKey(pWindow);
         std::vector<LWaveMark> v;
-        for (const LEdRegion& r : vRegions)
+        for (const LEdRegion& r : pProject->GetRegions())
             if (r.GetPath() == szKey)
                 v.push_back({r.sStart, r.sEnd, QString::fromStdString(r.GetName()), true});
-        for (const LEdBookMark& b : vBookmarks)
+        for (const LEdBookMark& b : pProject->GetBookmarks())
             if (b.GetPath() == szKey)
                 v.push_back({b.sPosition, b.sPosition, QString::fromStdString(b.GetName()), false});
         pWindow->SetMarks(v);
