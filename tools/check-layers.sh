@@ -4,9 +4,9 @@
 #   engine folders (core, work, formats, dsp, devices, project, lists, cd, platform/engine, platform/audio) never
 #   include Qt, ui/, app/, cli/ or platform/qtcore/; core/ builds on the standard library only and work/ on core/;
 #   formats/ and dsp/ never each other; formats/ may start other programs through platform/engine/ but uses no
-#   other platform code; devices/ never platform/ (backends register themselves) nor formats/ nor dsp/ (the
-#   limiter is reached through core/); project/ builds on core/ and work/; lists/ never reaches a device, a disc
-#   or the platform; cd/ (the compact disc) only core/, work/ and platform/engine/.
+#   other platform code; devices/ never platform/ (backends register themselves) nor formats/, and reaches the
+#   peak limiter through core/; project/ builds on core/ and work/; lists/ never reaches a device, a disc or
+#   the platform; cd/ (the compact disc) only core/, work/ and platform/engine/.
 # A folder here is a top-level folder, or one of platform/'s parts; a new top-level folder of sources must be
 # given its layer below before it passes.
 # usage: tools/check-layers.sh [SOURCE_ROOT]
@@ -39,7 +39,8 @@ forbid core 'work/|formats/|dsp/|devices/|project/|lists/|cd/|platform/' "core/ 
 forbid work 'formats/|dsp/|devices/|project/|lists/|cd/|platform/' "work/ builds on the standard library and core/ only"
 forbid formats 'dsp/|devices/|project/|lists/|cd/|platform/audio/|platform/qtcore/' "formats/ never includes dsp/, devices/, project/, lists/, cd/ or platform/ beyond its engine part"
 forbid dsp 'formats/|devices/|project/|lists/|cd/|platform/' "dsp/ never includes formats/, devices/, project/, lists/, cd/ or platform/"
-forbid devices 'platform/|formats/|dsp/|project/|lists/|cd/' "devices/ builds on core/ and work/ only (a backend registers itself, the limiter comes through core/)"
+forbid devices 'platform/|formats/|project/|lists/|cd/' "devices/ never includes platform/ (a backend registers itself), formats/, project/, lists/ or cd/"
+forbid devices 'dsp/LSRCPeakLimit' "devices/ reaches the peak limiter through core/LSoundLimiter"
 forbid project 'formats/|dsp/|devices/|lists/|cd/|platform/' "project/ builds on core/ and work/ only"
 forbid lists 'devices/|cd/|platform/' "lists/ never includes devices/, cd/ or platform/"
 forbid cd 'formats/|dsp/|devices/|project/|lists/' "cd/ builds on core/, work/ and platform/engine/ only"
