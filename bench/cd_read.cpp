@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cd/LCdDevice.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LSettings.h"
 
 int main(int argc, char** argv)

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "core/LAudioCutTank.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LSettings.h"
 #include "formats/LAudioFile.h"
 

@@ -26,7 +26,7 @@
 
 #include "core/LAudioCutTank.h"
 #include "core/LCutListAudio.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LSNKSegmentWriter.h"
 #include "core/LSettings.h"
 #include "dsp/effects/LEffectRunner.h"

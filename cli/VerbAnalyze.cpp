@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "cli/LCliArgs.h"
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
 #include "dsp/LSpectrum.h"
 #include "formats/LAudioFile.h"
@@ -80,12 +81,9 @@ int RunAnalyze(const std::vector<std::string>& vArgs)
             vArgs, opt.szFile, [&](const std::string& n, const std::string& v) { return TakeOption(opt, n, v); }, Usage,
             "needs exactly one file"))
         return CliUsage;
-    std::string szError;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(opt.szFile, &szError);
-    if (pSource->IsError()) {
-        LCliError(opt.szFile + ": " + szError);
+    LSoundSourcePtr pSource = LCliOpenSound(opt.szFile);
+    if (!pSource)
         return CliError;
-    }
     const int32_t nLength = pSource->GetLength();
     if (!opt.bRange) {
         opt.sStart = 0;

@@ -5,6 +5,7 @@
 
 #include "cli/LCliArgs.h"
 #include "cli/LCliCd.h"
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
 #include "cd/LCdImageWriter.h"
 #include "formats/LAudioFile.h"
@@ -132,11 +133,9 @@ int LCliCdBurn(const std::vector<std::string>& vArgs)
     }
     std::vector<LCdSourceItem> vItems;
     for (const std::string& szFile : vFiles) {
-        LSoundSourcePtr pSource = LAudioFile::OpenSource(szFile, &szError);
-        if (pSource->IsError()) {
-            LCliError("cd burn: " + szFile + ": " + szError);
+        LSoundSourcePtr pSource = LCliOpenSound(szFile, nullptr, "cd burn");
+        if (!pSource)
             return CliError;
-        }
         vItems.push_back({pSource, std::filesystem::path(szFile).stem().string(), ""});
     }
     LCdImageWriter writer(vItems, opt.szAlbum, "", static_cast<int32_t>(static_cast<int64_t>(opt.nGapMs) * 75 / 1000));

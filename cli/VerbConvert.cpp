@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
 #include "core/LSRCLimitLength.h"
 #include "formats/LAudioFile.h"
@@ -189,13 +190,10 @@ int RunConvert(const std::vector<std::string>& vArgs)
     Options opt;
     if (!ParseArgs(vArgs, opt))
         return CliUsage;
-    std::string szError;
     LAudioFileDetails details;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(opt.szIn, &szError, &details);
-    if (pSource->IsError()) {
-        LCliError(opt.szIn + ": " + szError);
+    LSoundSourcePtr pSource = LCliOpenSound(opt.szIn, &details);
+    if (!pSource)
         return CliError;
-    }
     // The output keeps the input's encoding where its format has it, unless asked otherwise.
     LAudioEncoding encoding = details.encoding;
     // A format record read from IN holds its rate and channels; asked for others, only its kind stays.

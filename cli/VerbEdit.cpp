@@ -6,8 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LEdCommands.h"
 #include "core/LEdFile.h"
 #include "core/LSoundTime.h"
@@ -282,13 +283,10 @@ int ReportResult(int32_t nResult, const std::string& szWhat, const std::string& 
 
 int Load(const Options& opt, LEdFile& file, LAudioEncoding& encoding)
 {
-    std::string szError;
     LAudioFileDetails details;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(opt.szIn, &szError, &details);
-    if (pSource->IsError()) {
-        LCliError(opt.szIn + ": " + szError);
+    LSoundSourcePtr pSource = LCliOpenSound(opt.szIn, &details);
+    if (!pSource)
         return CliError;
-    }
     encoding = details.encoding;
     LCutListAudioLoadSource load("Loading " + opt.szIn, file.GetDocumentPtr().Get(), pSource.Get());
     return ReportResult(load.Run(), "loading " + opt.szIn, "");

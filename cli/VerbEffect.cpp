@@ -5,7 +5,7 @@
 
 #include "cli/LCliVerb.h"
 #include "core/LCutListAudio.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "dsp/CompressorRatioList.h"
 #include "dsp/effects/LCurveFile.h"
 #include "dsp/effects/LEffectRunner.h"

@@ -1,6 +1,7 @@
 // sonitra-cli info FILE...: one line per file with its format, rate, channels and length.
 #include <cstdio>
 
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 #include "formats/LAudioFile.h"
@@ -17,13 +18,10 @@ const char kUsage[] =
 
 bool PrintInfo(const std::string& szPath)
 {
-    std::string szError;
     LAudioFileDetails details;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(szPath, &szError, &details);
-    if (pSource->IsError()) {
-        LCliError(szPath + ": " + szError);
+    LSoundSourcePtr pSource = LCliOpenSound(szPath, &details);
+    if (!pSource)
         return false;
-    }
     LSoundTime length;
     length.SetSamples(pSource->GetLength(), pSource->GetSampleRate());
     const int nChans = pSource->GetChannels();

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "cli/LCliArgs.h"
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 #include "devices/LSoundPlayer.h"
@@ -118,12 +119,9 @@ int RunPlay(const std::vector<std::string>& vArgs)
     Options opt;
     if (!ParseArgs(vArgs, opt))
         return CliUsage;
-    std::string szError;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(opt.szFile, &szError);
-    if (pSource->IsError()) {
-        LCliError(opt.szFile + ": " + szError);
+    LSoundSourcePtr pSource = LCliOpenSound(opt.szFile);
+    if (!pSource)
         return CliError;
-    }
     const int32_t nRate = pSource->GetSampleRate();
     const int32_t sFrom = LSoundTime::MsToSamples(opt.nFromMs, nRate);
     if (sFrom > pSource->GetLength()) {

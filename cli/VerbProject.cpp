@@ -4,8 +4,9 @@
 #include <filesystem>
 
 #include "cli/LCliArgs.h"
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LFile.h"
 #include "core/LSoundTime.h"
 #include "formats/LAudioFile.h"
@@ -96,13 +97,10 @@ int RunNew(const std::vector<std::string>& vArgs)
 
     LEdProject project;
     for (const std::string& szFile : vFiles) {
-        std::string szError;
         LAudioFileDetails details;
-        LSoundSourcePtr pSource = LAudioFile::OpenSource(szFile, &szError, &details);
-        if (pSource->IsError()) {
-            LCliError(szFile + ": " + szError);
+        LSoundSourcePtr pSource = LCliOpenSound(szFile, &details);
+        if (!pSource)
             return CliError;
-        }
         LEdProjectFile f;
         f.pDoc = new LCutListAudio;
         LCutListAudioLoadSource load("Loading file " + LFile::FileNameOf(szFile), f.pDoc.Get(), pSource.Get());

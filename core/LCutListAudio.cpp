@@ -259,7 +259,7 @@ void LCutListAudio::EfAmplifyAll(int32_t nPercent)
 
 LSoundSourcePtr LCutListAudio::OpenSource() const
 {
-    return LSoundSourcePtr(new LCutListAudioSource(*this));
+    return LSoundSourcePtr(new LCutListAudioSource(GetCuts(), nSampleRate, nChans, GetLength()));
 }
 
 LSoundSourcePtr LCutListAudio::OpenSource(int32_t sStart, int32_t sEnd) const

@@ -5,15 +5,15 @@
 #include <climits>
 
 #include "core/LAudioCutTank.h"
-#include "core/LCutListAudio.h"
 #include "core/LFixed.h"
 #include "core/LTrace.h"
 
-LCutListAudioSource::LCutListAudioSource(const LCutListAudio& doc)
-    : LSoundSourceBase(doc.GetSampleRate(), doc.GetChannels(), kMaxAmplitude),
-      lstCuts(doc.GetCuts()),
+LCutListAudioSource::LCutListAudioSource(const LList<LAudioCut>& lstList, int32_t nSampleRate, uint8_t nChannels,
+                                         int32_t sTotal)
+    : LSoundSourceBase(nSampleRate, nChannels, kMaxAmplitude),
+      lstCuts(lstList),
       itNext(lstCuts),
-      sLength(doc.GetLength())
+      sLength(sTotal)
 {
 }
 

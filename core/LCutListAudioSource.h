@@ -8,14 +8,13 @@
 #include "core/LList.h"
 #include "core/LSoundSourceBase.h"
 
-class LCutListAudio;
-
 class LCutListAudioSource : public LSoundSourceBase
 {
 public:
     static constexpr int32_t kMaxAmplitude = 0x200000;
 
-    explicit LCutListAudioSource(const LCutListAudio& doc);
+    // A cut list of the given rate and channel count, sLength frames long in all.
+    LCutListAudioSource(const LList<LAudioCut>& lstCuts, int32_t nSampleRate, uint8_t nChans, int32_t sLength);
 
     // Before 0, past the end, in silent cuts and in unreadable segments the frames are zeros.
     void Read(int32_t* pBuffer, int32_t nFrames) override;

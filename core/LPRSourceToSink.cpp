@@ -8,16 +8,6 @@
 #include "core/LSoundLimiter.h"
 #include "core/LTrace.h"
 
-LPRSourceToSink::LPRSourceToSink(const std::string& szTitle, LSoundSourceBase* pSrc, LSoundSinkBase* pSnk)
-    : LProgressDialog(szTitle), szPumpTitle(szTitle), pSource(pSrc), pSink(pSnk)
-{
-}
-
-int32_t LPRSourceToSink::Process()
-{
-    return Pump(*this, szPumpTitle, pSource.Get(), pSink.Get());
-}
-
 LSoundSourcePtr LPRSourceToSink::Adapt(LSoundSourceBase* pSrc, int32_t nTargetRate, uint8_t nTargetChans)
 {
     LSoundSourcePtr p(pSrc);
@@ -39,11 +29,11 @@ namespace {
 int32_t SinkFailed()
 {
     LTRACE("LPRSourceToSink::Process Sink Write Error");
-    return LProgressDialog::ResultError;
+    return LProgressReport::ResultError;
 }
 } // namespace
 
-int32_t LPRSourceToSink::Pump(LProgressDialog& dlg, const std::string& szTitle, LSoundSourceBase* pSrc, LSoundSinkBase* pSnk)
+int32_t LPRSourceToSink::Pump(LProgressReport& dlg, const std::string& szTitle, LSoundSourceBase* pSrc, LSoundSinkBase* pSnk)
 {
     dlg.SetText(szTitle, 0);
     dlg.SetText("Please wait...", 1);
@@ -52,11 +42,11 @@ int32_t LPRSourceToSink::Pump(LProgressDialog& dlg, const std::string& szTitle, 
     LSoundSinkPtr pSinkHold(pSnk);
     if (!pSrc || pSrc->IsError()) {
         LTRACE("LPRSourceToSink::Process Source Error");
-        return ResultError;
+        return LProgressReport::ResultError;
     }
     if (!pSnk || pSnk->IsError()) {
         LTRACE("LPRSourceToSink::Process Sink Error");
-        return ResultError;
+        return LProgressReport::ResultError;
     }
     LSoundSourcePtr pIn = Adapt(pSrc, pSnk->GetSampleRate(), pSnk->GetChannels());
     double fTotal = pIn->GetLength();
@@ -65,7 +55,7 @@ int32_t LPRSourceToSink::Pump(LProgressDialog& dlg, const std::string& szTitle, 
     std::vector<int32_t> vBuffer(static_cast<size_t>(kBlockFrames) * pIn->GetChannels());
     while (true) {
         if (dlg.IsCancelled())
-            return ResultCancelled;
+            return LProgressReport::ResultCancelled;
         pIn->Read(vBuffer.data(), kBlockFrames);
         const int64_t sPos = pIn->GetPosition();
         const int64_t sLen = pIn->GetLength();
@@ -73,7 +63,7 @@ int32_t LPRSourceToSink::Pump(LProgressDialog& dlg, const std::string& szTitle, 
             const int64_t nValid = kBlockFrames - (sPos - sLen);
             if (nValid >= 1 && nValid <= kBlockFrames)
                 pSnk->Write(vBuffer.data(), static_cast<int32_t>(nValid));
-            return pSnk->IsError() ? SinkFailed() : ResultDone;
+            return pSnk->IsError() ? SinkFailed() : LProgressReport::ResultDone;
         }
         pSnk->Write(vBuffer.data(), kBlockFrames);
         // Converting the rest into a sink that no longer takes it would only waste the time.

@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "core/LFixed.h"
+#include "core/LSoundLimiter.h"
 #include "core/LTrace.h"
-#include "dsp/LSRCPeakLimit.h"
 #include "work/LThreadPriority.h"
 
 namespace {
@@ -105,7 +105,7 @@ bool LSoundPlayer::Start(LSoundSourceBase* pNewSource, uint32_t nFlags)
         return false;
     }
     if (pSrc->GetMaxAmplitude() > kFullScale16) {
-        pSrc = new LSRCPeakLimit(pSrc.Get(), kFullScale16);
+        pSrc = LSoundLimiter::Wrap(pSrc.Get(), kFullScale16);
         if (pSrc->IsError()) {
             LTRACE("LSoundPlayer::Start Limiter Error");
             return false;

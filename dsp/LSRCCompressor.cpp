@@ -30,7 +30,7 @@ int32_t Divide(int64_t nNum, int64_t nDen)
 
 LSRCCompressor::LSRCCompressor(LSoundSourceBase* pIn, int32_t nThresholdDb, double fFactorPerDb, int32_t nBlockMs,
                                int32_t nLimitDb)
-    : LSoundSourceBase(pIn->GetSampleRate(), pIn->GetChannels(), pIn->GetMaxAmplitude()), pInput(pIn),
+    : LSRCBlockOutput(pIn->GetSampleRate(), pIn->GetChannels(), pIn->GetMaxAmplitude()), pInput(pIn),
       aGains(BuildGainTable(nThresholdDb, fFactorPerDb, nLimitDb)), nBlock(BlockFrames(nBlockMs, pIn->GetSampleRate())),
       vCurrent(static_cast<size_t>(nBlock) * nChans), vNext(static_cast<size_t>(nBlock) * nChans)
 {
@@ -133,25 +133,10 @@ void LSRCCompressor::CopyWithGain(const int32_t* pIn, int32_t* pOut, int32_t nFr
     nGain = LApplyGainRamp(pIn, pOut, nFrames, nChans, nGain, nSlope);
 }
 
-void LSRCCompressor::Read(int32_t* pBuffer, int32_t nFrames)
+void LSRCCompressor::HandOut(int32_t* pOut, int32_t nFrames)
 {
-    if (nFrames <= 0)
-        return;
-    if (IsError()) {
-        LZeroFrames(pBuffer, nFrames, nChans);
-        sPosition += nFrames;
-        return;
-    }
-    while (nFrames > 0) {
-        if (nOutPos == nBlock)
-            NextBlock();
-        const int32_t n = std::min(nFrames, nBlock - nOutPos);
-        CopyWithGain(vCurrent.data() + static_cast<size_t>(nOutPos) * nChans, pBuffer, n);
-        nOutPos += n;
-        sPosition += n;
-        pBuffer += static_cast<size_t>(n) * nChans;
-        nFrames -= n;
-    }
+    CopyWithGain(vCurrent.data() + static_cast<size_t>(nOutPos) * nChans, pOut, nFrames);
+    nOutPos += nFrames;
 }
 
 void LSRCCompressor::SetPosition(int32_t sNewPosition)

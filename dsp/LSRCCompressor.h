@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/LSoundSourceBase.h"
+#include "dsp/LSRCBlockOutput.h"
 
-class LSRCCompressor : public LSoundSourceBase
+class LSRCCompressor : public LSRCBlockOutput
 {
 public:
     static constexpr int32_t kMinBlockFrames = 128;
@@ -20,8 +20,6 @@ public:
     LSRCCompressor(LSoundSourceBase* pInput, int32_t nThresholdDb, double fFactorPerDb, int32_t nBlockMs,
                    int32_t nLimitDb);
 
-    void Read(int32_t* pBuffer, int32_t nFrames) override;
-    int32_t GetPosition() override { return sPosition; }
     int32_t GetLength() override { return pInput->GetLength(); }
     void SetPosition(int32_t sNewPosition) override;
 
@@ -40,7 +38,9 @@ public:
 
 private:
     void Prime();
-    void NextBlock();
+    int32_t FramesLeftInBlock() const override { return nBlock - nOutPos; }
+    void NextBlock() override;
+    void HandOut(int32_t* pOut, int32_t nFrames) override;
     int32_t ReadBlockTarget(std::vector<int32_t>& vBlock);
     void AimAt(int32_t nTarget, int32_t nPreviousTarget);
     void CopyWithGain(const int32_t* pIn, int32_t* pOut, int32_t nFrames);
@@ -55,5 +55,4 @@ private:
     int32_t nNextTarget = 0;
     int32_t nGain = 0;
     int32_t nSlope = 0;
-    int32_t sPosition = 0;
 };

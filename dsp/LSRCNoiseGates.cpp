@@ -124,14 +124,14 @@ void LSRCNoiseGates::Impl::Mix(int32_t* pOut, int32_t nFrames)
 }
 
 LSRCNoiseGates::LSRCNoiseGates(LSoundSourceBase* pIn, int32_t nGateLevelDb)
-    : LSoundSourceBase(pIn->GetSampleRate(), pIn->GetChannels(), pIn->GetMaxAmplitude()), pInput(pIn)
+    : LSRCBlockOutput(pIn->GetSampleRate(), pIn->GetChannels(), pIn->GetMaxAmplitude()), pInput(pIn)
 {
     const int8_t n = static_cast<int8_t>(std::clamp(nGateLevelDb, -128, 127));
     Init({n, n, n, n});
 }
 
 LSRCNoiseGates::LSRCNoiseGates(LSoundSourceBase* pIn, const std::array<int8_t, kSections>& anLevelsDb)
-    : LSoundSourceBase(pIn->GetSampleRate(), pIn->GetChannels(), pIn->GetMaxAmplitude()), pInput(pIn)
+    : LSRCBlockOutput(pIn->GetSampleRate(), pIn->GetChannels(), pIn->GetMaxAmplitude()), pInput(pIn)
 {
     Init(anLevelsDb);
 }
@@ -165,27 +165,25 @@ int32_t LSRCNoiseGates::GetBlockFrames() const
     return pImpl->nBlock;
 }
 
-void LSRCNoiseGates::Read(int32_t* pBuffer, int32_t nFrames)
+void LSRCNoiseGates::BeforeRead()
 {
-    if (nFrames <= 0)
-        return;
-    if (IsError()) {
-        LZeroFrames(pBuffer, nFrames, nChans);
-        sPosition += nFrames;
-        return;
-    }
-    Impl& im = *pImpl;
-    if (im.bRestart)
-        im.Restart(pInput.Get());
-    while (nFrames > 0) {
-        if (im.nOutPos == im.nBlock)
-            im.Advance(pInput.Get());
-        const int32_t n = std::min(nFrames, im.nBlock - im.nOutPos);
-        im.Mix(pBuffer, n);
-        sPosition += n;
-        pBuffer += static_cast<size_t>(n) * nChans;
-        nFrames -= n;
-    }
+    if (pImpl->bRestart)
+        pImpl->Restart(pInput.Get());
+}
+
+int32_t LSRCNoiseGates::FramesLeftInBlock() const
+{
+    return pImpl->nBlock - pImpl->nOutPos;
+}
+
+void LSRCNoiseGates::NextBlock()
+{
+    pImpl->Advance(pInput.Get());
+}
+
+void LSRCNoiseGates::HandOut(int32_t* pOut, int32_t nFrames)
+{
+    pImpl->Mix(pOut, nFrames);
 }
 
 void LSRCNoiseGates::SetPosition(int32_t sNewPosition)

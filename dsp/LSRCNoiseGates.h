@@ -9,9 +9,9 @@
 #include <memory>
 #include <vector>
 
-#include "core/LSoundSourceBase.h"
+#include "dsp/LSRCBlockOutput.h"
 
-class LSRCNoiseGates : public LSoundSourceBase
+class LSRCNoiseGates : public LSRCBlockOutput
 {
 public:
     static constexpr int32_t kSections = 4; // one-pole low-passes at 50, 400, 1100 and 2600 Hz
@@ -27,8 +27,6 @@ public:
     ~LSRCNoiseGates() override;
     int32_t GetBlockFrames() const;
 
-    void Read(int32_t* pBuffer, int32_t nFrames) override;
-    int32_t GetPosition() override { return sPosition; }
     int32_t GetLength() override { return pInput->GetLength(); }
     void SetPosition(int32_t sNewPosition) override;
 
@@ -42,8 +40,11 @@ public:
 private:
     struct Impl;
     void Init(const std::array<int8_t, kSections>& anLevelsDb);
+    void BeforeRead() override;
+    int32_t FramesLeftInBlock() const override;
+    void NextBlock() override;
+    void HandOut(int32_t* pOut, int32_t nFrames) override;
 
     LSoundSourcePtr pInput;
     std::unique_ptr<Impl> pImpl;
-    int32_t sPosition = 0;
 };

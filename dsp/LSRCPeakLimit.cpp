@@ -8,7 +8,7 @@
 #include "core/LTrace.h"
 
 LSRCPeakLimit::LSRCPeakLimit(LSoundSourceBase* pIn, int32_t nLim)
-    : LSoundSourceBase(pIn->GetSampleRate(), pIn->GetChannels(), std::clamp(nLim, 0, kMaxLimit)), pInput(pIn),
+    : LSRCBlockOutput(pIn->GetSampleRate(), pIn->GetChannels(), std::clamp(nLim, 0, kMaxLimit)), pInput(pIn),
       nLimit(std::clamp(nLim, 0, kMaxLimit)), nBlock(BlockFrames(nSampleRate)),
       vOut(static_cast<size_t>(nBlock) * nChans), vNext(vOut.size()), vNewest(vOut.size())
 {
@@ -93,27 +93,16 @@ void LSRCPeakLimit::CopyWithGain(const int32_t* pIn, int32_t* pOut, int32_t nFra
     nGain = LApplyGainRamp(pIn, pOut, nFrames, nChans, nGain, nDelta);
 }
 
-void LSRCPeakLimit::Read(int32_t* pBuffer, int32_t nFrames)
+void LSRCPeakLimit::BeforeRead()
 {
-    if (nFrames <= 0)
-        return;
-    if (IsError()) {
-        LZeroFrames(pBuffer, nFrames, nChans);
-        sPosition += nFrames;
-        return;
-    }
     if (bRestart)
         Restart();
-    while (nFrames > 0) {
-        if (nOutPos == nBlock)
-            NextBlock();
-        const int32_t n = std::min(nFrames, nBlock - nOutPos);
-        CopyWithGain(vOut.data() + static_cast<size_t>(nOutPos) * nChans, pBuffer, n);
-        nOutPos += n;
-        sPosition += n;
-        pBuffer += static_cast<size_t>(n) * nChans;
-        nFrames -= n;
-    }
+}
+
+void LSRCPeakLimit::HandOut(int32_t* pOut, int32_t nFrames)
+{
+    CopyWithGain(vOut.data() + static_cast<size_t>(nOutPos) * nChans, pOut, nFrames);
+    nOutPos += nFrames;
 }
 
 void LSRCPeakLimit::SetPosition(int32_t sNewPosition)

@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/LSoundSourceBase.h"
+#include "dsp/LSRCBlockOutput.h"
 
-class LSRCPeakLimit : public LSoundSourceBase
+class LSRCPeakLimit : public LSRCBlockOutput
 {
 public:
     static constexpr int32_t kMaxLimit = 0x3FFFFF;
@@ -20,8 +20,6 @@ public:
     // nLimit is capped at kMaxLimit; it is also the source's maximum amplitude.
     LSRCPeakLimit(LSoundSourceBase* pInput, int32_t nLimit);
 
-    void Read(int32_t* pBuffer, int32_t nFrames) override;
-    int32_t GetPosition() override { return sPosition; }
     int32_t GetLength() override { return pInput->GetLength(); }
     int32_t GetLengthInFile() override { return pInput->GetLengthInFile(); }
     void SetPosition(int32_t sNewPosition) override;
@@ -34,7 +32,10 @@ public:
 
 private:
     void Restart();
-    void NextBlock();
+    void BeforeRead() override;
+    int32_t FramesLeftInBlock() const override { return nBlock - nOutPos; }
+    void NextBlock() override;
+    void HandOut(int32_t* pOut, int32_t nFrames) override;
     int32_t ReadBlock(std::vector<int32_t>& vBlock);
     void AimAtTarget();
     void CopyWithGain(const int32_t* pIn, int32_t* pOut, int32_t nFrames);
@@ -49,6 +50,5 @@ private:
     int32_t nGain = 0;  // applied to the next frame
     int32_t nDelta = 0; // added to the gain after each frame
     int32_t nOutPos = 0;
-    int32_t sPosition = 0;
     bool bRestart = true;
 };

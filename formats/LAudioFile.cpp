@@ -127,33 +127,33 @@ int32_t FinishSave(int32_t nResult, LSoundSinkPtr& pSink, const std::string& szP
     const bool bWritten = pSink->Complete() && !pSink->IsError();
     const std::string szSinkError = pSink->GetErrorText();
     pSink.Reset();
-    if (nResult == LProgressDialog::ResultCancelled) {
+    if (nResult == LProgressReport::ResultCancelled) {
         SetReason(pszError, "cancelled");
     } else if (!bWritten) {
         SetReason(pszError, szSinkError.empty() ? SystemReason("writing the file failed")
                                                 : "writing the file failed: " + szSinkError);
-        nResult = LProgressDialog::ResultError;
-    } else if (nResult == LProgressDialog::ResultDone && !LFile::Exists(szPart)) {
+        nResult = LProgressReport::ResultError;
+    } else if (nResult == LProgressReport::ResultDone && !LFile::Exists(szPart)) {
         // A writer that runs another program (an encoder) may learn only at the end that it failed.
         SetReason(pszError, "the file was not written (the encoder failed)");
-        nResult = LProgressDialog::ResultError;
-    } else if (nResult != LProgressDialog::ResultDone) {
+        nResult = LProgressReport::ResultError;
+    } else if (nResult != LProgressReport::ResultDone) {
         SetReason(pszError, "the sound could not be read");
     }
-    if (nResult == LProgressDialog::ResultDone && !SyncPart(szPart, pszError))
-        nResult = LProgressDialog::ResultError;
-    if (nResult == LProgressDialog::ResultDone && !LFile::Rename(szPart, szPath)) {
+    if (nResult == LProgressReport::ResultDone && !SyncPart(szPart, pszError))
+        nResult = LProgressReport::ResultError;
+    if (nResult == LProgressReport::ResultDone && !LFile::Rename(szPart, szPath)) {
         SetReason(pszError, SystemReason("cannot replace the file"));
-        nResult = LProgressDialog::ResultError;
+        nResult = LProgressReport::ResultError;
     }
-    if (nResult != LProgressDialog::ResultDone) {
+    if (nResult != LProgressReport::ResultDone) {
         LFile::Delete(szPart);
         return nResult;
     }
     if (!LFile::SyncFolder(LFile::FolderOf(szPath))) {
         // The new file is in place but may not survive a crash: the document stays unsaved.
         SetReason(pszError, SystemReason("the file was written but its folder could not be flushed"));
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     }
     return nResult;
 }
@@ -209,7 +209,7 @@ LSoundSinkPtr LAudioFile::OpenSink(const std::string& szPath, int32_t nSampleRat
     return pFormat->OpenSink(szPath, nSampleRate, nChans, EncodingFor(*pFormat, encoding), pszError);
 }
 
-int32_t LAudioFile::Save(LProgressDialog& dlg, const std::string& szTitle, LSoundSourceBase* pSource,
+int32_t LAudioFile::Save(LProgressReport& dlg, const std::string& szTitle, LSoundSourceBase* pSource,
                          const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                          const LAudioEncoding& encoding, std::string* pszError)
 {
@@ -217,29 +217,29 @@ int32_t LAudioFile::Save(LProgressDialog& dlg, const std::string& szTitle, LSoun
     LFile::ClearLastError();
     if (!pSource || pSource->IsError()) {
         SetReason(pszError, "the sound to save cannot be read");
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     }
     const LAudioFormat* pFormat = FormatToWrite(szPath, pszError);
     if (!pFormat)
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     const LAudioEncoding use = EncodingFor(*pFormat, encoding);
     pFormat->FitShape(use, nSampleRate, nChans);
     if (!CheckSinkShape(*pFormat, nSampleRate, nChans, pszError))
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     if (pSource->GetChannels() != nChans && !LSRCConvertChannels::CanConvert(pSource->GetChannels(), nChans)) {
         SetReason(pszError, "cannot convert " + std::to_string(pSource->GetChannels()) + " channels to " +
                                 std::to_string(nChans));
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     }
     std::string szPart;
     if (!PartPathFor(szPath, szPart)) {
         SetReason(pszError, "the path is too long");
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     }
     LSoundSinkPtr pSink = pFormat->OpenSink(szPart, nSampleRate, nChans, use, pszError);
     if (!pSink) {
         LFile::Delete(szPart);
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     }
     // Frames at the sink's rate; a little more than the converters give is no harm.
     const int64_t nSourceRate = std::max(pSource->GetSampleRate(), 1);

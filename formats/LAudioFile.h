@@ -10,7 +10,7 @@
 #include "core/LSoundSourceBase.h"
 
 class LAudioFormat;
-class LProgressDialog;
+class LProgressReport;
 
 // How a file is to be written: one of its format's encodings, with that encoding's settings.
 struct LAudioEncoding
@@ -53,7 +53,7 @@ public:
     // only some rates or channel counts gets the nearest it holds. The file is written beside the
     // target and renamed over it only when complete, so a failed or cancelled save leaves any old
     // file intact. Returns 0 done, 1 cancelled, 2 error.
-    static int32_t Save(LProgressDialog& dlg, const std::string& szTitle, LSoundSourceBase* pSource,
+    static int32_t Save(LProgressReport& dlg, const std::string& szTitle, LSoundSourceBase* pSource,
                         const std::string& szPath, int32_t nSampleRate, uint8_t nChans,
                         const LAudioEncoding& encoding, std::string* pszError = nullptr);
 };

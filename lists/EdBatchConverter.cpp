@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "core/LCutListAudio.h"
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LFile.h"
 #include "core/LTrace.h"
 #include "dsp/effects/LEffectRunner.h"

@@ -14,8 +14,8 @@
 #include "devices/LSoundPlayer.h"
 #include "devices/LSoundRecorder.h"
 #include "ui/LEdFileWindow.h"
+#include "ui/LFrame.h"
 #include "ui/LUiPrompts.h"
-#include "ui/MainDialog.h"
 #include "ui/NewWavDlg.h"
 
 namespace {
@@ -53,7 +53,7 @@ enum Resume
 
 struct LTransport::Impl : public LSoundPlayerNotify, public LSoundRecorderNotify
 {
-    Impl(LTransport& owner, MainDialog& frame) : owner(owner), frame(frame)
+    Impl(LTransport& owner, LFrame& frame) : owner(owner), frame(frame)
     {
         player.SetNotify(this, 0);
         recorder.SetNotify(this, 0);
@@ -122,7 +122,7 @@ struct LTransport::Impl : public LSoundPlayerNotify, public LSoundRecorderNotify
         player.SetDevice(Device());
         if (player.Start(pSource, 0))
             return true;
-        LUiPrompts::Get().Inform(&frame, "Sonitra", kPlayerDeviceText, LUiPrompts::IconInformation);
+        LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", kPlayerDeviceText, LUiPrompts::IconInformation);
         nMode = ModeIdle;
         pShuttle = nullptr;
         return false;
@@ -168,8 +168,8 @@ struct LTransport::Impl : public LSoundPlayerNotify, public LSoundRecorderNotify
         const bool bWritten = !pWriter || pWriter->Complete();
         pWriter.Reset();
         if (!bWritten)
-            QTimer::singleShot(0, &frame, [this] {
-                LUiPrompts::Get().Inform(&frame, "File Error", kRecordingNotWrittenText, LUiPrompts::IconError);
+            QTimer::singleShot(0, frame.GetWidget(), [this] {
+                LUiPrompts::Get().Inform(frame.GetWidget(), "File Error", kRecordingNotWrittenText, LUiPrompts::IconError);
             });
         LCutListAudioPtr pTake = pRecordDoc;
         pRecordDoc.Reset();
@@ -188,7 +188,7 @@ struct LTransport::Impl : public LSoundPlayerNotify, public LSoundRecorderNotify
     }
 
     LTransport& owner;
-    MainDialog& frame;
+    LFrame& frame;
     LSoundPlayer player;
     LSoundRecorder recorder;
     QPointer<LEdFileWindow> pWindow;
@@ -203,7 +203,7 @@ struct LTransport::Impl : public LSoundPlayerNotify, public LSoundRecorderNotify
     bool bRecordOver = false;
 };
 
-LTransport::LTransport(MainDialog& frame) : p(std::make_unique<Impl>(*this, frame)) {}
+LTransport::LTransport(LFrame& frame) : p(std::make_unique<Impl>(*this, frame)) {}
 
 LTransport::~LTransport() = default;
 
@@ -348,7 +348,7 @@ void LTransport::Record()
     if (!pWindow) {
         int32_t nRate = 44100;
         int nChans = 2;
-        if (!NewWavDlg::ChooseFormat(&p->frame, nRate, nChans))
+        if (!NewWavDlg::ChooseFormat(p->frame.GetWidget(), nRate, nChans))
             return;
         auto pFile = std::make_unique<LEdFile>();
         pFile->GetDocument().SetFormat(nRate, static_cast<uint8_t>(nChans));
@@ -368,7 +368,7 @@ void LTransport::Record()
         p->nMode = ModeIdle;
         p->pWriter.Reset();
         p->pRecordDoc.Reset();
-        LUiPrompts::Get().Inform(&p->frame, "Sonitra", kRecorderDeviceText, LUiPrompts::IconInformation);
+        LUiPrompts::Get().Inform(p->frame.GetWidget(), "Sonitra", kRecorderDeviceText, LUiPrompts::IconInformation);
     }
     emit StateChanged();
 }

@@ -9,13 +9,13 @@
 #include <memory>
 
 class LEdFileWindow;
-class MainDialog;
+class LFrame;
 
 class LTransport : public QObject
 {
     Q_OBJECT
 public:
-    explicit LTransport(MainDialog& frame);
+    explicit LTransport(LFrame& frame);
     ~LTransport() override;
 
     // Whether a player can run in this build.

@@ -17,14 +17,21 @@
 #include "core/LEdFile.h"
 #include "core/LSettings.h"
 #include "core/LTrace.h"
-#include "project/LProjectSegments.h"
-#include "project/LRecovery.h"
+#include "ui/LCdCommands.h"
 #include "ui/LCommandIds.h"
+#include "ui/LControlCommands.h"
+#include "ui/LEditCommands.h"
+#include "ui/LFileCommands.h"
+#include "ui/LProjectCommands.h"
+#include "ui/LCommandRules.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LQtProgressHost.h"
+#include "ui/LRecoveryKeeper.h"
 #include "ui/LTimeFields.h"
+#include "ui/LToolsCommands.h"
 #include "ui/LTransport.h"
 #include "ui/LTransportBar.h"
+#include "ui/LWindowClipboard.h"
 #include "ui/macros/LKeyMacroRunner.h"
 
 MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
@@ -43,6 +50,22 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     pClipboard = new LCutListAudio;
     recent.Load();
     pTransport = std::make_unique<LTransport>(*this);
+    auto pEditCommands = std::make_unique<LEditCommands>(*this);
+    pEdit = pEditCommands.get();
+    vControllers.push_back(std::move(pEditCommands));
+    vControllers.push_back(std::make_unique<LControlCommands>(*this));
+    auto pProjectCommands = std::make_unique<LProjectCommands>(*this, *pEdit);
+    pProject = pProjectCommands.get();
+    vControllers.push_back(std::move(pProjectCommands));
+    pRecovery = std::make_unique<LRecoveryKeeper>(
+        *this, [this](LEdProject& project) { pProject->CollectProject(project); },
+        [this](LEdProject& project) { pProject->AddProjectFiles(project, true); });
+    auto pCd = std::make_unique<LCdCommands>(*this);
+    auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd);
+    pFiles = pFileCommands.get();
+    vControllers.push_back(std::move(pFileCommands));
+    vControllers.push_back(std::move(pCd));
+    vControllers.push_back(std::make_unique<LToolsCommands>(*this, *pEdit));
     BuildMenus();
     BuildToolBar();
     pStatusFormat = new QLabel(this);
@@ -56,7 +79,7 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
             [this](int32_t sPos) { pTimeFields->SetCurrent(sPos, GetCurrentFile() ? GetCurrentFile()->GetDocument().GetSampleRate() : 0); });
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainDialog::UpdateMenuStates);
     qApp->installEventFilter(this);
-    new LKeyMacroRunner(this);
+    new LKeyMacroRunner(this, [this](int nId) { return Command(nId); });
 
     const char* const kPlace = "MainWindow";
     resize(LSettings::GetInt(kPlace, "Width", 1000), LSettings::GetInt(kPlace, "Height", 700));
@@ -180,8 +203,9 @@ void MainDialog::UpdateUndoMenuItem()
 
 void MainDialog::UpdateMenuStates()
 {
+    const LCommandState state = CommandState();
     for (auto& [nId, pAction] : mapActions)
-        pAction->setEnabled(IsCommandEnabled(nId));
+        pAction->setEnabled(IsCommandEnabled(nId, state));
     LEdFileWindow* pWindow = GetCurrentFileWindow();
     if (QAction* p = GetAction(CmVerticalZoomId))
         p->setChecked(pWindow && pWindow->IsVerticalZoom());
@@ -201,115 +225,53 @@ void MainDialog::UpdateMenuStates()
     UpdateUndoMenuItem();
 }
 
-bool MainDialog::IsCommandEnabled(int nId) const
+LCommandState MainDialog::CommandState() const
 {
+    LCommandState st;
     LEdFileWindow* pWindow = GetCurrentFileWindow();
-    const bool bFile = pWindow != nullptr;
     int32_t sStart = 0, sEnd = 0;
-    const bool bSel = GetSelection(sStart, sEnd);
-    const bool bBusy = pTransport->IsRecording();
-    bool bProjectCommand = false;
-    const bool bProjectEnabled = IsProjectCommandEnabled(nId, bProjectCommand);
-    if (bProjectCommand)
-        return bProjectEnabled && !bBusy;
-    if (nId >= CmRecentFirstId && nId <= CmRecentLastId)
-        return !bBusy;
-    switch (nId) {
-    case CmNewId:
-    case CmOpenId:
-    case CmExitId:
-    case CmHelpId:
-    case CmAboutId:
-    case CmCascadeId:
-    case CmTileHorizontalId:
-    case CmTileVerticalId:
-    case CmArrangeIconsId:
-        return true;
-    case CmCloseId:
-    case CmSaveId:
-    case CmSaveAsId:
-    case CmCloseAllId:
-    case CmSendId:
-        return bFile && !bBusy;
-    case CmSettingsId:
-        return !bBusy && !pTransport->IsPlaying();
-    case CmUndoId:
-        return bFile && !bBusy && pWindow->GetFile().IsUndoAvailable();
-    case CmRedoId:
-        return bFile && !bBusy && pWindow->GetFile().IsRedoAvailable();
-    case CmCutId:
-    case CmCopyId:
-    case CmDeleteId:
-    case CmTrimId:
-    case CmSilenceId:
-    case CmRepeatLoopId:
-    case CmCopyToNewId:
-        return bSel && !bBusy;
-    case CmPasteId:
-        return bFile && !bBusy && pClipboard->GetLength() > 0;
-    case CmPasteFromClipboardId: {
-        const QMimeData* pMime = QApplication::clipboard()->mimeData();
-        return bFile && !bBusy && pMime && (pMime->hasFormat("audio/wav") || pMime->hasFormat("audio/x-wav"));
-    }
-    case CmSelectAllId:
-    case CmSelectToStartId:
-    case CmSelectToEndId:
-    case CmZoomInId:
-    case CmZoomOutId:
-    case CmZoomFullId:
-    case CmVerticalZoomId:
-    case CmDisplayPosNegId:
-    case CmSpectrogramId:
-        return bFile;
-    case CmZoomSelectionId:
-        return bSel;
-    case CmDisplayLeftRightId:
-        return bFile && pWindow->GetFile().GetDocument().GetChannels() == 2;
-    case CmTrimStartId:
-    case CmTrimEndId:
-    case CmInsertSilenceBeginId:
-    case CmInsertSilenceCurrentId:
-    case CmInsertSilenceEndId:
-    case CmInsertFileBeginId:
-    case CmInsertFileCurrentId:
-    case CmInsertFileEndId:
-        return bFile && !bBusy;
-    case CmPlayId:
-    case CmScrubId:
-    case CmRewindId:
-    case CmFastForwardId:
-        return bFile && !bBusy && LTransport::IsAvailable();
-    case CmPlaySlowId:
-    case CmPlayNormalId:
-    case CmPlayFastId:
-        return LTransport::IsAvailable();
-    case CmRecordId:
-        return LTransport::IsAvailable() && !bBusy && !pTransport->IsPlaying();
-    case CmStopId:
-        return pTransport->IsPlaying() || bBusy;
-    case CmGoToStartId:
-    case CmGoToEndId:
-        return bFile;
-    case CmBatchConverterId:
-    case CmLoadCdId:
-    case CmCopyToCdId:
-        return !bBusy;
-    default:
-        return IsEffectCommandEnabled(nId) || IsToolCommandEnabled(nId);
-    }
+    st.bFile = pWindow != nullptr;
+    st.bSelection = GetSelection(sStart, sEnd);
+    st.bRecording = pTransport->IsRecording();
+    st.bPlaying = pTransport->IsPlaying();
+    st.bPlayer = LTransport::IsAvailable();
+    st.bUndo = pWindow && pWindow->GetFile().IsUndoAvailable();
+    st.bRedo = pWindow && pWindow->GetFile().IsRedoAvailable();
+    st.bClipboard = pClipboard->GetLength() > 0;
+    st.bWindowClipboard = LWindowClipboard::HasWave();
+    st.bStereo = pWindow && pWindow->GetFile().GetDocument().GetChannels() == 2;
+    st.bProject = !pProject->GetProjectPath().empty();
+    st.bBookmarks = !pProject->GetBookmarks().empty();
+    st.bRegions = !pProject->GetRegions().empty();
+    return st;
+}
+
+bool MainDialog::IsCommandEnabled(int nId, const LCommandState& state) const
+{
+    // The effect commands follow the effects' own rule.
+    return LCommandRules::IsEnabled(nId, state, [this](int nOther, const LCommandState&) {
+        return IsEffectCommandEnabled(nOther);
+    });
 }
 
 bool MainDialog::Command(int nId)
 {
-    if (!IsCommandEnabled(nId) && nId != CmStopId) {
+    if (!IsCommandEnabled(nId, CommandState()) && nId != CmStopId) {
         LTRACE("MainDialog::Command %d not available", nId);
         return false;
     }
-    if (CmFile(nId) || CmEdit(nId) || CmControl(nId) || CmWindow(nId) || CmEffect(nId) || CmTools(nId) ||
-        CmProject(nId) || CmBatchConverter(nId))
+    if (CmWindow(nId) || CmEffect(nId))
         return true;
+    for (const auto& pController : vControllers)
+        if (pController->Command(nId))
+            return true;
     LTRACE("MainDialog::Command %d has no handler", nId);
     return false;
+}
+
+bool MainDialog::RenderFromWindowClipboard(std::string& szPath)
+{
+    return LWindowClipboard::RenderFrom(szPath);
 }
 
 void MainDialog::SetWindowCaption()
@@ -347,11 +309,11 @@ void MainDialog::closeEvent(QCloseEvent* pEvent)
 {
     if (pTransport->IsRecording())
         pTransport->Stop();
-    if (!QueryCloseProject() || !CloseAllFiles()) {
+    if (!pProject->QueryCloseProject() || !CloseAllFiles()) {
         pEvent->ignore();
         return;
     }
-    StopRecovery();
+    pRecovery->Stop();
     const char* const kPlace = "MainWindow";
     LSettings::SetBool(kPlace, "Maximized", isMaximized());
     LSettings::SetInt(kPlace, "Width", normalGeometry().width());
@@ -366,7 +328,7 @@ bool MainDialog::eventFilter(QObject* pWatched, QEvent* pEvent)
         auto* pSub = qobject_cast<QMdiSubWindow*>(pWatched);
         if (pSub && pSub->mdiArea() == pMdi && !bClosing) {
             auto* pWindow = qobject_cast<LEdFileWindow*>(pSub->widget());
-            if (pWindow && !QueryCloseFile(pWindow)) {
+            if (pWindow && !pFiles->QueryCloseFile(pWindow)) {
                 pEvent->ignore();
                 return true;
             }

@@ -1,7 +1,8 @@
 // The editor's frame: an MDI area with one file window per open file, the menus with every
-// command, the toolbar, the transport bar with its time fields and the status line. Handlers
-// live in files by menu: MainDialogFile.cpp, MainDialogEdit.cpp, MainDialogControl.cpp,
-// MainDialogWindow.cpp, MainDialogClipboard.cpp and MainDialogEffects.cpp.
+// command, the toolbar, the transport bar with its time fields and the status line. It keeps
+// the windows and dispatches each command to the controller of its menu (LEditCommands,
+// LControlCommands, LToolsCommands, ...), which reaches the frame through LFrame; when a
+// command is available is the rule table's (LCommandRules) to say.
 #pragma once
 
 #include <QMainWindow>
@@ -15,16 +16,18 @@
 #include "core/LCutListAudio.h"
 #include "project/LEdBookMark.h"
 #include "project/LEdRegion.h"
+#include "ui/LFrame.h"
 #include "ui/LRecentFiles.h"
 
-struct LCdCopyChoice;
-struct LCdSourceItem;
+struct LCommandState;
 class LEdFile;
 class LEdProject;
-class LProjectSegments;
-class LRecoveryLock;
+class LRecoveryKeeper;
 class QDialog;
 class LEdFileWindow;
+class LEditCommands;
+class LFileCommands;
+class LProjectCommands;
 class LQtProgressHostFactory;
 class LTimeFields;
 class LTransport;
@@ -37,7 +40,7 @@ class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
 
-class MainDialog : public QMainWindow
+class MainDialog : public QMainWindow, public LFrame
 {
     Q_OBJECT
 public:
@@ -49,47 +52,41 @@ public:
     bool Command(int nId);
     QAction* GetAction(int nId) const;
     QMdiArea* GetMdiArea() const { return pMdi; }
-    LTransport& GetTransport() { return *pTransport; }
+    LTransport& GetTransport() override { return *pTransport; }
+    QWidget* GetWidget() override { return this; }
+    LCutListAudio& GetClipboardAudio() override { return *pClipboard; }
 
     // The file whose window is active; null when none is open.
-    LEdFileWindow* GetCurrentFileWindow() const;
-    LEdFile* GetCurrentFile() const;
-    std::vector<LEdFileWindow*> GetFileWindows() const;
+    LEdFileWindow* GetCurrentFileWindow() const override;
+    LEdFile* GetCurrentFile() const override;
+    std::vector<LEdFileWindow*> GetFileWindows() const override;
     // The selection of the current file; false when there is no file or no selection.
-    bool GetSelection(int32_t& sStart, int32_t& sEnd) const;
+    bool GetSelection(int32_t& sStart, int32_t& sEnd) const override;
 
     // Bracket every change of the current file's audio (see LEdFile::StartModify/EndModify).
-    void StartModifyCurrentFile(const std::string& szLabel);
-    void EndModifyCurrentFile(int32_t sPosition, int32_t nPreRoll);
-    void UpdateUndoMenuItem();
+    void StartModifyCurrentFile(const std::string& szLabel) override;
+    void EndModifyCurrentFile(int32_t sPosition, int32_t nPreRoll) override;
+    void UpdateUndoMenuItem() override;
     // Enables and disables the commands for the current state.
-    void UpdateMenuStates();
+    void UpdateMenuStates() override;
 
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
     // the user told why, when it cannot be read. A file already open has its window activated.
     bool LoadFile(const std::string& szPath);
-    void WarnIfCutShort(const std::string& szPath, LSoundSourceBase& source);
     // The open window of a file, by path; null when it is not open.
-    LEdFileWindow* FindWindowByPath(const std::string& szPath) const;
+    LEdFileWindow* FindWindowByPath(const std::string& szPath) const override;
     // Brings a file window to the front (restoring it when minimized) and makes it current.
-    void ActivateFileWindow(LEdFileWindow* pWindow);
+    void ActivateFileWindow(LEdFileWindow* pWindow) override;
     // The program's icon, shown by the frame and every file window.
     static QIcon AppIcon();
     // Gives a new document its own window; the frame takes ownership.
-    LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath, const std::string& szName);
-    // Saves a file to its own path; false (and the file stays modified) when it fails.
-    bool SaveFile(LEdFileWindow* pWindow);
-    bool SaveFileAs(LEdFileWindow* pWindow);
-    // Asks about unsaved changes; false when the user cancels (or a save fails).
-    bool QueryCloseFile(LEdFileWindow* pWindow);
-    void CloseFileWindow(LEdFileWindow* pWindow);
+    LEdFileWindow* AddFileToList(std::unique_ptr<LEdFile> pFile, const std::string& szPath,
+                                 const std::string& szName) override;
+    void CloseFileWindow(LEdFileWindow* pWindow) override;
 
     // The effect commands; filled in by MainDialogEffects.cpp.
     bool CmEffect(int nCommandId);
     bool IsEffectCommandEnabled(int nCommandId) const;
-
-    // Tools > Batch Converter; filled in by MainDialogBatch.cpp.
-    bool CmBatchConverter(int nId);
 
     // Runs a file name handed over by a second start of the program.
     void EvLoad(const QString& szPath);
@@ -101,44 +98,44 @@ public:
     void QueueCommand(int nId);
 
     // "Untitled %d" with the next number.
-    std::string NextUntitledName() { return "Untitled " + std::to_string(++nUntitled); }
-    const LRecentFiles& GetRecentFiles() const { return recent; }
+    std::string NextUntitledName() override { return "Untitled " + std::to_string(++nUntitled); }
+    const LRecentFiles& GetRecentFiles() const override { return recent; }
+    void NoteRecentFile(const std::string& szPath) override;
+    void ForgetRecentFile(const std::string& szPath) override;
     LCutListAudio* GetClipboard() const { return pClipboard.Get(); }
-    void SetWindowCaption();
-    void UpdateTimeFields();
+    void SetWindowCaption() override;
+    void UpdateTimeFields() override;
+    void OnFileSelectionChanged() override;
 
-    // Projects, bookmarks and regions (MainDialogProject.cpp).
-    // Opens a project in place of the current one; false (the user told why) when it cannot.
-    bool OpenProject(const std::string& szPath);
-    // Saves everything open as the project at szPath, which becomes the current project.
+    // Projects, bookmarks and regions: the project controller's, here for the lists and scripts.
+    bool OpenProject(const std::string& szPath) override;
     bool SaveProjectTo(const std::string& szPath);
-    // Asks "Save changes to current project?" when it has changed; false when the user cancels.
-    bool QueryCloseProject();
     bool CloseProject();
-    const std::string& GetProjectPath() const { return szProjectPath; }
-    std::vector<LEdBookMark>& GetBookmarks() { return vBookmarks; }
-    std::vector<LEdRegion>& GetRegions() { return vRegions; }
-    // Makes the bookmark's (or region's) file current, opening it when needed, and moves there.
+    LCutListAudioPtr AssembleRegions();
+    const std::string& GetProjectPath() const;
+    std::vector<LEdBookMark>& GetBookmarks();
+    std::vector<LEdRegion>& GetRegions();
     bool GoToBookmark(size_t nIndex);
     bool GoToRegion(size_t nIndex);
-    // A bookmark or region changed by a list: its file's bookmark list is saved (a failure is
-    // told once the change has finished).
     void BookmarksChanged(const std::string& szKey);
     void RegionsChanged();
     // Gives every file window its bookmarks and regions to draw.
-    void UpdateMarks();
-    // A new document of the regions marked for it, in order, with "AutoGapTime" ms of silence
-    // between them when "AutoGap" is set; null when there is none.
-    LCutListAudioPtr AssembleRegions();
+    void UpdateMarks() override;
     // What bookmarks and regions call a file: its path, or its name while it has none.
     static std::string FileKey(const LEdFileWindow* pWindow);
+    std::string FileKeyOf(const LEdFileWindow* pWindow) const override { return FileKey(pWindow); }
+    void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey) override;
+    void SetActiveFileWindow(LEdFileWindow* pWindow) override;
+    void FollowCurrentFile() override;
+    bool LoadFileWindow(const std::string& szPath) override { return LoadFile(szPath); }
+    bool CloseAllFiles() override;
 
     // Recovery after a crash: offers the documents of sessions that ended abnormally, then keeps
     // a recovery project of this one, rewritten after every finished change.
     void StartRecovery();
     void WriteRecovery();
     // A change the project and the recovery project must follow.
-    void NoteChange();
+    void NoteChange() override;
 
 signals:
     void CurrentFileChanged();
@@ -156,101 +153,23 @@ private:
     void RebuildWindowMenu();
     // Rebuilds it from the event loop, once however often asked.
     void ScheduleWindowMenu();
-    bool IsCommandEnabled(int nId) const;
-
-    // MainDialogCd.cpp
-    void CmLoadCd(const std::string& szImage = std::string());
-    void CmCopyToCd();
-    bool CopyToCdSources(const LCdCopyChoice& choice, std::vector<LCdSourceItem>& vItems);
+    LCommandState CommandState() const;
+    bool IsCommandEnabled(int nId, const LCommandState& state) const;
 
     // MainDialogFile.cpp
-    bool CmFile(int nId);
-    void CmNew();
-    void CmOpen();
-    void CmClose();
-    void CmSave();
-    void CmSaveAs();
-    void CmSend();
-    void CmExit();
-    void CmSetting();
-    void CmRecent(int nIndex);
-    bool CloseAllFiles();
     // Where a new file window goes: inside the area, cascading from the newest window.
     QRect NextChildPlace(QMdiSubWindow* pNew) const;
 
-    // MainDialogEdit.cpp
-    bool CmEdit(int nId);
-    void CmUndo();
-    void CmRedo();
-    // Undo or redo on the current file, with the window and menus following.
-    void StepHistory(bool bRedo);
-    void CmCut();
-    void CmCopy();
-    void CmPaste();
-    void CmDelete();
-    void CmSelectAll();
-    void CmSelectToStart();
-    void CmSelectToEnd();
-    void CmTrim();
-    void CmTrimStart();
-    void CmTrimEnd();
-    void CmSilence();
-    void CmInsertSilence(int nWhere);
-    void CmInsertFile(int nWhere);
-    void CmRepeatLoop();
-    void CmCopyToNew();
-    // Inserts a document at a position of the current file under a label.
-    // Inserts at the cursor, or replaces the selection, under the label "Paste".
-    void PasteDocument(const LCutListAudio& other);
-    void InsertDocument(const LCutListAudio& other, int32_t sAt, const std::string& szLabel);
-    // A document read from a file, converted to the current file's rate and channels.
-    LCutListAudioPtr ReadFileConformed(const std::string& szPath, int32_t nRate, uint8_t nChans);
-    LCutListAudioPtr ConformDocument(const LCutListAudio& other, int32_t nRate, uint8_t nChans);
+    // The lists of bookmarks and regions, dialogs of the frame's.
+    void ShowMarkList(int nId);
 
-    // MainDialogProject.cpp
-    bool CmProject(int nId);
-    bool IsProjectCommandEnabled(int nId, bool& bKnown) const;
-    void CmOpenProject();
-    void CmSaveProject();
-    void CmSaveProjectAs();
-    void CmSetBookmark();
-    void CmAddRegion();
-    void CmAssembleRegions();
-    void CollectProject(LEdProject& project) const;
-    void AddProjectFiles(LEdProject& project, bool bRecovered);
-    void LoadBookmarksFor(LEdFileWindow* pWindow);
-    void ForgetBookmarksOf(LEdFileWindow* pWindow);
-    // Writes the list beside the file; false (the user is told later) when it cannot.
-    bool SaveBookmarksOf(const std::string& szPath);
-    void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey);
-    LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
-    void StopRecovery();
-    // Offers one abandoned session's documents; false when the user wanted them and they could
-    // not be read (its folder must then stay).
-    bool RecoverSession(const std::string& szFolder);
-
-    // MainDialogClipboard.cpp
-    bool RenderToWindowClipboard();
-    void CmPasteFromClipboard();
+    // The system clipboard's wave data as a file (the effects' paste mix reads it).
     bool RenderFromWindowClipboard(std::string& szPath);
-
-    // MainDialogControl.cpp
-    bool CmControl(int nId);
-
-    // MainDialogTools.cpp
-    bool CmTools(int nId);
-    bool IsToolCommandEnabled(int nId) const;
-    void ShowSpectrumWindow();
-    void CmToneGenerator();
-    void CmTextToSpeech();
-    // Makes a source into a new file, or inserts it at the cursor of the current file (in its
-    // rate and channels) under the label; false when it could not be made.
-    bool PlaceGeneratedAudio(LSoundSourceBase* pSource, bool bInsert, const std::string& szLabel);
 
     // MainDialogWindow.cpp
     bool CmWindow(int nId);
+    void ShowSpectrumWindow();
     void OnSubWindowActivated(QMdiSubWindow* pSub);
-    void OnFileSelectionChanged();
     void OnFileScroll(int32_t sTarget);
     // A time typed into a selection field: moves the selection, or says why not.
     void OnTimeTyped(int nField, const QString& szText);
@@ -273,6 +192,11 @@ private:
     LTimeFields* pTimeFields = nullptr;
     QLabel* pStatusFormat = nullptr;
     std::unique_ptr<LTransport> pTransport;
+    // The menus' controllers, asked in turn for each command; the Edit one also serves others.
+    std::vector<std::unique_ptr<LCommandController>> vControllers;
+    LEditCommands* pEdit = nullptr;
+    LFileCommands* pFiles = nullptr;
+    LProjectCommands* pProject = nullptr;
     std::unique_ptr<LQtProgressHostFactory> pProgressFactory;
     QDialog* pHelp = nullptr; // a child of the frame, made when first asked for
     LRecentFiles recent;
@@ -281,15 +205,5 @@ private:
     bool bClosing = false;
     QStringList lstHandedOver;
     bool bLoadingHandedOver = false;
-    std::string szProjectPath;
-    std::unique_ptr<LProjectSegments> pProjectSegments;
-    bool bProjectChanged = false;
-    std::vector<LEdBookMark> vBookmarks;
-    std::vector<LEdRegion> vRegions;
-    std::set<std::string> setBookmarksRead; // files whose bookmark list has been read
-    // Files whose bookmark list was refused (damaged, another version): never written over.
-    std::set<std::string> setBookmarksRefused;
-    std::unique_ptr<LRecoveryLock> pRecoveryLock;
-    std::string szRecoveryPath;
-    bool bRecoveryFailTold = false; // a failing recovery save is told once, not after every edit
+    std::unique_ptr<LRecoveryKeeper> pRecovery;
 };

@@ -12,6 +12,7 @@
 
 #include "core/LTrace.h"
 #include "ui/LCommandIds.h"
+#include "ui/LCommandKeys.h"
 #include "ui/LCommandTable.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LMenuLayout.h"
@@ -25,16 +26,6 @@ namespace {
 bool HandledAsHeldKey(int nId)
 {
     return nId == CmRewindId || nId == CmFastForwardId || nId == CmExitId || nId == CmScrubId;
-}
-
-QKeySequence KeyOf(const char* szAccel)
-{
-    const QString s = QString::fromUtf8(szAccel);
-    if (s == "Ctrl+Plus")
-        return QKeySequence(Qt::CTRL | Qt::Key_Plus);
-    if (s == "Ctrl+Minus")
-        return QKeySequence(Qt::CTRL | Qt::Key_Minus);
-    return QKeySequence::fromString(s, QKeySequence::PortableText);
 }
 
 using LMenuLayout::kEndSubmenu;
@@ -53,12 +44,8 @@ QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
     pAction->setObjectName(QString("cmd%1").arg(nId));
     pAction->setStatusTip(LCommandTable::Hint(nId));
     pAction->setData(nId);
-    if (*pInfo->szAccel && !HandledAsHeldKey(nId)) {
-        QList<QKeySequence> keys{KeyOf(pInfo->szAccel)};
-        if (*pInfo->szAccel2)
-            keys << KeyOf(pInfo->szAccel2);
-        pAction->setShortcuts(keys);
-    }
+    if (!HandledAsHeldKey(nId))
+        pAction->setShortcuts(LCommandKeys::Of(*pInfo));
     connect(pAction, &QAction::triggered, this, [this, nId] { QueueCommand(nId); });
     if (pMenu)
         pMenu->addAction(pAction);

@@ -12,10 +12,12 @@
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LHelpDlg.h"
+#include "ui/LProjectCommands.h"
 #include "ui/LTimeFields.h"
 #include "ui/LTransport.h"
 #include "ui/LUiPrompts.h"
 #include "ui/MainDialog.h"
+#include "ui/tools/LSpectrumWindow.h"
 
 namespace {
 
@@ -33,6 +35,10 @@ bool MainDialog::CmWindow(int nId)
     LEdFileWindow* pWindow = GetCurrentFileWindow();
     switch (nId) {
     case CmCascadeId: pMdi->cascadeSubWindows(); return true;
+    case CmFrequencyAnalysisId: ShowSpectrumWindow(); return true;
+    case CmCloseAllId: CloseAllFiles(); return true;
+    case CmBookmarkListId:
+    case CmRegionListId: ShowMarkList(nId); return true;
     case CmTileHorizontalId:
     case CmTileVerticalId: {
         // One window above the other, or side by side.
@@ -79,10 +85,22 @@ bool MainDialog::CmWindow(int nId)
     }
 }
 
+// The frequency analysis is a window of the frame's own, following the current file.
+void MainDialog::ShowSpectrumWindow()
+{
+    auto* pWindow = findChild<LSpectrumWindow*>();
+    if (!pWindow)
+        pWindow = new LSpectrumWindow(*this);
+    pWindow->show();
+    pWindow->raise();
+    pWindow->activateWindow();
+    pWindow->Follow();
+}
+
 void MainDialog::OnSubWindowActivated(QMdiSubWindow*)
 {
     ScheduleWindowMenu();
-    LoadBookmarksFor(GetCurrentFileWindow());
+    pProject->LoadBookmarksFor(GetCurrentFileWindow());
     UpdateMarks();
     SetWindowCaption();
     UpdateMenuStates();
@@ -96,10 +114,10 @@ void MainDialog::UpdateMarks()
     for (LEdFileWindow* pWindow : GetFileWindows()) {
         const std::string szKey = FileKey(pWindow);
         std::vector<LWaveMark> v;
-        for (const LEdRegion& r : vRegions)
+        for (const LEdRegion& r : pProject->GetRegions())
             if (r.GetPath() == szKey)
                 v.push_back({r.sStart, r.sEnd, QString::fromStdString(r.GetName()), true});
-        for (const LEdBookMark& b : vBookmarks)
+        for (const LEdBookMark& b : pProject->GetBookmarks())
             if (b.GetPath() == szKey)
                 v.push_back({b.sPosition, b.sPosition, QString::fromStdString(b.GetName()), false});
         pWindow->SetMarks(v);

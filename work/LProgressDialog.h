@@ -7,20 +7,14 @@
 #include <memory>
 #include <string>
 
+#include "core/LProgressReport.h"
 #include "work/LProgressHost.h"
 
 class LSignalObject;
 
-class LProgressDialog
+class LProgressDialog : public LProgressReport
 {
 public:
-    enum Result
-    {
-        ResultDone = 0,
-        ResultCancelled = 1,
-        ResultError = 2,
-    };
-
     explicit LProgressDialog(const std::string& szTitle);
     LProgressDialog(const LProgressDialog&) = delete;
     LProgressDialog& operator=(const LProgressDialog&) = delete;
@@ -30,9 +24,9 @@ public:
     // closes the dialog. Returns 0 at once when already open or when the dialog cannot be made.
     int32_t Run(LProgressHostFactory* pFactory = nullptr);
 
-    void SetText(const std::string& szText, int nLine);
-    void SetProgress(double fFraction);
-    bool IsCancelled();
+    void SetText(const std::string& szText, int nLine) override;
+    void SetProgress(double fFraction) override;
+    bool IsCancelled() override;
     bool IsOpen() const { return pHost != nullptr && !bCancelled; }
     // Waits while pumping: true when the time has passed, false as soon as the user cancels.
     bool WaitTimed(int32_t nMs);

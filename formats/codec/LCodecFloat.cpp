@@ -76,34 +76,12 @@ LWaveFormatRecord LCodecFloat::MakeFloat(uint32_t nRate, uint16_t nChans, uint16
     return LWaveFormatRecord::Make(LWaveFormatRecord::kTagFloat, nChans, nRate, nRate * nBlock, nBlock, nBits);
 }
 
-bool LCodecFloat::MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const
-{
-    if (nChans == 0 || nChans > 255)
-        return false;
-    record = MakeFloat(nRate, nChans, 32);
-    return true;
-}
-
-std::vector<LWaveFormatRecord> LCodecFloat::ListRecords() const
-{
-    std::vector<LWaveFormatRecord> v;
-    for (uint16_t nBits : {32, 64})
-        for (uint32_t nRate : {44100u, 48000u, 96000u})
-            for (uint16_t nChans : {1, 2})
-                v.push_back(MakeFloat(nRate, nChans, nBits));
-    return v;
-}
-
 std::unique_ptr<LCodecDecoder> LCodecFloat::NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const
 {
-    if (SampleBytes(record) == 4)
-        return std::make_unique<LDecoderFloat<float>>(shape.nChans);
-    return std::make_unique<LDecoderFloat<double>>(shape.nChans);
+    return ForWidth<LDecoderFloat<float>, LDecoderFloat<double>, LCodecDecoder>(SampleBytes(record) == 4, shape.nChans);
 }
 
 std::unique_ptr<LCodecEncoder> LCodecFloat::NewEncoder(const LWaveFormatRecord& record, const LCodecShape& shape) const
 {
-    if (SampleBytes(record) == 4)
-        return std::make_unique<LEncoderFloat<float>>(shape);
-    return std::make_unique<LEncoderFloat<double>>(shape);
+    return ForWidth<LEncoderFloat<float>, LEncoderFloat<double>, LCodecEncoder>(SampleBytes(record) == 4, shape);
 }

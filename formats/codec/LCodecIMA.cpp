@@ -5,6 +5,7 @@
 #include "formats/codec/LCodecBytes.h"
 
 namespace {
+constexpr uint32_t kMaxChannels = LCodecAdpcm::kMaxChannels;
 
 const int16_t kStep[89] = {
     7,     8,     9,     10,    11,    12,    13,    14,    16,    17,    19,    21,    23,    25,    28,
@@ -15,7 +16,6 @@ const int16_t kStep[89] = {
     9493,  10442, 11487, 12635, 13899, 15289, 16818, 18500, 20350, 22385, 24623, 27086, 29794, 32767};
 const int8_t kIndexChange[16] = {-1, -1, -1, -1, 2, 4, 6, 8, -1, -1, -1, -1, 2, 4, 6, 8};
 constexpr int kMaxIndex = 88;
-constexpr uint32_t kMaxChannels = 2;
 
 struct LImaState
 {
@@ -230,33 +230,16 @@ uint32_t LCodecIMA::FramesIn(uint32_t nBytes, uint32_t nChans)
     return 1 + (nBytes - 4 * nChans) / (4 * nChans) * 8;
 }
 
-bool LCodecIMA::Describe(const LWaveFormatRecord& record, LCodecShape& shape) const
+bool LCodecIMA::TakesBlock(uint32_t nBytes, uint32_t nChans) const
 {
-    const uint32_t nChans = record.nChannels;
-    if (record.EffectiveTag() != kTag || record.wBitsPerSample != 4 || nChans == 0 || nChans > kMaxChannels ||
-        record.nBlockAlign % (4 * nChans) != 0 || record.nBlockAlign <= 4 * nChans)
-        return false;
-    shape = {record.nBlockAlign, FramesIn(record.nBlockAlign, nChans), record.nChannels};
-    return true;
+    return nBytes % (4 * nChans) == 0 && nBytes > 4 * nChans;
 }
 
-bool LCodecIMA::MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const
+std::vector<uint8_t> LCodecIMA::RecordExtra(uint32_t nFrames) const
 {
-    if (nChans == 0 || nChans > kMaxChannels || nRate == 0)
-        return false;
-    // 256 bytes a channel up to 11025 Hz, growing with the rate, as other programs write it.
-    const uint32_t nBlock = 256 * nChans * std::clamp<uint32_t>(nRate / 11025, 1, 8);
-    const uint32_t nFrames = FramesIn(nBlock, nChans);
     std::vector<uint8_t> vExtra(2);
     LPut16(vExtra.data(), nFrames);
-    const uint32_t nAvg = static_cast<uint32_t>(uint64_t{nRate} * nBlock / nFrames);
-    record = LWaveFormatRecord::Make(kTag, nChans, nRate, nAvg, static_cast<uint16_t>(nBlock), 4, vExtra);
-    return true;
-}
-
-void LCodecIMA::FitShape(int32_t& nRate, uint8_t& nChans) const
-{
-    nChans = std::min<uint8_t>(nChans, kMaxChannels);
+    return vExtra;
 }
 
 std::unique_ptr<LCodecDecoder> LCodecIMA::NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const
@@ -269,7 +252,3 @@ std::unique_ptr<LCodecEncoder> LCodecIMA::NewEncoder(const LWaveFormatRecord& re
     return std::make_unique<LImaEncoder>(shape);
 }
 
-std::string LCodecIMA::WhyRefused(const LWaveFormatRecord& record) const
-{
-    return ChannelRefusal(record, kTag, GetName(), kMaxChannels);
-}

@@ -7,8 +7,8 @@
 #include "formats/codec/LCodecBytes.h"
 
 namespace {
+constexpr uint32_t kMaxChannels = LCodecAdpcm::kMaxChannels;
 
-constexpr uint32_t kMaxChannels = 2;
 constexpr int kStdCoefs = 7;
 const int16_t kCoef1[kStdCoefs] = {256, 512, 0, 192, 240, 460, 392};
 const int16_t kCoef2[kStdCoefs] = {0, -256, 0, 64, 0, -208, -232};
@@ -258,22 +258,13 @@ uint32_t LCodecMSADPCM::FramesIn(uint32_t nBytes, uint32_t nChans)
     return 2 + (nBytes - 7 * nChans) * 2 / nChans;
 }
 
-bool LCodecMSADPCM::Describe(const LWaveFormatRecord& record, LCodecShape& shape) const
+bool LCodecMSADPCM::TakesBlock(uint32_t nBytes, uint32_t nChans) const
 {
-    const uint32_t nChans = record.nChannels;
-    if (record.EffectiveTag() != kTag || record.wBitsPerSample != 4 || nChans == 0 || nChans > kMaxChannels ||
-        record.nBlockAlign < 7 * nChans + 1)
-        return false;
-    shape = {record.nBlockAlign, FramesIn(record.nBlockAlign, nChans), record.nChannels};
-    return true;
+    return nBytes >= 7 * nChans + 1;
 }
 
-bool LCodecMSADPCM::MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const
+std::vector<uint8_t> LCodecMSADPCM::RecordExtra(uint32_t nFrames) const
 {
-    if (nChans == 0 || nChans > kMaxChannels || nRate == 0)
-        return false;
-    const uint32_t nBlock = 256 * nChans * std::clamp<uint32_t>(nRate / 11025, 1, 8);
-    const uint32_t nFrames = FramesIn(nBlock, nChans);
     std::vector<uint8_t> vExtra(4 + 4 * kStdCoefs);
     LPut16(vExtra.data(), nFrames);
     LPut16(vExtra.data() + 2, kStdCoefs);
@@ -281,14 +272,7 @@ bool LCodecMSADPCM::MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecor
         LPut16(vExtra.data() + 4 + 4 * i, static_cast<uint16_t>(kCoef1[i]));
         LPut16(vExtra.data() + 6 + 4 * i, static_cast<uint16_t>(kCoef2[i]));
     }
-    const uint32_t nAvg = static_cast<uint32_t>(uint64_t{nRate} * nBlock / nFrames);
-    record = LWaveFormatRecord::Make(kTag, nChans, nRate, nAvg, static_cast<uint16_t>(nBlock), 4, vExtra);
-    return true;
-}
-
-void LCodecMSADPCM::FitShape(int32_t& nRate, uint8_t& nChans) const
-{
-    nChans = std::min<uint8_t>(nChans, kMaxChannels);
+    return vExtra;
 }
 
 std::unique_ptr<LCodecDecoder> LCodecMSADPCM::NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const
@@ -301,7 +285,3 @@ std::unique_ptr<LCodecEncoder> LCodecMSADPCM::NewEncoder(const LWaveFormatRecord
     return std::make_unique<LMsEncoder>(record, shape);
 }
 
-std::string LCodecMSADPCM::WhyRefused(const LWaveFormatRecord& record) const
-{
-    return ChannelRefusal(record, kTag, GetName(), kMaxChannels);
-}

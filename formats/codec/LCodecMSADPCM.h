@@ -3,21 +3,24 @@
 // sum by 256 truncating toward zero, as the published decoder does.
 #pragma once
 
-#include "formats/codec/LCodec.h"
+#include "formats/codec/LCodecAdpcm.h"
 
-class LCodecMSADPCM : public LCodec
+class LCodecMSADPCM : public LCodecAdpcm
 {
 public:
     static constexpr uint16_t kTag = 0x0002;
 
+    LCodecMSADPCM() : LCodecAdpcm(kTag) {}
+
     const char* GetName() const override { return "Microsoft ADPCM"; }
     const char* GetShortName() const override { return "msadpcm"; }
-    bool Describe(const LWaveFormatRecord& record, LCodecShape& shape) const override;
-    std::string WhyRefused(const LWaveFormatRecord& record) const override;
-    bool MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const override;
-    void FitShape(int32_t& nRate, uint8_t& nChans) const override;
     std::unique_ptr<LCodecDecoder> NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const override;
     std::unique_ptr<LCodecEncoder> NewEncoder(const LWaveFormatRecord& record, const LCodecShape& shape) const override;
 
     static uint32_t FramesIn(uint32_t nBytes, uint32_t nChans);
+
+protected:
+    uint32_t FramesInBlock(uint32_t nBytes, uint32_t nChans) const override { return FramesIn(nBytes, nChans); }
+    bool TakesBlock(uint32_t nBytes, uint32_t nChans) const override;
+    std::vector<uint8_t> RecordExtra(uint32_t nFrames) const override;
 };

@@ -78,34 +78,12 @@ LWaveFormatRecord LCodecPCM::MakeWide(uint32_t nRate, uint16_t nChans, uint16_t 
                                    vExtra);
 }
 
-bool LCodecPCM::MakeRecord(uint32_t nRate, uint16_t nChans, LWaveFormatRecord& record) const
-{
-    if (nChans == 0 || nChans > 255)
-        return false;
-    record = MakeWide(nRate, nChans, 24);
-    return true;
-}
-
-std::vector<LWaveFormatRecord> LCodecPCM::ListRecords() const
-{
-    std::vector<LWaveFormatRecord> v;
-    for (uint16_t nBits : {24, 32})
-        for (uint32_t nRate : {44100u, 48000u, 96000u})
-            for (uint16_t nChans : {1, 2})
-                v.push_back(MakeWide(nRate, nChans, nBits));
-    return v;
-}
-
 std::unique_ptr<LCodecDecoder> LCodecPCM::NewDecoder(const LWaveFormatRecord& record, const LCodecShape& shape) const
 {
-    if (ContainerBytes(record) == 3)
-        return std::make_unique<LDecoderWide<3>>(shape.nChans);
-    return std::make_unique<LDecoderWide<4>>(shape.nChans);
+    return ForWidth<LDecoderWide<3>, LDecoderWide<4>, LCodecDecoder>(ContainerBytes(record) == 3, shape.nChans);
 }
 
 std::unique_ptr<LCodecEncoder> LCodecPCM::NewEncoder(const LWaveFormatRecord& record, const LCodecShape& shape) const
 {
-    if (ContainerBytes(record) == 3)
-        return std::make_unique<LEncoderWide<3>>(shape);
-    return std::make_unique<LEncoderWide<4>>(shape);
+    return ForWidth<LEncoderWide<3>, LEncoderWide<4>, LCodecEncoder>(ContainerBytes(record) == 3, shape);
 }

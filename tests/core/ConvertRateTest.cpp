@@ -6,6 +6,7 @@
 #include "core/LMemorySound.h"
 #include "core/LPRSourceToSink.h"
 #include "core/LSRCConvertRate.h"
+#include "work/LPumpProcess.h"
 
 namespace {
 
@@ -89,7 +90,7 @@ TEST(ConvertRate, LengthIsTheInputLengthScaledAndThePumpWritesExactlyThat)
     EXPECT_EQ(pConv->GetLength(), static_cast<int32_t>(44101LL * 48000 / 44100));
 
     LCountedPtr<LSNKMemory> pSink(new LSNKMemory(8000, 1));
-    LPRSourceToSink pump("Saving", pSrc.Get(), pSink.Get());
+    LPumpProcess pump("Saving", pSrc.Get(), pSink.Get());
     ASSERT_EQ(pump.Run(), 0);
     EXPECT_EQ(pSink->GetSamples().size(), static_cast<size_t>(44101LL * 8000 / 44100));
 }

@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LMemorySound.h"
 
 using namespace doctest;

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "core/LMemorySound.h"
 #include "core/LPRSourceToSink.h"
 #include "core/LSRCConvertChannels.h"
+#include "work/LPumpProcess.h"
 
 namespace {
 
@@ -103,9 +106,42 @@ TEST(Pump, CancelBeforeFirstBlockWritesNothing)
     } factory;
     LSoundSourcePtr pSrc(new LSRCMemory(Ramp(100, 1), 44100, 1));
     LCountedPtr<LSNKMemory> pSink(new LSNKMemory(44100, 1));
-    LPRSourceToSink pump("Saving", pSrc.Get(), pSink.Get());
+    LPumpProcess pump("Saving", pSrc.Get(), pSink.Get());
     EXPECT_EQ(pump.Run(&factory), 1);
     EXPECT_TRUE(pSink->GetSamples().empty());
+}
+
+TEST(Pump, ReportsToAnyProgressDisplayAndStopsWhenItCancels)
+{
+    // A display of the stream layer's own: no dialog behind it.
+    class Report : public LProgressReport
+    {
+    public:
+        void SetText(const std::string& szText, int nLine) override { vLines.push_back(szText); }
+        void SetProgress(double fFraction) override { vFractions.push_back(fFraction); }
+        bool IsCancelled() override { return ++nAsked > nCancelAt; }
+        std::vector<std::string> vLines;
+        std::vector<double> vFractions;
+        int nAsked = 0;
+        int nCancelAt = 1000;
+    };
+    const int nFrames = 3 * LPRSourceToSink::kBlockFrames + 5;
+    LSoundSourcePtr pSrc(new LSRCMemory(Ramp(nFrames, 1), 44100, 1));
+    LCountedPtr<LSNKMemory> pSink(new LSNKMemory(44100, 1));
+    Report whole;
+    EXPECT_EQ(LPRSourceToSink::Pump(whole, "Saving", pSrc.Get(), pSink.Get()), LProgressReport::ResultDone);
+    EXPECT_EQ(whole.vLines, (std::vector<std::string>{"Saving", "Please wait..."}));
+    ASSERT_EQ(whole.vFractions.size(), 4u); // 0, then after each full block
+    EXPECT_TRUE(std::is_sorted(whole.vFractions.begin(), whole.vFractions.end()));
+    EXPECT_LT(whole.vFractions.back(), 1.0);
+    EXPECT_EQ(pSink->GetSamples().size(), static_cast<size_t>(nFrames));
+
+    LSoundSourcePtr pAgain(new LSRCMemory(Ramp(nFrames, 1), 44100, 1));
+    LCountedPtr<LSNKMemory> pPart(new LSNKMemory(44100, 1));
+    Report stopped;
+    stopped.nCancelAt = 2;
+    EXPECT_EQ(LPRSourceToSink::Pump(stopped, "Saving", pAgain.Get(), pPart.Get()), LProgressReport::ResultCancelled);
+    EXPECT_EQ(pPart->GetSamples().size(), static_cast<size_t>(2 * LPRSourceToSink::kBlockFrames));
 }
 
 namespace {

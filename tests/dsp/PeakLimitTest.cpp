@@ -9,6 +9,7 @@
 #include "core/LMemorySound.h"
 #include "core/LPRSourceToSink.h"
 #include "dsp/LSRCPeakLimit.h"
+#include "work/LPumpProcess.h"
 
 namespace {
 
@@ -132,7 +133,7 @@ TEST(PeakLimit, DocumentSourcePumpedIntoASixteenBitSinkStaysInRange)
         v[i] = static_cast<int32_t>(0x1FFFF0 * std::sin(0.01 * static_cast<double>(i / 2)) * ((i / 20000) % 2 ? 1.0 : 0.1));
     LSoundSourcePtr pDoc(new LSRCMemory(v, 44100, 2, 0x200000));
     LCountedPtr<LSNKMemory> pSink(new LSNKMemory(44100, 2));
-    LPRSourceToSink pump("Saving", pDoc.Get(), pSink.Get());
+    LPumpProcess pump("Saving", pDoc.Get(), pSink.Get());
     ASSERT_EQ(pump.Run(), 0);
     ASSERT_EQ(pSink->GetSamples().size(), v.size());
     for (int32_t s : pSink->GetSamples())

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 #include "core/LPRSourceToSink.h"
 #include "formats/LAudioFile.h"
 #include "formats/codec/LCodec.h"

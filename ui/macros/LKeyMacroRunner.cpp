@@ -2,12 +2,12 @@
 
 #include <QAction>
 #include <QTimer>
+#include <QWidget>
 
 #include <algorithm>
 
 #include "core/LTrace.h"
 #include "ui/LUiPrompts.h"
-#include "ui/MainDialog.h"
 #include "ui/macros/LMacroCommands.h"
 
 namespace {
@@ -18,7 +18,7 @@ std::vector<LKeyMacroRunner*>& Runners()
 }
 } // namespace
 
-LKeyMacroRunner::LKeyMacroRunner(MainDialog* pF) : QObject(pF), pFrame(pF)
+LKeyMacroRunner::LKeyMacroRunner(QWidget* pF, CommandFn fnCmd) : QObject(pF), pFrame(pF), fnCommand(std::move(fnCmd))
 {
     setObjectName("KeyMacroRunner");
     Runners().push_back(this);
@@ -72,7 +72,7 @@ bool LKeyMacroRunner::Run(const LKeyMacro& macro)
 {
     bool bAll = true;
     for (uint32_t uId : macro.vCommands) {
-        if (uId > 100000 || !pFrame->Command(static_cast<int>(uId))) {
+        if (uId > 100000 || !fnCommand(static_cast<int>(uId))) {
             LTRACE("LKeyMacroRunner::Run command %u not available", uId);
             bAll = false;
         }

@@ -4,18 +4,22 @@
 
 #include <QObject>
 
+#include <functional>
 #include <vector>
 
 #include "lists/LKeyMacroFile.h"
 
-class MainDialog;
 class QAction;
+class QWidget;
 
 class LKeyMacroRunner : public QObject
 {
     Q_OBJECT
 public:
-    explicit LKeyMacroRunner(MainDialog* pFrame);
+    // Runs a command by number as its menu item would; false when it is not available.
+    using CommandFn = std::function<bool(int nId)>;
+    // The keys are the frame's; the runner goes with it.
+    LKeyMacroRunner(QWidget* pFrame, CommandFn fnCommand);
     ~LKeyMacroRunner() override;
 
     // Reads the file again and rebinds the keys; a version mismatch is told to the user.
@@ -28,7 +32,8 @@ public:
     static void ReloadAll();
 
 private:
-    MainDialog* pFrame;
+    QWidget* pFrame;
+    CommandFn fnCommand;
     std::vector<LKeyMacro> vMacros;
     std::vector<QAction*> vActions;
 };

@@ -2,20 +2,9 @@
 
 #include <QObject>
 
+#include "ui/LCommandKeys.h"
 #include "ui/LCommandTable.h"
 #include "ui/LMenuLayout.h"
-
-namespace {
-QKeySequence AccelKey(const char* szAccel)
-{
-    const QString s = QString::fromUtf8(szAccel);
-    if (s == "Ctrl+Plus")
-        return QKeySequence(Qt::CTRL | Qt::Key_Plus);
-    if (s == "Ctrl+Minus")
-        return QKeySequence(Qt::CTRL | Qt::Key_Minus);
-    return QKeySequence::fromString(s, QKeySequence::PortableText);
-}
-} // namespace
 
 const std::vector<int>& LMacroCommands::All()
 {
@@ -62,8 +51,7 @@ QString LMacroCommands::WhyRefused(uint32_t uKey)
         return QObject::tr("Please choose a key for the macro.");
     const QString szKey = key.toString(QKeySequence::NativeText);
     for (int nId : All()) {
-        const LCommandInfo* pInfo = LCommandTable::Find(nId);
-        if ((*pInfo->szAccel && AccelKey(pInfo->szAccel) == key) || (*pInfo->szAccel2 && AccelKey(pInfo->szAccel2) == key))
+        if (LCommandKeys::Of(*LCommandTable::Find(nId)).contains(key))
             return QObject::tr("The key %1 is already used by the menu command \"%2\". Please choose another key.")
                 .arg(szKey, NameOf(static_cast<uint32_t>(nId)));
     }

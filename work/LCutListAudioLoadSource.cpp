@@ -1,4 +1,4 @@
-#include "core/LCutListAudioLoadSource.h"
+#include "work/LCutListAudioLoadSource.h"
 
 #include "core/LPRSourceToSink.h"
 #include "core/LSNKSegmentWriter.h"

@@ -1,20 +1,21 @@
-// The compact disc commands: loading audio tracks (from a drive or a disc image) and copying
-// files to a CD or a disc image.
+#include "ui/LCdCommands.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include "cd/LCdImageWriter.h"
-#include "core/LCutListAudioLoadSource.h"
 #include "core/LEdFile.h"
 #include "core/LSettings.h"
 #include "formats/LAudioFile.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LUiPrompts.h"
-#include "ui/MainDialog.h"
+#include "ui/LCommandIds.h"
 #include "ui/cd/LCdCopyDlg.h"
 #include "ui/cd/LCdLoadDlg.h"
 #include "ui/cd/LCdProcess.h"
+#include "work/LCutListAudioLoadSource.h"
 
 namespace {
 
@@ -42,9 +43,18 @@ QString CountsText(size_t nRead, size_t nChosen, LCdReadMode mode, const LCdRead
 
 } // namespace
 
-void MainDialog::CmLoadCd(const std::string& szImage)
+bool LCdCommands::Command(int nId)
 {
-    LCdLoadDlg dlg(this, szImage);
+    switch (nId) {
+    case CmLoadCdId: QTimer::singleShot(0, frame.GetWidget(), [this] { LoadCd(); }); return true;
+    case CmCopyToCdId: QTimer::singleShot(0, frame.GetWidget(), [this] { CmCopyToCd(); }); return true;
+    default: return false;
+    }
+}
+
+void LCdCommands::LoadCd(const std::string& szImage)
+{
+    LCdLoadDlg dlg(frame.GetWidget(), szImage);
     if (dlg.exec() != QDialog::Accepted || !dlg.GetDisc())
         return;
     std::shared_ptr<LCdDisc> pDisc = dlg.GetDisc();
@@ -56,22 +66,22 @@ void MainDialog::CmLoadCd(const std::string& szImage)
         if (nResult == LProgressDialog::ResultCancelled)
             break; // what was read before stays open
         if (nResult != LProgressDialog::ResultDone) {
-            LUiPrompts::Get().Inform(this, "Sonitra", QString("Unable to read track %1 of %2.").arg(track.nNumber).arg(QString::fromStdString(pDisc->GetName())),
+            LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", QString("Unable to read track %1 of %2.").arg(track.nNumber).arg(QString::fromStdString(pDisc->GetName())),
                                      LUiPrompts::IconError);
             break;
         }
         pFile->SetView(0, pFile->GetDocument().GetLength());
-        AddFileToList(std::move(pFile), std::string(), LCd::TrackFileName(track.nNumber, track.szTitle, ""));
+        frame.AddFileToList(std::move(pFile), std::string(), LCd::TrackFileName(track.nNumber, track.szTitle, ""));
         ++nRead;
     }
-    UpdateMenuStates();
-    LUiPrompts::Get().Inform(this, "Sonitra", CountsText(nRead, vChosen.size(), dlg.GetMode(), pDisc->GetCounts()),
+    frame.UpdateMenuStates();
+    LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", CountsText(nRead, vChosen.size(), dlg.GetMode(), pDisc->GetCounts()),
                              LUiPrompts::IconInformation);
 }
 
-bool MainDialog::CopyToCdSources(const LCdCopyChoice& choice, std::vector<LCdSourceItem>& vItems)
+bool LCdCommands::CopyToCdSources(const LCdCopyChoice& choice, std::vector<LCdSourceItem>& vItems)
 {
-    const std::vector<LEdFileWindow*> vOpen = GetFileWindows();
+    const std::vector<LEdFileWindow*> vOpen = frame.GetFileWindows();
     for (const LCdCopyChoice::Entry& e : choice.vEntries) {
         LSoundSourcePtr pSource;
         if (e.pWindow && std::find(vOpen.begin(), vOpen.end(), e.pWindow) != vOpen.end()) {
@@ -80,7 +90,7 @@ bool MainDialog::CopyToCdSources(const LCdCopyChoice& choice, std::vector<LCdSou
             std::string szError;
             pSource = LAudioFile::OpenSource(e.szPath, &szError);
             if (pSource->IsError()) {
-                LUiPrompts::Get().Inform(this, "File Error", QString("Unable to open \"%1\":\n%2").arg(QString::fromStdString(e.szPath), QString::fromStdString(szError)),
+                LUiPrompts::Get().Inform(frame.GetWidget(), "File Error", QString("Unable to open \"%1\":\n%2").arg(QString::fromStdString(e.szPath), QString::fromStdString(szError)),
                                          LUiPrompts::IconError);
                 return false;
             }
@@ -90,9 +100,9 @@ bool MainDialog::CopyToCdSources(const LCdCopyChoice& choice, std::vector<LCdSou
     return true;
 }
 
-void MainDialog::CmCopyToCd()
+void LCdCommands::CmCopyToCd()
 {
-    LCdCopyDlg dlg(this, GetFileWindows());
+    LCdCopyDlg dlg(frame.GetWidget(), frame.GetFileWindows());
     if (dlg.exec() != QDialog::Accepted)
         return;
     const LCdCopyChoice choice = dlg.GetChoice();
@@ -102,14 +112,14 @@ void MainDialog::CmCopyToCd()
     LCdImageWriter writer(vItems, choice.szAlbum, "", choice.nGapSectors);
     const std::string szFit = LCdLayout::FitMessage(writer.Plan().TotalSectors(), choice.nDiscMinutes);
     if (!szFit.empty()) {
-        LUiPrompts::Get().Inform(this, "Sonitra", QString::fromStdString(szFit), LUiPrompts::IconWarning);
+        LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", QString::fromStdString(szFit), LUiPrompts::IconWarning);
         return;
     }
     QString szCue;
     QTemporaryDir tempDir;
     if (choice.bImage) {
         const QString szFolder = QString::fromStdString(LSettings::GetString("Folders", "SaveAsDir", QDir::homePath().toStdString()));
-        szCue = LUiPrompts::Get().GetSaveFileName(this, "Save Disc Image", QDir(szFolder).filePath("disc.cue"), "CD Disc Images (*.cue)");
+        szCue = LUiPrompts::Get().GetSaveFileName(frame.GetWidget(), "Save Disc Image", QDir(szFolder).filePath("disc.cue"), "CD Disc Images (*.cue)");
         if (szCue.isEmpty())
             return;
         if (QFileInfo(szCue).suffix().toLower() != "cue")
@@ -127,9 +137,9 @@ void MainDialog::CmCopyToCd()
         nResult = burn.Run();
     }
     if (nResult == LProgressDialog::ResultError)
-        LUiPrompts::Get().Inform(this, "Sonitra", QString::fromStdString(szError), LUiPrompts::IconError);
+        LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", QString::fromStdString(szError), LUiPrompts::IconError);
     else if (nResult == LProgressDialog::ResultDone)
-        LUiPrompts::Get().Inform(this, "Sonitra",
+        LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra",
                                  choice.bImage ? QString("The disc image was written to %1.").arg(szCue)
                                                : choice.bSimulate ? QString("The simulated write finished without errors.")
                                                                   : QString("The CD was written."),

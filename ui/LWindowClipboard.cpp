@@ -1,15 +1,14 @@
-// The system clipboard: the selection goes out as WAV data through "clipboard.wav" in the
-// working folder, and WAV data from other programs comes in the same way.
+#include "ui/LWindowClipboard.h"
+
 #include <QApplication>
 #include <QClipboard>
 #include <QFile>
 #include <QMimeData>
 
 #include "core/LAudioCutTank.h"
-#include "core/LEdFile.h"
+#include "core/LCutListAudio.h"
 #include "core/LTrace.h"
 #include "ui/LEdSaveProcess.h"
-#include "ui/MainDialog.h"
 
 namespace {
 const char* const kWavMime = "audio/wav";
@@ -21,12 +20,12 @@ std::string ClipboardFilePath()
 }
 } // namespace
 
-bool MainDialog::RenderToWindowClipboard()
+bool LWindowClipboard::RenderTo(const LCutListAudio& audio)
 {
-    if (pClipboard->GetLength() <= 0)
+    if (audio.GetLength() <= 0)
         return false;
     const std::string szPath = ClipboardFilePath();
-    LEdSaveProcess save("Saving to clipboard", *pClipboard, szPath, LAudioEncoding::Named("pcm16"));
+    LEdSaveProcess save("Saving to clipboard", audio, szPath, LAudioEncoding::Named("pcm16"));
     if (save.Run() != LProgressDialog::ResultDone) {
         LTRACE("MainDialog::RenderToWindowClipboard save failed: %s", save.GetError().c_str());
         return false;
@@ -49,7 +48,7 @@ bool MainDialog::RenderToWindowClipboard()
     return true;
 }
 
-bool MainDialog::RenderFromWindowClipboard(std::string& szPath)
+bool LWindowClipboard::RenderFrom(std::string& szPath)
 {
     const QMimeData* pMime = QApplication::clipboard()->mimeData();
     if (!pMime)
@@ -70,14 +69,8 @@ bool MainDialog::RenderFromWindowClipboard(std::string& szPath)
     return true;
 }
 
-void MainDialog::CmPasteFromClipboard()
+bool LWindowClipboard::HasWave()
 {
-    LEdFile* pFile = GetCurrentFile();
-    std::string szPath;
-    if (!pFile || !RenderFromWindowClipboard(szPath))
-        return;
-    const LCutListAudio& doc = pFile->GetDocument();
-    LCutListAudioPtr pOther = ReadFileConformed(szPath, doc.GetSampleRate(), doc.GetChannels());
-    if (pOther)
-        PasteDocument(*pOther);
+    const QMimeData* pMime = QApplication::clipboard()->mimeData();
+    return pMime && (pMime->hasFormat(kWavMime) || pMime->hasFormat(kWavMimeOld));
 }

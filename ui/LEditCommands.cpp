@@ -1,10 +1,9 @@
-// The Edit menu: undo, the clipboard, selection, trims, silence, insertion, repeat, copy to new.
-// Every change of the audio is bracketed by StartModifyCurrentFile and EndModifyCurrentFile.
+#include "ui/LEditCommands.h"
+
 #include <QDir>
 
 #include <cmath>
 
-#include "core/LCutListAudioLoadSource.h"
 #include "core/LEdCommands.h"
 #include "core/LEdFile.h"
 #include "core/LFile.h"
@@ -17,7 +16,8 @@
 #include "ui/LEdFileWindow.h"
 #include "ui/LTransport.h"
 #include "ui/LUiPrompts.h"
-#include "ui/MainDialog.h"
+#include "ui/LWindowClipboard.h"
+#include "work/LCutListAudioLoadSource.h"
 
 namespace {
 enum Where
@@ -28,11 +28,11 @@ enum Where
 };
 } // namespace
 
-bool MainDialog::CmEdit(int nId)
+bool LEditCommands::Command(int nId)
 {
     switch (nId) {
-    case CmUndoId: CmUndo(); return true;
-    case CmRedoId: CmRedo(); return true;
+    case CmUndoId: StepHistory(false); return true;
+    case CmRedoId: StepHistory(true); return true;
     case CmCutId: CmCut(); return true;
     case CmCopyId: CmCopy(); return true;
     case CmPasteId: CmPaste(); return true;
@@ -57,189 +57,191 @@ bool MainDialog::CmEdit(int nId)
     }
 }
 
-void MainDialog::CmUndo()
+void LEditCommands::StepHistory(bool bRedo)
 {
-    StepHistory(false);
-}
-
-void MainDialog::CmRedo()
-{
-    StepHistory(true);
-}
-
-void MainDialog::StepHistory(bool bRedo)
-{
-    LEdFileWindow* pWindow = GetCurrentFileWindow();
+    LEdFileWindow* pWindow = frame.GetCurrentFileWindow();
     if (!pWindow)
         return;
-    if (pTransport->GetActiveWindow() == pWindow)
-        pTransport->Stop();
+    if (frame.GetTransport().GetActiveWindow() == pWindow)
+        frame.GetTransport().Stop();
     LEdFile& file = pWindow->GetFile();
     if (!(bRedo ? file.Redo() : file.Undo()))
         return;
     pWindow->setWindowTitle(pWindow->Caption());
     pWindow->Refresh();
-    UpdateUndoMenuItem();
-    UpdateMenuStates();
-    UpdateTimeFields();
-    NoteChange();
+    frame.UpdateUndoMenuItem();
+    frame.UpdateMenuStates();
+    frame.UpdateTimeFields();
+    frame.NoteChange();
 }
 
-void MainDialog::CmCut()
+void LEditCommands::CmCut()
 {
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd))
+    if (!frame.GetSelection(sStart, sEnd))
         return;
-    LEdFile& file = *GetCurrentFile();
-    StartModifyCurrentFile("Cut");
-    const LEdRange sel = LEdCommands::Cut(file.GetDocument(), sStart, sEnd, *pClipboard);
+    LEdFile& file = *frame.GetCurrentFile();
+    frame.StartModifyCurrentFile("Cut");
+    const LEdRange sel = LEdCommands::Cut(file.GetDocument(), sStart, sEnd, frame.GetClipboardAudio());
     file.SetSelection(sel.sStart, sel.sEnd);
-    EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
-    RenderToWindowClipboard();
-    UpdateMenuStates();
+    frame.EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
+    LWindowClipboard::RenderTo(frame.GetClipboardAudio());
+    frame.UpdateMenuStates();
 }
 
-void MainDialog::CmCopy()
+void LEditCommands::CmCopy()
 {
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd))
+    if (!frame.GetSelection(sStart, sEnd))
         return;
-    LEdCommands::Copy(GetCurrentFile()->GetDocument(), sStart, sEnd, *pClipboard);
-    RenderToWindowClipboard();
-    UpdateMenuStates();
+    LEdCommands::Copy(frame.GetCurrentFile()->GetDocument(), sStart, sEnd, frame.GetClipboardAudio());
+    LWindowClipboard::RenderTo(frame.GetClipboardAudio());
+    frame.UpdateMenuStates();
 }
 
-void MainDialog::CmPaste()
+void LEditCommands::CmPaste()
 {
-    LEdFile* pFile = GetCurrentFile();
-    if (!pFile || pClipboard->GetLength() <= 0)
+    LEdFile* pFile = frame.GetCurrentFile();
+    if (!pFile || frame.GetClipboardAudio().GetLength() <= 0)
         return;
     const LCutListAudio& doc = pFile->GetDocument();
-    LCutListAudioPtr pOther(pClipboard.Get());
-    if (pClipboard->GetSampleRate() != doc.GetSampleRate() || pClipboard->GetChannels() != doc.GetChannels()) {
-        pOther = ConformDocument(*pClipboard, doc.GetSampleRate(), doc.GetChannels());
+    LCutListAudioPtr pOther(&frame.GetClipboardAudio());
+    if (frame.GetClipboardAudio().GetSampleRate() != doc.GetSampleRate() || frame.GetClipboardAudio().GetChannels() != doc.GetChannels()) {
+        pOther = ConformDocument(frame.GetClipboardAudio(), doc.GetSampleRate(), doc.GetChannels());
         if (!pOther)
             return;
     }
     PasteDocument(*pOther);
 }
 
-void MainDialog::PasteDocument(const LCutListAudio& other)
+void LEditCommands::PasteDocument(const LCutListAudio& other)
 {
-    LEdFile* pFile = GetCurrentFile();
+    LEdFile* pFile = frame.GetCurrentFile();
     if (!pFile)
         return;
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd)) {
+    if (!frame.GetSelection(sStart, sEnd)) {
         InsertDocument(other, pFile->GetCursor(), "Paste");
         return;
     }
     // A paste over a selection replaces it.
-    StartModifyCurrentFile("Paste");
+    frame.StartModifyCurrentFile("Paste");
     const LEdRange sel = LEdCommands::Paste(pFile->GetDocument(), sStart, sEnd, other);
     pFile->SetSelection(sel.sStart, sel.sEnd);
-    EndModifyCurrentFile(sStart, pFile->GetDocument().GetSampleRate());
+    frame.EndModifyCurrentFile(sStart, pFile->GetDocument().GetSampleRate());
 }
 
-void MainDialog::InsertDocument(const LCutListAudio& other, int32_t sAt, const std::string& szLabel)
+void LEditCommands::InsertDocument(const LCutListAudio& other, int32_t sAt, const std::string& szLabel)
 {
-    LEdFile* pFile = GetCurrentFile();
+    LEdFile* pFile = frame.GetCurrentFile();
     if (!pFile)
         return;
-    StartModifyCurrentFile(szLabel);
+    frame.StartModifyCurrentFile(szLabel);
     const LEdRange sel = LEdCommands::Paste(pFile->GetDocument(), sAt, sAt, other);
     pFile->SetSelection(sel.sStart, sel.sEnd);
-    EndModifyCurrentFile(sAt, pFile->GetDocument().GetSampleRate());
+    frame.EndModifyCurrentFile(sAt, pFile->GetDocument().GetSampleRate());
 }
 
-void MainDialog::CmDelete()
+void LEditCommands::CmPasteFromClipboard()
+{
+    LEdFile* pFile = frame.GetCurrentFile();
+    std::string szPath;
+    if (!pFile || !LWindowClipboard::RenderFrom(szPath))
+        return;
+    const LCutListAudio& doc = pFile->GetDocument();
+    LCutListAudioPtr pOther = ReadFileConformed(szPath, doc.GetSampleRate(), doc.GetChannels());
+    if (pOther)
+        PasteDocument(*pOther);
+}
+
+void LEditCommands::CmDelete()
 {
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd))
+    if (!frame.GetSelection(sStart, sEnd))
         return;
-    LEdFile& file = *GetCurrentFile();
-    StartModifyCurrentFile("Delete");
+    LEdFile& file = *frame.GetCurrentFile();
+    frame.StartModifyCurrentFile("Delete");
     const LEdRange sel = LEdCommands::Delete(file.GetDocument(), sStart, sEnd);
     file.SetSelection(sel.sStart, sel.sEnd);
-    EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
+    frame.EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
 }
 
-void MainDialog::CmSelectAll()
+void LEditCommands::CmSelectAll()
 {
-    if (LEdFileWindow* pWindow = GetCurrentFileWindow())
+    if (LEdFileWindow* pWindow = frame.GetCurrentFileWindow())
         pWindow->SetSelection(0, pWindow->GetFile().GetDocument().GetLength());
-    OnFileSelectionChanged();
+    frame.OnFileSelectionChanged();
 }
 
-void MainDialog::CmSelectToStart()
+void LEditCommands::CmSelectToStart()
 {
-    if (LEdFileWindow* pWindow = GetCurrentFileWindow())
+    if (LEdFileWindow* pWindow = frame.GetCurrentFileWindow())
         pWindow->SetSelection(0, pWindow->GetFile().GetCursor());
-    OnFileSelectionChanged();
+    frame.OnFileSelectionChanged();
 }
 
-void MainDialog::CmSelectToEnd()
+void LEditCommands::CmSelectToEnd()
 {
-    if (LEdFileWindow* pWindow = GetCurrentFileWindow())
+    if (LEdFileWindow* pWindow = frame.GetCurrentFileWindow())
         pWindow->SetSelection(pWindow->GetFile().GetCursor(), pWindow->GetFile().GetDocument().GetLength());
-    OnFileSelectionChanged();
+    frame.OnFileSelectionChanged();
 }
 
-void MainDialog::CmTrim()
+void LEditCommands::CmTrim()
 {
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd))
+    if (!frame.GetSelection(sStart, sEnd))
         return;
-    LEdFile& file = *GetCurrentFile();
-    StartModifyCurrentFile("Trim");
+    LEdFile& file = *frame.GetCurrentFile();
+    frame.StartModifyCurrentFile("Trim");
     const LEdRange sel = LEdCommands::Trim(file.GetDocument(), sStart, sEnd);
     file.SetSelection(sel.sStart, sel.sEnd);
     file.SetView(0, file.GetDocument().GetLength());
-    EndModifyCurrentFile(0, 0);
+    frame.EndModifyCurrentFile(0, 0);
 }
 
-void MainDialog::CmTrimStart()
+void LEditCommands::CmTrimStart()
 {
-    LEdFile* pFile = GetCurrentFile();
+    LEdFile* pFile = frame.GetCurrentFile();
     if (!pFile)
         return;
     const int32_t sAt = pFile->GetCursor();
-    StartModifyCurrentFile("Trim Start");
+    frame.StartModifyCurrentFile("Trim Start");
     const LEdRange sel = LEdCommands::TrimStart(pFile->GetDocument(), sAt);
     pFile->SetSelection(sel.sStart, sel.sEnd);
-    EndModifyCurrentFile(0, 0);
+    frame.EndModifyCurrentFile(0, 0);
 }
 
-void MainDialog::CmTrimEnd()
+void LEditCommands::CmTrimEnd()
 {
-    LEdFile* pFile = GetCurrentFile();
+    LEdFile* pFile = frame.GetCurrentFile();
     if (!pFile)
         return;
     const int32_t sAt = pFile->GetCursor();
-    StartModifyCurrentFile("Trim End");
+    frame.StartModifyCurrentFile("Trim End");
     const LEdRange sel = LEdCommands::TrimEnd(pFile->GetDocument(), sAt);
     pFile->SetSelection(sel.sStart, sel.sEnd);
-    EndModifyCurrentFile(0, 0);
+    frame.EndModifyCurrentFile(0, 0);
 }
 
-void MainDialog::CmSilence()
+void LEditCommands::CmSilence()
 {
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd))
+    if (!frame.GetSelection(sStart, sEnd))
         return;
-    LEdFile& file = *GetCurrentFile();
-    StartModifyCurrentFile("Edit Silence");
+    LEdFile& file = *frame.GetCurrentFile();
+    frame.StartModifyCurrentFile("Edit Silence");
     LEdCommands::Silence(file.GetDocument(), sStart, sEnd);
-    EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
+    frame.EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
 }
 
-void MainDialog::CmInsertSilence(int nWhere)
+void LEditCommands::CmInsertSilence(int nWhere)
 {
-    LEdFile* pFile = GetCurrentFile();
+    LEdFile* pFile = frame.GetCurrentFile();
     if (!pFile)
         return;
     double fSeconds = LSettings::GetInt("StoredValues", "SilenceTimes", 0) / 1000.0;
-    if (!LUiPrompts::Get().AskNumber(this, "Insert Silence", "Seconds of silence:", fSeconds, 0.001, 3600.0, 3))
+    if (!LUiPrompts::Get().AskNumber(frame.GetWidget(), "Insert Silence", "Seconds of silence:", fSeconds, 0.001, 3600.0, 3))
         return;
     const int32_t nMs = static_cast<int32_t>(std::lround(fSeconds * 1000.0));
     LSettings::SetInt("StoredValues", "SilenceTimes", nMs);
@@ -247,20 +249,20 @@ void MainDialog::CmInsertSilence(int nWhere)
     const char* const kLabels[] = {"Insert Silence At The Start", "Insert Silence At Current Position",
                                    "Insert Silence At The End"};
     const int32_t sAt = nWhere == AtBegin ? 0 : nWhere == AtCurrent ? pFile->GetCursor() : pFile->GetDocument().GetLength();
-    StartModifyCurrentFile(kLabels[nWhere]);
+    frame.StartModifyCurrentFile(kLabels[nWhere]);
     const LEdRange sel = LEdCommands::InsertSilence(pFile->GetDocument(), sAt, nMs);
     pFile->SetSelection(sel.sStart, sel.sEnd);
-    EndModifyCurrentFile(sAt, nRate);
+    frame.EndModifyCurrentFile(sAt, nRate);
 }
 
-void MainDialog::CmInsertFile(int nWhere)
+void LEditCommands::CmInsertFile(int nWhere)
 {
-    LEdFile* pFile = GetCurrentFile();
+    LEdFile* pFile = frame.GetCurrentFile();
     if (!pFile)
         return;
     const QString szFolder =
         QString::fromStdString(LSettings::GetString("Folders", "OpenFileDir", QDir::homePath().toStdString()));
-    const QStringList files = LUiPrompts::Get().GetOpenFileNames(this, "Insert File", szFolder,
+    const QStringList files = LUiPrompts::Get().GetOpenFileNames(frame.GetWidget(), "Insert File", szFolder,
                                                                  LAudioFilters::Open());
     if (files.isEmpty())
         return;
@@ -275,39 +277,39 @@ void MainDialog::CmInsertFile(int nWhere)
     InsertDocument(*pOther, sAt, kLabels[nWhere]);
 }
 
-void MainDialog::CmRepeatLoop()
+void LEditCommands::CmRepeatLoop()
 {
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd))
+    if (!frame.GetSelection(sStart, sEnd))
         return;
     double fTimes = LSettings::GetInt("StoredValues", "RepeatNumTimes", 1);
-    if (!LUiPrompts::Get().AskNumber(this, "Repeat Loop", "Number of repeats:", fTimes, 1, 1000, 0))
+    if (!LUiPrompts::Get().AskNumber(frame.GetWidget(), "Repeat Loop", "Number of repeats:", fTimes, 1, 1000, 0))
         return;
     LSettings::SetInt("StoredValues", "RepeatNumTimes", static_cast<int32_t>(fTimes));
-    LEdFile& file = *GetCurrentFile();
-    StartModifyCurrentFile("Repeat Loop");
+    LEdFile& file = *frame.GetCurrentFile();
+    frame.StartModifyCurrentFile("Repeat Loop");
     LEdCommands::Repeat(file.GetDocument(), sStart, sEnd, static_cast<int32_t>(fTimes));
-    EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
+    frame.EndModifyCurrentFile(sStart, file.GetDocument().GetSampleRate());
 }
 
-void MainDialog::CmCopyToNew()
+void LEditCommands::CmCopyToNew()
 {
     int32_t sStart, sEnd;
-    if (!GetSelection(sStart, sEnd))
+    if (!frame.GetSelection(sStart, sEnd))
         return;
     auto pNew = std::make_unique<LEdFile>();
-    LEdCommands::Copy(GetCurrentFile()->GetDocument(), sStart, sEnd, pNew->GetDocument());
+    LEdCommands::Copy(frame.GetCurrentFile()->GetDocument(), sStart, sEnd, pNew->GetDocument());
     pNew->SetModified(true);
     pNew->SetView(0, pNew->GetDocument().GetLength());
-    AddFileToList(std::move(pNew), std::string(), NextUntitledName());
+    frame.AddFileToList(std::move(pNew), std::string(), frame.NextUntitledName());
 }
 
-LCutListAudioPtr MainDialog::ReadFileConformed(const std::string& szPath, int32_t nRate, uint8_t nChans)
+LCutListAudioPtr LEditCommands::ReadFileConformed(const std::string& szPath, int32_t nRate, uint8_t nChans)
 {
     std::string szError;
     LSoundSourcePtr pSource = LAudioFile::OpenSource(szPath, &szError);
     if (pSource->IsError()) {
-        LUiPrompts::Get().Inform(this, "File Error",
+        LUiPrompts::Get().Inform(frame.GetWidget(), "File Error",
                                  QString("Unable to open \"%1\":\n%2").arg(QString::fromStdString(szPath),
                                                                            QString::fromStdString(szError)),
                                  LUiPrompts::IconError);
@@ -322,7 +324,7 @@ LCutListAudioPtr MainDialog::ReadFileConformed(const std::string& szPath, int32_
     return pDoc;
 }
 
-LCutListAudioPtr MainDialog::ConformDocument(const LCutListAudio& other, int32_t nRate, uint8_t nChans)
+LCutListAudioPtr LEditCommands::ConformDocument(const LCutListAudio& other, int32_t nRate, uint8_t nChans)
 {
     LSoundSourcePtr pSource = LPRSourceToSink::Adapt(other.OpenSource().Get(), nRate, nChans);
     LCutListAudioPtr pDoc(new LCutListAudio(nRate, nChans));
