@@ -2,6 +2,7 @@
 // defines; adding an effect is its module and one line here.
 SONITRA_EFFECT(kEfAmplify)
 SONITRA_EFFECT(kEfNormalize)
+SONITRA_EFFECT(kEfLoudnessNormalize)
 SONITRA_EFFECT(kEfHighPassFilter)
 SONITRA_EFFECT(kEfEqualizer)
 SONITRA_EFFECT(kEfEcho)
