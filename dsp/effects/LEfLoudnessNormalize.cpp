@@ -9,9 +9,10 @@
 #include "dsp/effects/LSRCGain.h"
 
 namespace {
+constexpr LEffectPreset kTargets[] = {{"Broadcast", -23}, {"Podcast", -16}, {"Streaming", -14}};
 constexpr LEffectParam kParams[] = {
     {"LoudnessTarget", -16, -70, 0, "Target loudness must be between -70 and 0 LUFS. Please try again.",
-     "Target Loudness (LUFS):", "LUFS"},
+     "Target Loudness (LUFS):", "LUFS", LEffectParam::Number, {}, kTargets},
     {"LoudnessTruePeak", -1, -20, 0, "True peak ceiling must be between -20 and 0 dBTP. Please try again.",
      "True Peak Ceiling (dBTP):", "dBTP"},
 };

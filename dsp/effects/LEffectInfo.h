@@ -15,6 +15,13 @@ struct LEffectArgs;
 class LCutListAudio;
 class LProgressDialog;
 
+// A named value a dialog offers for a field ("Broadcast", -23).
+struct LEffectPreset
+{
+    const char* szName;
+    int32_t nValue;
+};
+
 // One stored value an effect takes.
 struct LEffectParam
 {
@@ -34,6 +41,7 @@ struct LEffectParam
     const char* szUnit = ""; // "ms", "%", "Hz", "dB", "LUFS"...
     Kind kind = Number;
     std::span<const char* const> szChoices = {};
+    std::span<const LEffectPreset> vPresets = {}; // offered beside a Number field
 };
 
 struct LEffectInfo

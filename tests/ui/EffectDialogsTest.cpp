@@ -107,6 +107,26 @@ private slots:
                  std::string("Threshold (db) = -20, Ratio = Limit, Limit (db) = 3"));
     }
 
+    void presetFillsTheFieldAndTheTypedValueCounts()
+    {
+        LEffectSettingsDlg dlg(nullptr, Info(EffectCommand("loudness-normalize")));
+        QCOMPARE(Text(dlg, "LoudnessTarget"), QString("-16"));
+        auto* pPresets = dlg.findChild<QComboBox*>("LoudnessTargetPresets");
+        QVERIFY(pPresets);
+        const int nBroadcast = pPresets->findText("Broadcast (-23)");
+        QVERIFY(nBroadcast > 0);
+        emit pPresets->activated(nBroadcast);
+        QCOMPARE(Text(dlg, "LoudnessTarget"), QString("-23"));
+        dlg.accept();
+        QCOMPARE(LStoredValues::Get("LoudnessTarget"), -23);
+        // A preset is only a shortcut: a value out of range typed after it is still refused.
+        LEffectSettingsDlg again(nullptr, Info(EffectCommand("loudness-normalize")));
+        QCOMPARE(Text(again, "LoudnessTarget"), QString("-23"));
+        QVERIFY(!Offer(EffectCommand("loudness-normalize"), "LoudnessTarget", "-71"));
+        QCOMPARE(h->prompts.informs.last(),
+                 QString("Sonitra: Target loudness must be between -70 and 0 LUFS. Please try again."));
+    }
+
     void curveEditorAddsMovesRemovesAndKeepsTheFile()
     {
         LSettings::SetString("Folders", "Current", h->File("data").toStdString());

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -60,11 +61,34 @@ void LEffectSettingsDlg::AddField(QFormLayout* pForm, const LEffectParam& param,
         }
         pForm->addRow(szLabel, pBox);
     } else {
-        f.pEdit = new QLineEdit(QString::number(nValue), this);
-        f.pEdit->setObjectName(param.szKey);
-        pForm->addRow(szLabel, f.pEdit);
+        AddNumberField(pForm, param, f, nValue);
     }
     vFields.push_back(f);
+}
+
+void LEffectSettingsDlg::AddNumberField(QFormLayout* pForm, const LEffectParam& param, Field& f, int32_t nValue)
+{
+    f.pEdit = new QLineEdit(QString::number(nValue), this);
+    f.pEdit->setObjectName(param.szKey);
+    const QString szLabel = QString::fromUtf8(param.szLabel);
+    if (param.vPresets.empty()) {
+        pForm->addRow(szLabel, f.pEdit);
+        return;
+    }
+    auto* pPresets = new QComboBox(this);
+    pPresets->setObjectName(QString(param.szKey) + "Presets");
+    pPresets->addItem(tr("Presets..."));
+    for (const LEffectPreset& preset : param.vPresets)
+        pPresets->addItem(QString("%1 (%2)").arg(QString::fromUtf8(preset.szName)).arg(preset.nValue), preset.nValue);
+    QLineEdit* pEdit = f.pEdit;
+    connect(pPresets, &QComboBox::activated, this, [pPresets, pEdit](int nIndex) {
+        if (nIndex > 0)
+            pEdit->setText(QString::number(pPresets->itemData(nIndex).toInt()));
+    });
+    auto* pRow = new QHBoxLayout;
+    pRow->addWidget(f.pEdit, 1);
+    pRow->addWidget(pPresets);
+    pForm->addRow(szLabel, pRow);
 }
 
 QWidget* LEffectSettingsDlg::FieldOf(const char* szKey) const
