@@ -38,7 +38,7 @@ int32_t LoudnessNormalize(LProgressDialog& dlg, const LEffectInfo& info, LCutLis
     if (nResult != LProgressDialog::ResultDone || !loudness.bMeasured)
         return nResult;
     const double fGainDb = GainDb(loudness, args);
-    LTRACE("LoudnessNormalize I %.2f LUFS, true peak %.2f dBTP, gain %.2f dB", loudness.fIntegrated,
+    LTRACE("Process(EfLoudnessNormalize) I %.2f LUFS, true peak %.2f dBTP, gain %.2f dB", loudness.fIntegrated,
            loudness.fTruePeakDb, fGainDb);
     const int32_t nGain = LSRCGain::GainOfDb(fGainDb);
     LEffectFactoryPtr pFactory = LEffectFactoryFn::Make(
