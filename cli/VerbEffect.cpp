@@ -15,16 +15,13 @@
 
 namespace {
 
-const char kUsage[] =
+const char kUsageHead[] =
     "usage: sonitra-cli effect IN OUT NAME [PARAM=VALUE ...] [--range S,E]\n"
     "\n"
     "Applies the effect NAME to IN and writes the result to OUT (in the format its extension\n"
-    "names). NAME is the effect's menu text in lower case with dashes: amplify, normalize,\n"
-    "high-pass-filter, equalizer, echo, reverb, reverse, fade-in, fade-out, fade-out-and-trim,\n"
-    "envelope, automatic-gain-control, noise-reduction, dynamic-range-compressor,\n"
-    "dcoffset-correction, simple-speed-and-pitch-change, constant-pitch-and-speed-change,\n"
-    "constant-speed-and-pitch-change, paste-mix, mix-file, repeat-loop,\n"
-    "auto-trim, insert-silence, convert-sample-rate, mono, stereo.\n"
+    "names). NAME is one of (with its parameters):\n";
+
+const char kUsageTail[] =
     "\n"
     "Parameters are the editor's stored-value names, e.g. echo EchoTime=800 EchoGain=50 or\n"
     "high-pass-filter LowCutFreq=250; a parameter not given takes its stored value or default,\n"
@@ -39,6 +36,34 @@ const char kUsage[] =
     "OUT is written beside its final name and renamed when complete; nothing is written when\n"
     "the effect fails or is cancelled (Ctrl+C).\n"
     "Exit status: 0 done, 1 cancelled, 2 error, 64 wrong usage or a refused value.";
+
+// One line per effect of the catalog: "  echo  EchoTime=10..2999 ms (800), EchoGain=0..99 % (50)".
+std::string EffectLine(const LEffectInfo& info)
+{
+    std::string sz = std::string("  ") + info.szCliName;
+    const char* szSep = "  ";
+    for (const LEffectParam& param : info.vParams) {
+        sz += szSep + std::string(param.szKey) + "=" + std::to_string(param.nLowest) + ".." +
+              std::to_string(param.nHighest);
+        if (*param.szUnit)
+            sz += std::string(" ") + param.szUnit;
+        sz += " (" + std::to_string(param.nDefault) + ")";
+        szSep = ", ";
+    }
+    return sz + "\n";
+}
+
+const std::string& Usage()
+{
+    static const std::string sz = [] {
+        std::string szText = kUsageHead;
+        for (const LEffectInfo* p : LEffectCatalog::All())
+            if (LEffectRunner::IsAvailable(*p))
+                szText += EffectLine(*p);
+        return szText + kUsageTail;
+    }();
+    return sz;
+}
 
 struct Request
 {
@@ -100,20 +125,17 @@ bool ParsePoints(const std::string& szText, LPointList& list)
 
 bool IsCurveEffect(const LEffectInfo& info)
 {
-    return info.kind == LEffectKind::Equalizer || info.kind == LEffectKind::Envelope;
+    return info.curve != LEffectInfo::NoCurve;
 }
 
 bool IsMixEffect(const LEffectInfo& info)
 {
-    return info.kind == LEffectKind::PasteMix || info.kind == LEffectKind::MixFile;
+    return info.bTakesClip;
 }
 
 bool TakesKey(const LEffectInfo& info, const std::string& szKey)
 {
-    for (const char* sz : info.vKeys)
-        if (szKey == sz)
-            return true;
-    return false;
+    return LEffectCatalog::ParamOf(info, szKey) != nullptr;
 }
 
 // A ratio may be given by its label as well as by its index.
@@ -187,7 +209,7 @@ bool ParseArgs(const std::vector<std::string>& vArgs, Request& req)
     req.szIn = vPositional[0];
     req.szOut = vPositional[1];
     req.pInfo = LEffectCatalog::ByCliName(vPositional[2]);
-    if (!req.pInfo || !LEffectRunner::IsAvailable(req.pInfo->kind))
+    if (!req.pInfo || !LEffectRunner::IsAvailable(*req.pInfo))
         return UsageError("unknown effect '" + vPositional[2] + "'");
     for (const std::string& sz : vParams)
         if (!TakeParameter(sz, req))
@@ -279,4 +301,4 @@ int RunEffect(const std::vector<std::string>& vArgs)
 
 } // namespace
 
-static LCliVerb verbEffect("effect", "apply an effect to an audio file", kUsage, RunEffect);
+static LCliVerb verbEffect("effect", "apply an effect to an audio file", Usage().c_str(), RunEffect);

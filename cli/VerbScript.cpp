@@ -32,10 +32,7 @@ bool UsageError(const std::string& szText)
 
 bool TakesKey(const LEffectInfo& info, const std::string& szKey)
 {
-    for (const char* sz : info.vKeys)
-        if (szKey == sz)
-            return true;
-    return false;
+    return LEffectCatalog::ParamOf(info, szKey) != nullptr;
 }
 
 bool ParseValue(const std::string& szKey, const std::string& szText, int32_t& nValue)
@@ -130,8 +127,8 @@ int RunShow(const std::vector<std::string>& vArgs)
         LEffectArgs args;
         const bool bRead = GetCommandDataItemData(vItems[i], args);
         if (bRead)
-            for (const char* szKey : pInfo->vKeys)
-                szLine += std::string(" ") + szKey + "=" + std::to_string(args.Value(szKey));
+            for (const LEffectParam& param : pInfo->vParams)
+                szLine += std::string(" ") + param.szKey + "=" + std::to_string(args.Value(param.szKey));
         bAllUsable = bAllUsable && bRead;
         std::printf("%zu. %s\n   %s\n", i + 1, szLine.c_str(), DescribeCommandRecord(vItems[i]).c_str());
     }

@@ -12,8 +12,7 @@ const LEffectInfo* BatchCommandInfo(uint32_t uCommandId)
         return nullptr;
     const LEffectInfo* pInfo = LEffectCatalog::ByCommand(static_cast<int>(uCommandId));
     // The mixing effects need a clip the script cannot carry.
-    if (!pInfo || !LEffectRunner::IsAvailable(pInfo->kind) || pInfo->kind == LEffectKind::PasteMix ||
-        pInfo->kind == LEffectKind::MixFile)
+    if (!pInfo || !LEffectRunner::IsAvailable(*pInfo) || pInfo->bTakesClip)
         return nullptr;
     return pInfo;
 }
@@ -59,7 +58,7 @@ std::string DescribeCommandDataItem(const CommandDataItem& item)
     LEffectArgs args;
     if (!GetCommandDataItemData(item, args))
         return LBatchScript::kTooSmall;
-    return LEffectCatalog::Describe(pInfo->kind, args);
+    return LEffectCatalog::Describe(*pInfo, args);
 }
 
 std::string DescribeCommandRecord(const CommandDataItem& item)
@@ -68,13 +67,7 @@ std::string DescribeCommandRecord(const CommandDataItem& item)
     LEffectArgs args;
     if (!pInfo || !GetCommandDataItemData(item, args))
         return DescribeCommandDataItem(item);
-    switch (pInfo->kind) {
-    case LEffectKind::ConvertSampleRate:
-        return "Convert Sample Rate = " + std::to_string(args.Value("ConvertSampleRate"));
-    case LEffectKind::ConvertMono: return "Convert Channel = 1";
-    case LEffectKind::ConvertStereo: return "Convert Channel = 2";
-    default: return DescribeCommandDataItem(item);
-    }
+    return LEffectCatalog::DescribeValues(*pInfo, args);
 }
 
 std::string LBatchScript::CheckItem(const CommandDataItem& item)

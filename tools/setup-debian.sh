@@ -5,7 +5,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git ccache
   libgtest-dev libgmock-dev
   qt6-base-dev qt6-base-dev-tools libgl-dev
-  portaudio19-dev
+  portaudio19-dev libebur128-dev
   libcdio-dev libcdio-paranoia-dev libburn-dev libdiscid-dev cd-paranoia
   clang libclang-rt-14-dev
   sox ffmpeg mpg123 lame libgsm-tools flac vorbis-tools espeak-ng xdg-utils

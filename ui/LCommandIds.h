@@ -1,5 +1,7 @@
 // Command numbers of the editor, by menu: 1000s File, 2000s Edit, 3000s Control, 4000s Effects,
-// 5000s Window and view, 6000s Help, 7000s Tools, 8000s Bookmarks and regions.
+// 5000s Window and view, 6000s Help, 7000s Tools, 8000s Bookmarks and regions. The effects are
+// numbered by their descriptors (LEffectCatalog); the commands of the Edit and File menus that
+// run as effects keep their names here for those menus' layout and handlers.
 #pragma once
 
 enum LCommandId
@@ -62,25 +64,6 @@ enum LCommandId
     CmFastForwardId = 3009,
     CmGoToEndId = 3010,
     CmScrubId = 3011,
-
-    CmAmplifyId = 4001,
-    CmNormalizeId = 4002,
-    CmEqualizerId = 4003,
-    CmEchoId = 4004,
-    CmReverbId = 4005,
-    CmFadeInId = 4006,
-    CmFadeOutId = 4007,
-    CmEnvelopeId = 4008,
-    CmAutoGainId = 4009,
-    CmNoiseReductionId = 4010,
-    CmHighPassId = 4011,
-    CmCompressorId = 4012,
-    CmFadeOutTrimId = 4013,
-    CmSimpleSpeedId = 4014,
-    CmConstantPitchId = 4015,
-    CmConstantSpeedId = 4016,
-    CmDcOffsetId = 4017,
-    CmReverseId = 4018,
 
     CmZoomInId = 5001,
     CmZoomOutId = 5002,

@@ -1,7 +1,9 @@
 #include "ui/LCommandTable.h"
 
 #include <iterator>
+#include <vector>
 
+#include "dsp/effects/LEffectCatalog.h"
 #include "ui/LCommandIds.h"
 
 namespace {
@@ -18,9 +20,6 @@ const LCommandInfo kCommands[] = {
     {CmCloseProjectId, "Close Project", "", "Closes the current project."},
     {CmSaveProjectId, "Save Project", "", "Saves the current project."},
     {CmSaveProjectAsId, "Save Project As...", "", "Saves the current project under a new name."},
-    {CmConvertRateId, "Convert Sample Rate", "", "Changes the sample rate of the current file."},
-    {CmMonoId, "Mono", "", "Converts the current file to one channel."},
-    {CmStereoId, "Stereo", "", "Converts the current file to two channels."},
     {CmSettingsId, "Settings...", "", "Changes the program's settings."},
     {CmExitId, "E&xit", "Alt+F4", "Quit"},
 
@@ -30,18 +29,14 @@ const LCommandInfo kCommands[] = {
     {CmCopyId, "Copy ", "Ctrl+C", "Copies the selected region to the clipboard."},
     {CmPasteId, "Paste ", "Ctrl+V", "Inserts the clipboard contents at the current position."},
     {CmPasteFromClipboardId, "Paste From Clipboard", "", "Inserts window clipboard contents."},
-    {CmPasteMixId, "Paste Mix...", "", "Mixes the clipboard contents into the file."},
     {CmPasteMixFromClipboardId, "Paste Mix From Clipboard...", "", "Mixes the window clipboard contents into the file."},
     {CmDeleteId, "&Delete", "", "Deletes the selected region."},
     {CmSelectAllId, "Select All", "Ctrl+A", "Selects the whole file."},
     {CmSelectToStartId, "Select To Start", "Shift+Home", "Selects from the start of the file to the current position."},
     {CmSelectToEndId, "Select To End", "Shift+End", "Selects from the current position to the end of the file."},
-    {CmMixFileId, "Mix File...", "", "Mixes another file into the current file."},
-    {CmRepeatLoopId, "Repeat Loop...", "", "Repeats the selected region."},
     {CmTrimId, "Trim", "Ctrl+T", "The selected region becomes the entire file."},
     {CmTrimStartId, "Trim Start", "Ctrl+M", "Deletes everything before the current position."},
     {CmTrimEndId, "Trim End", "Ctrl+E", "Deletes everything after the current position."},
-    {CmAutoTrimId, "Auto Trim", "", "Deletes silence from the start and end."},
     {CmSilenceId, "Silence Select Region", "", "Replaces the selected region with silence."},
     {CmInsertSilenceBeginId, "Begin", "", "Inserts silence at the start of the file."},
     {CmInsertSilenceCurrentId, "Current", "", "Inserts silence at the current position."},
@@ -62,26 +57,6 @@ const LCommandInfo kCommands[] = {
     {CmFastForwardId, "Fast Forward", "F8", "Plays fast forwards while the key is held."},
     {CmGoToEndId, "Go To End", "End", "Moves the current position to the end."},
     {CmScrubId, "Scrub", "Space", "Loops a short snippet at the current position."},
-
-    {CmAmplifyId, "Amplify...", "", "Makes the selected region louder or softer."},
-    {CmNormalizeId, "Normalize...", "", "Brings the loudest peak to a chosen level."},
-    {CmHighPassId, "High-Pass Filter...", "", "Removes low frequencies such as hum and rumble."},
-    {CmEqualizerId, "Equalizer...", "", "Boosts or cuts frequency bands."},
-    {CmEchoId, "Echo...", "", "Adds an echo."},
-    {CmReverbId, "Reverb...", "", "Adds reverberation."},
-    {CmReverseId, "Reverse", "", "Plays the selected region backwards."},
-    {CmFadeInId, "Fade In", "", "Fades in over the selected region."},
-    {CmFadeOutId, "Fade Out", "", "Fades out over the selected region."},
-    {CmFadeOutTrimId, "Fade Out and Trim", "",
-     "Fades out over the selected region and deletes everything after the end position."},
-    {CmEnvelopeId, "Envelope...", "", "Shapes the volume over the selected region."},
-    {CmAutoGainId, "Automatic Gain Control", "", "Evens out loud and soft passages."},
-    {CmNoiseReductionId, "Noise Reduction", "", "Reduces background noise."},
-    {CmSimpleSpeedId, "Simple Speed and Pitch Change", "", "Changes speed and pitch together."},
-    {CmConstantPitchId, "Constant Pitch and Speed Change", "", "Changes the speed and keeps the pitch."},
-    {CmConstantSpeedId, "Constant Speed and Pitch Change", "", "Changes the pitch and keeps the speed."},
-    {CmCompressorId, "Dynamic Range Compressor", "", "Reduces the difference between loud and soft."},
-    {CmDcOffsetId, "DCOffset Correction", "", "Removes DC component to avoid clicks when editing."},
 
     {CmFrequencyAnalysisId, "Frequency Analysis (FFT)", "", "Shows the spectrum of the selected region."},
     {CmToneGeneratorId, "Tone Generator", "", "Generates tones."},
@@ -111,11 +86,26 @@ const LCommandInfo kCommands[] = {
     {CmHelpId, "&Help Contents", "F1", "Shows the help."},
     {CmAboutId, "About Sonitra", "", "Shows the program's version."},
 };
+
+// The effects' rows come from their descriptors; a row of the table above is the menu's own.
+const std::vector<LCommandInfo>& EffectRows()
+{
+    static const std::vector<LCommandInfo> v = [] {
+        std::vector<LCommandInfo> vRows;
+        for (const LEffectInfo* p : LEffectCatalog::All())
+            vRows.push_back({p->nCommandId, p->szMenuText, "", p->szHint});
+        return vRows;
+    }();
+    return v;
+}
 } // namespace
 
 const LCommandInfo* LCommandTable::Find(int nId)
 {
     for (const LCommandInfo& c : kCommands)
+        if (c.nId == nId)
+            return &c;
+    for (const LCommandInfo& c : EffectRows())
         if (c.nId == nId)
             return &c;
     return nullptr;

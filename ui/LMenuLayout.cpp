@@ -1,9 +1,21 @@
 #include "ui/LMenuLayout.h"
 
+#include "dsp/effects/LEffectCatalog.h"
 #include "ui/LCommandIds.h"
 #include "ui/LCommandTable.h"
 
 namespace LMenuLayout {
+
+namespace {
+// The Effects menu is the catalog's effects in order, a separator between their groups.
+std::vector<LMenuItem> EffectItems()
+{
+    std::vector<LMenuItem> v;
+    for (int nId : LEffectCatalog::MenuCommands("Effects"))
+        v.push_back({nId == 0 ? kSeparator : nId, nullptr});
+    return v;
+}
+} // namespace
 
 const std::vector<LMenuDef>& Menus()
 {
@@ -30,13 +42,7 @@ const std::vector<LMenuDef>& Menus()
          {{CmRecordId, nullptr}, {CmPlayId, nullptr}, {CmPlayNormalId, nullptr}, {CmPlaySlowId, nullptr},
           {CmPlayFastId, nullptr}, {CmStopId, nullptr}, {kSeparator, nullptr}, {CmGoToStartId, nullptr},
           {CmRewindId, nullptr}, {CmFastForwardId, nullptr}, {CmGoToEndId, nullptr}}},
-        {"Effec&ts",
-         {{CmAmplifyId, nullptr}, {CmNormalizeId, nullptr}, {CmHighPassId, nullptr}, {CmEqualizerId, nullptr},
-          {CmEchoId, nullptr}, {CmReverbId, nullptr}, {CmReverseId, nullptr}, {kSeparator, nullptr},
-          {CmFadeInId, nullptr}, {CmFadeOutId, nullptr}, {CmFadeOutTrimId, nullptr}, {CmEnvelopeId, nullptr},
-          {kSeparator, nullptr}, {CmAutoGainId, nullptr}, {CmNoiseReductionId, nullptr}, {kSeparator, nullptr},
-          {CmSimpleSpeedId, nullptr}, {CmConstantPitchId, nullptr}, {CmConstantSpeedId, nullptr},
-          {kSeparator, nullptr}, {CmCompressorId, nullptr}, {CmDcOffsetId, nullptr}}},
+        {"Effec&ts", EffectItems()},
         {"T&ools",
          {{CmFrequencyAnalysisId, nullptr}, {CmToneGeneratorId, nullptr}, {CmTextToSpeechId, nullptr},
           {CmBatchConverterId, nullptr}}},

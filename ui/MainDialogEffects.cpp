@@ -23,27 +23,12 @@
 #include "ui/effects/LEffectSettingsDlg.h"
 
 namespace {
-// Commands of other menus that run through the effects.
-bool IsEffectMenuCommand(int nId)
-{
-    switch (nId) {
-    case CmPasteMixId:
-    case CmPasteMixFromClipboardId:
-    case CmMixFileId:
-    case CmAutoTrimId:
-    case CmConvertRateId:
-    case CmMonoId:
-    case CmStereoId:
-        return true;
-    default:
-        return nId >= CmAmplifyId && nId <= CmReverseId;
-    }
-}
-
-// Pasting a mix from the system's clipboard is a paste mix with another clip.
+// Pasting a mix from the system's clipboard is a paste mix with another clip. Effects whose
+// command the editor runs through its own menu are not run here.
 const LEffectInfo* EffectOf(int nId)
 {
-    return LEffectCatalog::ByCommand(nId == CmPasteMixFromClipboardId ? CmPasteMixId : nId);
+    const LEffectInfo* pInfo = LEffectCatalog::ByCommand(nId == CmPasteMixFromClipboardId ? CmPasteMixId : nId);
+    return pInfo && !pInfo->bEditorOwnCommand && LEffectRunner::IsAvailable(*pInfo) ? pInfo : nullptr;
 }
 
 bool SystemClipboardHasWave()
@@ -71,24 +56,20 @@ bool AskMixClip(QWidget* pParent, LEffectArgs& args)
     return true;
 }
 
-// The effect's dialog (a clip to mix is chosen first); false when the user cancels.
-bool AskEffectSettings(QWidget* pParent, const LEffectInfo& info, LEffectArgs& args)
+// The effect's dialog (a clip to mix from a file is chosen first); false when the user cancels.
+bool AskEffectSettings(QWidget* pParent, int nCommandId, const LEffectInfo& info, LEffectArgs& args)
 {
-    switch (info.kind) {
-    case LEffectKind::Equalizer:
-    case LEffectKind::Envelope: {
+    if (info.curve != LEffectInfo::NoCurve) {
         LPointList list;
-        const auto curve = info.kind == LEffectKind::Equalizer ? LCurveDlg::Equalizer : LCurveDlg::Envelope;
+        const auto curve = info.curve == LEffectInfo::EqualizerCurve ? LCurveDlg::Equalizer : LCurveDlg::Envelope;
         if (!LCurveDlg::Edit(pParent, curve, &list))
             return false;
         args.curve = list;
         return true;
     }
-    case LEffectKind::MixFile:
-        return AskMixClip(pParent, args) && LEffectSettingsDlg::Edit(pParent, info);
-    default:
-        return !info.bAsksSettings || info.vKeys.empty() || LEffectSettingsDlg::Edit(pParent, info);
-    }
+    if (nCommandId == CmMixFileId && !AskMixClip(pParent, args))
+        return false;
+    return !info.bAsksSettings || info.vParams.empty() || LEffectSettingsDlg::Edit(pParent, info);
 }
 } // namespace
 
@@ -96,46 +77,36 @@ bool MainDialog::IsEffectCommandEnabled(int nCommandId) const
 {
     const LEffectInfo* pInfo = EffectOf(nCommandId);
     LEdFile* pFile = GetCurrentFile();
-    if (!IsEffectMenuCommand(nCommandId) || !pInfo || !pFile || pTransport->IsRecording() ||
-        !LEffectRunner::IsAvailable(pInfo->kind))
+    if (!pInfo || !pFile || pTransport->IsRecording())
         return false;
     const LCutListAudio& doc = pFile->GetDocument();
-    switch (nCommandId) {
-    case CmPasteMixId:
+    if (pInfo->nNeedsChannels && doc.GetChannels() != pInfo->nNeedsChannels)
+        return false;
+    if (nCommandId == CmPasteMixId)
         return pClipboard && pClipboard->GetLength() > 0;
-    case CmPasteMixFromClipboardId:
+    if (nCommandId == CmPasteMixFromClipboardId)
         return SystemClipboardHasWave();
-    case CmMonoId:
-        return doc.GetChannels() == 2;
-    case CmStereoId:
-        return doc.GetChannels() == 1;
-    case CmMixFileId:
-    case CmConvertRateId:
-        return true;
-    default:
-        return doc.GetLength() > 0;
-    }
+    return pInfo->bWorksOnEmpty || doc.GetLength() > 0;
 }
 
 bool MainDialog::CmEffect(int nCommandId)
 {
-    if (!IsEffectMenuCommand(nCommandId))
-        return false;
     const LEffectInfo* pInfo = EffectOf(nCommandId);
+    if (!pInfo)
+        return false;
     LEdFileWindow* pWindow = GetCurrentFileWindow();
-    if (!pInfo || !pWindow)
-        return pInfo != nullptr;
+    if (!pWindow)
+        return true;
     LEdFile& file = pWindow->GetFile();
     LCutListAudio& doc = file.GetDocument();
 
     // The range: the selection, else the whole file; paste mix works from the cursor.
     int32_t sStart = 0, sEnd = doc.GetLength();
     const bool bSelection = GetSelection(sStart, sEnd);
-    const bool bMix = pInfo->kind == LEffectKind::PasteMix || pInfo->kind == LEffectKind::MixFile;
-    if (pInfo->bWholeFile) {
+    if (pInfo->range == LEffectInfo::WholeFile) {
         sStart = 0;
         sEnd = doc.GetLength();
-    } else if (bMix && !bSelection) {
+    } else if (pInfo->range == LEffectInfo::Cursor && !bSelection) {
         sStart = sEnd = file.GetCursor();
     }
 
@@ -152,7 +123,7 @@ bool MainDialog::CmEffect(int nCommandId)
     // Its dialog may preview the effect on the range, with the main playback stopped.
     LEffectPreviewButton::Target previewTarget(doc, sStart, sEnd, args);
     previewTarget.fnBeforePlay = [this] { pTransport->Stop(); };
-    if (!AskEffectSettings(this, *pInfo, args))
+    if (!AskEffectSettings(this, nCommandId, *pInfo, args))
         return true;
 
     StartModifyCurrentFile(pInfo->szUndoLabel);
@@ -165,7 +136,7 @@ bool MainDialog::CmEffect(int nCommandId)
     const int32_t nLength = doc.GetLength();
     file.SetSelection(std::min(file.GetSelStart(), nLength), std::min(file.GetSelEnd(), nLength));
     // Whole-file effects play from the start; the others from a second before the edit.
-    if (pInfo->bWholeFile)
+    if (pInfo->range == LEffectInfo::WholeFile)
         EndModifyCurrentFile(0, 0);
     else
         EndModifyCurrentFile(std::min(sStart, nLength), doc.GetSampleRate());

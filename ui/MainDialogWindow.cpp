@@ -8,6 +8,7 @@
 #include "core/LEdFile.h"
 #include "core/LSoundTime.h"
 #include "core/LVersion.h"
+#include "dsp/effects/LEffectCatalog.h"
 #include "platform/audio/LPortAudioWave.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
@@ -193,9 +194,12 @@ void MainDialog::TrackWaveWindowMenu(const QPoint& ptGlobal)
             menu.addAction(p);
     }
     QMenu* pEffects = menu.addMenu(tr("Effects"));
-    for (int nId = CmAmplifyId; nId <= CmReverseId; ++nId)
-        if (QAction* p = GetAction(nId))
+    for (int nId : LEffectCatalog::MenuCommands("Effects")) {
+        if (nId == 0)
+            pEffects->addSeparator();
+        else if (QAction* p = GetAction(nId))
             pEffects->addAction(p);
+    }
     menu.addSeparator();
     menu.addAction(GetAction(CmSetBookmarkId));
     menu.addAction(GetAction(CmAddRegionId));

@@ -7,6 +7,7 @@
 #include "core/LFixed.h"
 #include "core/LSNKSegmentWriter.h"
 #include "core/LTrace.h"
+#include "dsp/effects/LEffectRunner.h"
 
 namespace {
 // Reads the source from 0 in blocks, handing each block's valid frames to fn; false on cancel.
@@ -90,3 +91,17 @@ int32_t LDCOffsetCorrection::RunOnDocument(LProgressDialog& dlg, const LEffectDa
         doc.Replace(data.sStart, data.sEnd, *pScratch);
     return bWritten ? nResult : LProgressDialog::ResultError;
 }
+
+namespace {
+int32_t CorrectDocument(LProgressDialog& dlg, const LEffectInfo&, LCutListAudio& doc, int32_t sStart, int32_t sEnd,
+                        const LEffectArgs&)
+{
+    return LDCOffsetCorrection::RunOnDocument(dlg, LEffectRunner::DataOf(doc, sStart, sEnd));
+}
+} // namespace
+
+SONITRA_DEFINE_EFFECT(kEfDCOffsetCorrection) = {
+    .nCommandId = 4017, .szCliName = "dcoffset-correction", .szMenuText = "DCOffset Correction", .szMenu = "Effects",
+    .nMenuGroup = 4, .szHint = "Removes DC component to avoid clicks when editing.",
+    .szUndoLabel = "DC Offset Correction", .szCaption = "DC Offset Correction", .pfnApply = CorrectDocument,
+};

@@ -2,6 +2,7 @@
 
 #include "core/LAudioCutTank.h"
 #include "core/LTrace.h"
+#include "dsp/effects/LEffectRunner.h"
 #include "dsp/LDPAutoGain.h"
 #include "dsp/effects/LEfSoundProcess.h"
 
@@ -27,3 +28,18 @@ int32_t LEfAutoGainControl::Run(LProgressDialog& dlg, const std::string& szCapti
         data.pCutList->Replace(data.sStart, data.sEnd, *pNew);
     return nResult;
 }
+
+namespace {
+int32_t AutoGainControl(LProgressDialog& dlg, const LEffectInfo& info, LCutListAudio& doc, int32_t sStart,
+                        int32_t sEnd, const LEffectArgs&)
+{
+    return LEfAutoGainControl::Run(dlg, info.szCaption, LEffectRunner::DataOf(doc, sStart, sEnd));
+}
+} // namespace
+
+SONITRA_DEFINE_EFFECT(kEfAutoGainControl) = {
+    .nCommandId = 4009, .szCliName = "automatic-gain-control", .szMenuText = "Automatic Gain Control",
+    .szMenu = "Effects", .nMenuGroup = 2, .szHint = "Evens out loud and soft passages.",
+    .szUndoLabel = "Automatic Gain Control", .szCaption = "Automatic Gain Control", .range = LEffectInfo::WholeFile,
+    .pfnApply = AutoGainControl,
+};

@@ -5,6 +5,8 @@
 #include "core/LAudioCutTank.h"
 #include "core/LFile.h"
 #include "core/LTrace.h"
+#include "dsp/effects/LEffectRunner.h"
+#include "dsp/effects/LStoredValues.h"
 #include "dsp/LDecibelTable.h"
 
 namespace {
@@ -104,3 +106,16 @@ int32_t LEfAutotrim::Run(LProgressDialog& dlg, LCutListAudio& doc, int32_t nThre
         doc.EfDelete(0, sStart);
     return LProgressDialog::ResultDone;
 }
+
+namespace {
+int32_t AutoTrim(LProgressDialog& dlg, const LEffectInfo&, LCutListAudio& doc, int32_t, int32_t, const LEffectArgs&)
+{
+    return LEfAutotrim::Run(dlg, doc, LStoredValues::AutoTrimThreshold());
+}
+} // namespace
+
+SONITRA_DEFINE_EFFECT(kEfAutoTrim) = {
+    .nCommandId = 2013, .szCliName = "auto-trim", .szMenuText = "Auto Trim", .szMenu = "Edit", .nMenuGroup = 0,
+    .szHint = "Deletes silence from the start and end.", .szUndoLabel = "Auto Trim", .szCaption = "AutoTrim",
+    .range = LEffectInfo::WholeFile, .pfnApply = AutoTrim,
+};

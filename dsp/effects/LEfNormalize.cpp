@@ -5,6 +5,7 @@
 
 #include "core/LFixed.h"
 #include "core/LTrace.h"
+#include "dsp/effects/LEffectRunner.h"
 
 int64_t LEfNormalize::BlockPeak(const int32_t* p, size_t n)
 {
@@ -55,3 +56,23 @@ int32_t LEfNormalize::Run(LProgressDialog& dlg, const LEffectData& data)
     data.pCutList->EfAmplify(sStart, data.sEnd, GainPercent(data.nParam1, nPeak));
     return LProgressDialog::ResultDone;
 }
+
+namespace {
+constexpr LEffectParam kParams[] = {
+    {"NormalizePeakLevel", 100, 0, 100, "Normailze Peak Level must be less than 100%. Please try again.",
+     "Normalize Peak Level (%):", "%"},
+};
+
+int32_t Normalize(LProgressDialog& dlg, const LEffectInfo&, LCutListAudio& doc, int32_t sStart, int32_t sEnd,
+                  const LEffectArgs& args)
+{
+    return LEfNormalize::Run(dlg, LEffectRunner::DataOf(doc, sStart, sEnd, args.Value("NormalizePeakLevel")));
+}
+} // namespace
+
+SONITRA_DEFINE_EFFECT(kEfNormalize) = {
+    .nCommandId = 4002, .szCliName = "normalize", .szMenuText = "Normalize...", .szMenu = "Effects",
+    .nMenuGroup = 0, .szHint = "Brings the loudest peak to a chosen level.", .szUndoLabel = "Normalize",
+    .szCaption = "Normalizing", .vParams = kParams, .szDescribe = "Normalize Peak Level (%%) = %d",
+    .bAsksSettings = true, .pfnApply = Normalize,
+};

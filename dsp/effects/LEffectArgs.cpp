@@ -10,14 +10,14 @@ int32_t LEffectArgs::Value(const std::string& szKey) const
 
 bool LEffectArgs::Validate(const LEffectInfo& info, std::string* pszMessage) const
 {
-    for (const char* szKey : info.vKeys)
-        if (!LStoredValues::Accept(szKey, Value(szKey), pszMessage))
+    for (const LEffectParam& param : info.vParams)
+        if (!LStoredValues::Accept(param.szKey, Value(param.szKey), pszMessage))
             return false;
     return true;
 }
 
 void LEffectArgs::Store(const LEffectInfo& info) const
 {
-    for (const char* szKey : info.vKeys)
-        LStoredValues::Set(szKey, Value(szKey));
+    for (const LEffectParam& param : info.vParams)
+        LStoredValues::Set(param.szKey, Value(param.szKey));
 }

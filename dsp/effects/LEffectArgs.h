@@ -9,7 +9,7 @@
 
 #include "core/LSoundSourceBase.h"
 #include "dsp/LPointList.h"
-#include "dsp/effects/LEffectCatalog.h"
+#include "dsp/effects/LEffectInfo.h"
 
 struct LEffectArgs
 {

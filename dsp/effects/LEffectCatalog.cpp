@@ -1,126 +1,103 @@
 #include "dsp/effects/LEffectCatalog.h"
 
-#include <cctype>
 #include <cstdio>
+#include <cstring>
 
-#include "core/LSettings.h"
 #include "dsp/CompressorRatioList.h"
 #include "dsp/effects/LEffectArgs.h"
-#include "dsp/effects/LStoredValues.h"
+
+#define SONITRA_EFFECT(name) extern const LEffectInfo name;
+#include "dsp/effects/LEffectList.h"
+#undef SONITRA_EFFECT
 
 namespace {
-using K = LEffectKind;
-const std::vector<LEffectInfo> kEffects = {
-    {K::Amplify, 4001, "Amplify...", "Amplify", "Amplify", {"AmplifyGain"}, true, false},
-    {K::Normalize, 4002, "Normalize...", "Normalize", "Normalizing", {"NormalizePeakLevel"}, true, false},
-    {K::HighPassFilter, 4011, "High-Pass Filter...", "High-Pass Filter", "Low Cut Filter", {"LowCutFreq"}, true, false, "EfLowCutFilter"},
-    {K::Equalizer, 4003, "Equalizer...", "Equalizer", "Equalizing", {}, true, false, "EfEqualiser"},
-    {K::Echo, 4004, "Echo...", "Echo", "Echo", {"EchoTime", "EchoGain"}, true, false, "EfEcho"},
-    {K::Reverb, 4005, "Reverb...", "Reverb", "Reverb", {"ReverbTime", "ReverbLevel"}, true, false, "EfReverb"},
-    {K::Reverse, 4018, "Reverse", "Reverse", "Reverse", {}, false, false},
-    {K::FadeIn, 4006, "Fade In", "Fade In", "Fade In", {}, false, false, "EfFadeIn"},
-    {K::FadeOut, 4007, "Fade Out", "Fade Out", "Fade Out", {}, false, false, "EfFadeOut"},
-    {K::FadeOutAndTrim, 4013, "Fade Out and Trim", "Fade Out and Trim", "Fade Out", {}, false, false, "EfFadeOut"},
-    {K::Envelope, 4008, "Envelope...", "Envelope", "Envelope", {}, true, false, "LEfEnvelope"},
-    {K::AutoGainControl, 4009, "Automatic Gain Control", "Automatic Gain Control", "Automatic Gain Control", {}, false, true},
-    {K::NoiseReduction, 4010, "Noise Reduction", "Noise Reduction", "Noise Reduction", {"NoiseGateLevel"}, false, false, "EfNoiseReduction"},
-    {K::SimpleSpeedPitch, 4014, "Simple Speed and Pitch Change", "Simple Speed and Pitch Change", "Process Audio", {"SpSpeedPitch"}, true, false, "LEfChangeSpeedPitch"},
-    {K::ConstPitchSpeed, 4015, "Constant Pitch and Speed Change", "Constant Pitch and Speed Change", "Process Audio", {"ConstPitchSpeed"}, true, false, "LEfChangeSpeedPitch"},
-    {K::ConstSpeedPitch, 4016, "Constant Speed and Pitch Change", "Constant Speed and Pitch Change", "Process Audio", {"ConstSpeedPitch"}, true, false, "LEfChangeSpeedPitch"},
-    {K::Compressor, 4012, "Dynamic Range Compressor", "Dynamic Range Compressor", "Dynamic Range Compressor",
-     {"CompressorThreshold", "CompressorRatio", "CompressorLimit"}, true, false, "EfCompressor"},
-    {K::DCOffsetCorrection, 4017, "DCOffset Correction", "DC Offset Correction", "DC Offset Correction", {}, false, false},
-    {K::PasteMix, 2005, "Paste Mix...", "Paste Mix", "Pasting Mix", {"PasteMixVolume", "LongerSelection", "FadeOutTime"}, true, false},
-    {K::MixFile, 2008, "Mix File...", "Mix File", "Pasting Mix", {"PasteMixVolume", "LongerSelection", "FadeOutTime"}, true, false},
-    {K::RepeatLoop, 2009, "Repeat Loop...", "Repeat Loop", "Repeat Loop", {"RepeatNumTimes"}, true, false},
-    {K::AutoTrim, 2013, "Auto Trim", "Auto Trim", "AutoTrim", {}, false, true},
-    {K::InsertSilence, 2016, "Insert Silence", "Insert Silence At Current Position", "Insert Silence", {"SilenceTimes"}, true, false},
-    {K::ConvertSampleRate, 1006, "Convert Sample Rate", "Convert Sample Rate", "Converting rate or channels...", {"ConvertSampleRate"}, true, true},
-    {K::ConvertMono, 1007, "Mono", "Convert Channels", "Converting rate or channels...", {}, false, true},
-    {K::ConvertStereo, 1008, "Stereo", "Convert Channels", "Converting rate or channels...", {}, false, true},
+#define SONITRA_EFFECT(name) &name,
+constinit const LEffectInfo* const kEffects[] = {
+#include "dsp/effects/LEffectList.h"
 };
-
-std::string Format(const char* szFormat, int32_t a, int32_t b = 0)
-{
-    char sz[128];
-    std::snprintf(sz, sizeof sz, szFormat, a, b);
-    return sz;
-}
+#undef SONITRA_EFFECT
 } // namespace
 
-const std::vector<LEffectInfo>& LEffectCatalog::All()
+std::span<const LEffectInfo* const> LEffectCatalog::All()
 {
     return kEffects;
 }
 
 const LEffectInfo* LEffectCatalog::ByCommand(int nCommandId)
 {
-    for (const LEffectInfo& e : kEffects)
-        if (e.nCommandId == nCommandId)
-            return &e;
+    for (const LEffectInfo* p : kEffects)
+        if (p->nCommandId == nCommandId)
+            return p;
     return nullptr;
-}
-
-const LEffectInfo* LEffectCatalog::ByKind(LEffectKind kind)
-{
-    for (const LEffectInfo& e : kEffects)
-        if (e.kind == kind)
-            return &e;
-    return nullptr;
-}
-
-std::string LEffectCatalog::CliName(const LEffectInfo& info)
-{
-    std::string sz;
-    for (const char* p = info.szMenuText; *p; ++p) {
-        if (*p == ' ')
-            sz += '-';
-        else if (*p != '.' && *p != '&')
-            sz += static_cast<char>(std::tolower(static_cast<unsigned char>(*p)));
-    }
-    return sz;
 }
 
 const LEffectInfo* LEffectCatalog::ByCliName(const std::string& szName)
 {
-    for (const LEffectInfo& e : kEffects)
-        if (CliName(e) == szName)
-            return &e;
+    for (const LEffectInfo* p : kEffects)
+        if (szName == p->szCliName)
+            return p;
     return nullptr;
 }
 
-std::string LEffectCatalog::Describe(LEffectKind kind)
+const LEffectParam* LEffectCatalog::ParamOf(const LEffectInfo& info, const std::string& szKey)
 {
-    return Describe(kind, LEffectArgs());
+    for (const LEffectParam& param : info.vParams)
+        if (szKey == param.szKey)
+            return &param;
+    return nullptr;
 }
 
-std::string LEffectCatalog::Describe(LEffectKind kind, const LEffectArgs& args)
+const LEffectParam* LEffectCatalog::FindParam(const std::string& szKey)
 {
-    auto V = [&args](const char* szKey) { return args.Value(szKey); };
-    // The conversion targets are read from the older section name, with the same defaults.
-    auto Old = [](const char* szKey, int32_t nDefault) {
-        return LSettings::GetInt(LStoredValues::kDescriptionSection, szKey, nDefault);
-    };
-    switch (kind) {
-    case K::InsertSilence: return Format("Silence Time (ms) = %d", V("SilenceTimes"));
-    case K::Amplify: return Format("Amplify Gain (%%) = %d", V("AmplifyGain"));
-    case K::Normalize: return Format("Normalize Peak Level (%%) = %d", V("NormalizePeakLevel"));
-    case K::HighPassFilter: return Format("Frequency (Hz) = %d", V("LowCutFreq"));
-    case K::Echo: return Format("Echo Time (ms) = %d, Echo Gain (%%) = %d", V("EchoTime"), V("EchoGain"));
-    case K::Reverb: return Format("Reverb Time (ms) = %d, Reverb Level (%%) = %d", V("ReverbTime"), V("ReverbLevel"));
-    case K::NoiseReduction: return Format("Noise Gate Level (dB) = %d", V("NoiseGateLevel"));
-    case K::SimpleSpeedPitch: return Format("Speed/Pitch Adjust (%%) = %d", V("SpSpeedPitch"));
-    case K::ConstPitchSpeed: return Format("Speed Adjust (%%) = %d", V("ConstPitchSpeed"));
-    case K::ConstSpeedPitch: return Format("Speed/Pitch Adjust (%%) = %d", V("ConstSpeedPitch"));
-    case K::Compressor: {
-        char sz[160];
-        std::snprintf(sz, sizeof sz, "Threshold (db) = %d, Ratio = %s, Limit (db) = %d", V("CompressorThreshold"),
-                      LCompressorRatio(V("CompressorRatio")).szLabel, V("CompressorLimit"));
-        return sz;
+    for (const LEffectInfo* p : kEffects)
+        if (const LEffectParam* pParam = ParamOf(*p, szKey))
+            return pParam;
+    return nullptr;
+}
+
+std::vector<int> LEffectCatalog::MenuCommands(const std::string& szMenu)
+{
+    std::vector<int> v;
+    const LEffectInfo* pLast = nullptr;
+    for (const LEffectInfo* p : kEffects) {
+        if (szMenu != p->szMenu)
+            continue;
+        if (pLast && pLast->nMenuGroup != p->nMenuGroup)
+            v.push_back(0);
+        v.push_back(p->nCommandId);
+        pLast = p;
     }
-    case K::ConvertSampleRate: return Format("Convert Sample Rate = %d", Old("ConvertSampleRate", 44100));
-    case K::ConvertMono:
-    case K::ConvertStereo: return Format("Convert Channel = %d", Old("ConvertChannel", 1));
-    default: return "Click on Settings to view or change.";
+    return v;
+}
+
+std::string LEffectCatalog::Describe(const LEffectInfo& info)
+{
+    return Describe(info, LEffectArgs());
+}
+
+std::string LEffectCatalog::Describe(const LEffectInfo& info, const LEffectArgs& args)
+{
+    return info.pfnDescribe ? info.pfnDescribe(args) : DescribeValues(info, args);
+}
+
+std::string LEffectCatalog::DescribeValues(const LEffectInfo& info, const LEffectArgs& args)
+{
+    if (!info.szDescribe)
+        return "Click on Settings to view or change.";
+    std::string sz;
+    size_t nNext = 0;
+    for (const char* p = info.szDescribe; *p; ++p) {
+        if (*p != '%' || !p[1]) {
+            sz += *p;
+            continue;
+        }
+        const char c = *++p;
+        if (c == '%' || nNext >= info.vParams.size()) {
+            sz += c == '%' ? "%" : "?";
+            continue;
+        }
+        const int32_t nValue = args.Value(info.vParams[nNext++].szKey);
+        sz += c == 's' ? std::string(LCompressorRatio(nValue).szLabel) : std::to_string(nValue);
     }
+    return sz;
 }

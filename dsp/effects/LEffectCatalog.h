@@ -1,67 +1,31 @@
-// Every effect the editor, the batch converter and the command-line tool can run: its command,
-// menu text, undo label, progress caption and the stored values it takes.
+// Every effect the editor, the batch converter and the command-line tool can run: the list of
+// the effects' descriptors (LEffectList.h, one line each), and lookups over it.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
-struct LEffectArgs;
-
-enum class LEffectKind
-{
-    Amplify,
-    Normalize,
-    HighPassFilter,
-    Equalizer,
-    Echo,
-    Reverb,
-    Reverse,
-    FadeIn,
-    FadeOut,
-    FadeOutAndTrim,
-    Envelope,
-    AutoGainControl,
-    NoiseReduction,
-    SimpleSpeedPitch,
-    ConstPitchSpeed,
-    ConstSpeedPitch,
-    Compressor,
-    DCOffsetCorrection,
-    PasteMix,
-    MixFile,
-    RepeatLoop,
-    AutoTrim,
-    InsertSilence,
-    ConvertSampleRate,
-    ConvertMono,
-    ConvertStereo,
-};
-
-struct LEffectInfo
-{
-    LEffectKind kind;
-    int nCommandId;
-    const char* szMenuText;  // as in the menu, dots and accelerator marks included
-    const char* szUndoLabel; // shown after "Undo "
-    const char* szCaption;   // first line of the progress dialog
-    std::vector<const char*> vKeys; // stored values it takes, in dialog order
-    bool bAsksSettings;      // shows a settings dialog before it runs
-    bool bWholeFile;         // works on the whole document, whatever is selected
-    const char* szBody = ""; // the process body, as the trace names it
-};
+#include "dsp/effects/LEffectInfo.h"
 
 class LEffectCatalog
 {
 public:
-    static const std::vector<LEffectInfo>& All();
+    // In menu order.
+    static std::span<const LEffectInfo* const> All();
     static const LEffectInfo* ByCommand(int nCommandId);
-    static const LEffectInfo* ByKind(LEffectKind kind);
-    // The command-line name: the menu text in lower case, words joined by dashes, no dots.
-    static std::string CliName(const LEffectInfo& info);
     static const LEffectInfo* ByCliName(const std::string& szName);
+    static std::string CliName(const LEffectInfo& info) { return info.szCliName; }
+    // The stored value of a key, from whichever effect takes it; null for an unknown key.
+    static const LEffectParam* FindParam(const std::string& szKey);
+    static const LEffectParam* ParamOf(const LEffectInfo& info, const std::string& szKey);
+    // The commands of a menu ("Effects"), in order, 0 where a separator goes.
+    static std::vector<int> MenuCommands(const std::string& szMenu);
 
     // The one-line description of a batch command's effect, from the stored values.
-    static std::string Describe(LEffectKind kind);
+    static std::string Describe(const LEffectInfo& info);
     // The same from the given values (a value not given takes its stored value).
-    static std::string Describe(LEffectKind kind, const LEffectArgs& args);
+    static std::string Describe(const LEffectInfo& info, const LEffectArgs& args);
+    // The description from the given values alone, even where the editor's own reads elsewhere.
+    static std::string DescribeValues(const LEffectInfo& info, const LEffectArgs& args);
 };

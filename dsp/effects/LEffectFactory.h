@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 
 #include "core/LSoundSourceBase.h"
 
@@ -34,3 +35,23 @@ private:
 };
 
 using LEffectFactoryPtr = LCountedPtr<LEffectFactory>;
+
+// A factory whose Create is a function of the input: what most effects need.
+class LEffectFactoryFn : public LEffectFactory
+{
+public:
+    using CreateFn = std::function<LSoundSourcePtr(LSoundSourceBase* pInput)>;
+    LEffectFactoryFn(CreateFn fn, int32_t nParam1 = 0, int32_t nParam2 = 0)
+        : LEffectFactory(nParam1, nParam2), fnCreate(std::move(fn))
+    {
+    }
+    LSoundSourcePtr Create(LSoundSourceBase* pInput) override { return fnCreate(pInput); }
+
+    static LEffectFactoryPtr Make(CreateFn fn, int32_t nParam1 = 0, int32_t nParam2 = 0)
+    {
+        return LEffectFactoryPtr(new LEffectFactoryFn(std::move(fn), nParam1, nParam2));
+    }
+
+private:
+    CreateFn fnCreate;
+};

@@ -4,8 +4,8 @@ std::vector<uint8_t> LEffectSettingsRecord::Write(const LEffectInfo& info, const
 {
     std::vector<uint8_t> v;
     v.reserve(SizeOf(info));
-    for (const char* szKey : info.vKeys) {
-        const uint32_t u = static_cast<uint32_t>(args.Value(szKey));
+    for (const LEffectParam& param : info.vParams) {
+        const uint32_t u = static_cast<uint32_t>(args.Value(param.szKey));
         for (int i = 0; i < 4; ++i)
             v.push_back(static_cast<uint8_t>(u >> (8 * i)));
     }
@@ -21,11 +21,11 @@ bool LEffectSettingsRecord::Read(const LEffectInfo& info, const uint8_t* pData, 
 {
     if (nSize < SizeOf(info))
         return false;
-    for (size_t k = 0; k < info.vKeys.size(); ++k) {
+    for (size_t k = 0; k < info.vParams.size(); ++k) {
         const uint8_t* p = pData + 4 * k;
         const uint32_t u = static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 |
                            static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[3]) << 24;
-        args.mapValues[info.vKeys[k]] = static_cast<int32_t>(u);
+        args.mapValues[info.vParams[k].szKey] = static_cast<int32_t>(u);
     }
     return true;
 }

@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "dsp/effects/LEffectArgs.h"
-#include "dsp/effects/LEffectCatalog.h"
+#include "dsp/effects/LEffectInfo.h"
 
 class LEffectSettingsRecord
 {
 public:
-    static size_t SizeOf(const LEffectInfo& info) { return info.vKeys.size() * 4; }
+    static size_t SizeOf(const LEffectInfo& info) { return info.vParams.size() * 4; }
 
     // The record of the given values (a value not given takes its stored value or default).
     static std::vector<uint8_t> Write(const LEffectInfo& info, const LEffectArgs& args);

@@ -5,6 +5,7 @@
 
 #include "core/LSNKSegmentWriter.h"
 #include "core/LTrace.h"
+#include "dsp/effects/LEffectRunner.h"
 #include "dsp/effects/LSRCReverse.h"
 
 namespace {
@@ -56,3 +57,17 @@ int32_t LReverseSoundProcess::Run(LProgressDialog& dlg, const LEffectData& data)
     doc.Replace(data.sStart, data.sEnd, *pScratch);
     return LProgressDialog::ResultDone;
 }
+
+namespace {
+int32_t Reverse(LProgressDialog& dlg, const LEffectInfo&, LCutListAudio& doc, int32_t sStart, int32_t sEnd,
+                const LEffectArgs&)
+{
+    return LReverseSoundProcess::Run(dlg, LEffectRunner::DataOf(doc, sStart, sEnd));
+}
+} // namespace
+
+SONITRA_DEFINE_EFFECT(kEfReverse) = {
+    .nCommandId = 4018, .szCliName = "reverse", .szMenuText = "Reverse", .szMenu = "Effects", .nMenuGroup = 0,
+    .szHint = "Plays the selected region backwards.", .szUndoLabel = "Reverse", .szCaption = "Reverse",
+    .pfnApply = Reverse,
+};

@@ -1,19 +1,14 @@
-// The last-used effect parameters: their keys, defaults and the rules a typed value must meet.
-// Dialogs, the batch converter and the command-line tool all read and check values here, so a
-// bad value is refused with the same message wherever it was typed.
+// The last-used effect parameters. Their keys, defaults and rules are the effects' own (declared
+// with each effect); dialogs, the batch converter and the command-line tool all read and check
+// values here, so a bad value is refused with the same message wherever it was typed.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-struct LStoredValueRule
-{
-    const char* szKey;
-    int32_t nDefault;
-    int32_t nLowest;  // accepted from here...
-    int32_t nHighest; // ...to here, inclusive
-    const char* szMessage;
-};
+#include "dsp/effects/LEffectInfo.h"
+
+using LStoredValueRule = LEffectParam;
 
 class LStoredValues
 {

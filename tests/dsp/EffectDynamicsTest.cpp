@@ -2,7 +2,6 @@
 
 #include "dsp/EffectDocSupport.h"
 #include "dsp/EffectTestUtil.h"
-#include "dsp/effects/LEffectFactories.h"
 #include "dsp/effects/LEffectRunner.h"
 
 using namespace efftest;
@@ -12,11 +11,11 @@ class EffectDynamics : public EffectDocTest
 {
 };
 
-std::vector<int32_t> RunOnCopy(const std::vector<int32_t>& vIn, LEffectKind kind, const LEffectArgs& args)
+std::vector<int32_t> RunOnCopy(const std::vector<int32_t>& vIn, const char* szEffect, const LEffectArgs& args)
 {
     LCutListAudioPtr pDoc = MakeDoc(vIn, 2, 22050);
     CancellingFactory fact(0);
-    LEffectProcess proc(*LEffectCatalog::ByKind(kind), pDoc.Get(), 0, pDoc->GetLength(), args);
+    LEffectProcess proc(*LEffectCatalog::ByCliName(szEffect), pDoc.Get(), 0, pDoc->GetLength(), args);
     EXPECT_EQ(proc.Run(&fact), 0);
     return ReadDoc(*pDoc);
 }
@@ -31,8 +30,8 @@ TEST_F(EffectDynamics, CompressorLimitSettingDoesNotChangeTheSound)
     a.mapValues = {{"CompressorThreshold", -20}, {"CompressorRatio", 4}, {"CompressorLimit", 3}};
     LEffectArgs b = a;
     b.mapValues["CompressorLimit"] = -60;
-    auto vA = RunOnCopy(vIn, LEffectKind::Compressor, a);
-    EXPECT_EQ(vA, RunOnCopy(vIn, LEffectKind::Compressor, b));
+    auto vA = RunOnCopy(vIn, "dynamic-range-compressor", a);
+    EXPECT_EQ(vA, RunOnCopy(vIn, "dynamic-range-compressor", b));
     EXPECT_NE(vA, vIn);
     EXPECT_EQ(vA.size(), vIn.size());
 }
@@ -42,13 +41,15 @@ TEST_F(EffectDynamics, CompressorRatioOneToOnePassesTheAudio)
     auto vIn = Noise(2 * 20000, 300000);
     LEffectArgs a;
     a.mapValues = {{"CompressorThreshold", -30}, {"CompressorRatio", 0}};
-    EXPECT_EQ(RunOnCopy(vIn, LEffectKind::Compressor, a), vIn);
+    EXPECT_EQ(RunOnCopy(vIn, "dynamic-range-compressor", a), vIn);
 }
 
 TEST_F(EffectDynamics, NoiseReductionHandsALatchedInputBack)
 {
     LSoundSourcePtr pSilent(new LSRCSilence);
-    LEffectFactoryPtr pFactory(new LNoiseReductionFactory(-30));
+    LEffectArgs args;
+    args.mapValues["NoiseGateLevel"] = -30;
+    LEffectFactoryPtr pFactory = LEffectCatalog::ByCliName("noise-reduction")->pfnFactory(args);
     EXPECT_EQ(pFactory->Create(pSilent.Get()).Get(), pSilent.Get());
 }
 
@@ -61,7 +62,7 @@ TEST_F(EffectDynamics, SimpleSpeedChangeShortensAndRaisesPitch)
     LEffectArgs a;
     a.mapValues = {{"SpSpeedPitch", 200}};
     CancellingFactory fact(0);
-    LEffectProcess proc(*LEffectCatalog::ByKind(LEffectKind::SimpleSpeedPitch), pDoc.Get(), 0, 8000, a);
+    LEffectProcess proc(*LEffectCatalog::ByCliName("simple-speed-and-pitch-change"), pDoc.Get(), 0, 8000, a);
     ASSERT_EQ(proc.Run(&fact), 0);
     auto v = ReadDoc(*pDoc);
     EXPECT_NEAR(static_cast<int>(v.size()), 4000, 2);

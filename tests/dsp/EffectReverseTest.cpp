@@ -42,7 +42,7 @@ TEST_F(EffectReverse, ProcessReversesOnlyTheSelection)
     auto vIn = Noise(n, 0x7FFF0, 3);
     LCutListAudioPtr pDoc = MakeDoc(vIn, 1, 8000);
     CancellingFactory fact(0);
-    LEffectProcess proc(*LEffectCatalog::ByKind(LEffectKind::Reverse), pDoc.Get(), 1000, 90000, {});
+    LEffectProcess proc(*LEffectCatalog::ByCliName("reverse"), pDoc.Get(), 1000, 90000, {});
     ASSERT_EQ(proc.Run(&fact), 0);
     auto vOut = ReadDoc(*pDoc);
     ASSERT_EQ(vOut.size(), vIn.size());
@@ -59,7 +59,7 @@ TEST_F(EffectReverse, TwiceGivesBackTheAudioAboveFullScaleToo)
     const auto vLoud = ReadDoc(*pDoc);
     CancellingFactory fact(0);
     for (int k = 0; k < 2; ++k) {
-        LEffectProcess proc(*LEffectCatalog::ByKind(LEffectKind::Reverse), pDoc.Get(), 0, 20000, {});
+        LEffectProcess proc(*LEffectCatalog::ByCliName("reverse"), pDoc.Get(), 0, 20000, {});
         ASSERT_EQ(proc.Run(&fact), 0);
     }
     EXPECT_EQ(ReadDoc(*pDoc), vLoud);

@@ -15,15 +15,15 @@ class EffectRunner : public EffectDocTest
 {
 };
 
-const LEffectInfo& Info(LEffectKind k)
+const LEffectInfo& Info(const char* szEffect)
 {
-    return *LEffectCatalog::ByKind(k);
+    return *LEffectCatalog::ByCliName(szEffect);
 }
 
-int32_t Apply(LEffectKind k, LCutListAudio* pDoc, int32_t s, int32_t e, LEffectArgs args = {}, int nCancelAt = 0)
+int32_t Apply(const char* szEffect, LCutListAudio* pDoc, int32_t s, int32_t e, LEffectArgs args = {}, int nCancelAt = 0)
 {
     CancellingFactory fact(nCancelAt);
-    LEffectProcess proc(Info(k), pDoc, s, e, args);
+    LEffectProcess proc(Info(szEffect), pDoc, s, e, args);
     return proc.Run(&fact);
 }
 
@@ -40,7 +40,7 @@ TEST_F(EffectRunner, EchoReplacesOnlyTheRangeBitForBit)
     LCutListAudioPtr pDoc = MakeDoc(vIn, 2, 8000);
     LEffectArgs args;
     args.mapValues = {{"EchoTime", 100}, {"EchoGain", 60}};
-    ASSERT_EQ(Apply(LEffectKind::Echo, pDoc.Get(), 5000, 25000, args), 0);
+    ASSERT_EQ(Apply("echo", pDoc.Get(), 5000, 25000, args), 0);
     auto vOut = ReadDoc(*pDoc);
     ASSERT_EQ(vOut.size(), vIn.size());
     LSoundSourcePtr pRange(new LSRCMemory(Slice(vIn, 2 * 5000, 2 * 25000), 8000, 2));
@@ -55,15 +55,15 @@ TEST_F(EffectRunner, CancelledOrRefusedEffectLeavesTheDocumentAsItWas)
     auto vIn = Noise(40000, 60000);
     LCutListAudioPtr pDoc = MakeDoc(vIn, 1, 8000);
     const std::string szBefore = DescribeCuts(*pDoc);
-    for (LEffectKind k : {LEffectKind::Echo, LEffectKind::Reverb, LEffectKind::HighPassFilter, LEffectKind::Reverse,
-                          LEffectKind::FadeIn, LEffectKind::FadeOutAndTrim, LEffectKind::Normalize,
-                          LEffectKind::DCOffsetCorrection, LEffectKind::ConvertSampleRate, LEffectKind::ConvertStereo}) {
+    for (const char* k : {"echo", "reverb", "high-pass-filter", "reverse",
+                          "fade-in", "fade-out-and-trim", "normalize",
+                          "dcoffset-correction", "convert-sample-rate", "stereo"}) {
         EXPECT_EQ(Apply(k, pDoc.Get(), 100, 39000, {}, 2), 1) << Info(k).szMenuText;
         EXPECT_EQ(DescribeCuts(*pDoc), szBefore) << Info(k).szMenuText;
         EXPECT_EQ(pDoc->GetSampleRate(), 8000);
         EXPECT_EQ(pDoc->GetChannels(), 1);
     }
-    EXPECT_EQ(Apply(LEffectKind::Echo, pDoc.Get(), 3000, 2000), 0);
+    EXPECT_EQ(Apply("echo", pDoc.Get(), 3000, 2000), 0);
     EXPECT_EQ(DescribeCuts(*pDoc), szBefore);
     EXPECT_EQ(ReadDoc(*pDoc), vIn);
 }
@@ -72,7 +72,7 @@ TEST_F(EffectRunner, EmptyRangeIsAcceptedAndKeepsTheAudio)
 {
     auto vIn = Noise(1000, 60000);
     LCutListAudioPtr pDoc = MakeDoc(vIn, 1, 8000);
-    EXPECT_EQ(Apply(LEffectKind::Reverb, pDoc.Get(), 500, 500), 0);
+    EXPECT_EQ(Apply("reverb", pDoc.Get(), 500, 500), 0);
     EXPECT_EQ(ReadDoc(*pDoc), vIn);
 }
 
@@ -80,7 +80,7 @@ TEST_F(EffectRunner, ProgressShowsTheCaptionAndPleaseWait)
 {
     LCutListAudioPtr pDoc = MakeDoc(Noise(1000, 1000), 1, 8000);
     CancellingFactory fact(0);
-    LEffectProcess proc(Info(LEffectKind::Reverse), pDoc.Get(), 0, 1000, {});
+    LEffectProcess proc(Info("reverse"), pDoc.Get(), 0, 1000, {});
     EXPECT_EQ(proc.GetTitle(), "Reverse");
     ASSERT_EQ(proc.Run(&fact), 0);
     EXPECT_EQ(fact.shown.aszLines[0], "Reversing Sound");
@@ -91,7 +91,7 @@ TEST_F(EffectRunner, FadeOutAndTrimEndsTheDocumentAtTheSelection)
 {
     std::vector<int32_t> vIn(10000, 300000);
     LCutListAudioPtr pDoc = MakeDoc(vIn, 1, 8000);
-    ASSERT_EQ(Apply(LEffectKind::FadeOutAndTrim, pDoc.Get(), 4000, 6000), 0);
+    ASSERT_EQ(Apply("fade-out-and-trim", pDoc.Get(), 4000, 6000), 0);
     auto v = ReadDoc(*pDoc);
     ASSERT_EQ(v.size(), 6000u);
     EXPECT_EQ(v[3999], 300000);
@@ -108,7 +108,7 @@ TEST_F(EffectRunner, ConversionChangesFormatAndKeepsDuration)
     for (size_t i = 1; i < vIn.size(); i += 2)
         vIn[i] = 4000 * 16 - vIn[i] / 2; // a right channel unlike the left: mono holds both
     LCutListAudioPtr pDoc = MakeDoc(vIn, 2, 8000);
-    ASSERT_EQ(Apply(LEffectKind::ConvertMono, pDoc.Get(), 0, 0), 0);
+    ASSERT_EQ(Apply("mono", pDoc.Get(), 0, 0), 0);
     EXPECT_EQ(pDoc->GetChannels(), 1);
     auto vMono = ReadDoc(*pDoc);
     ASSERT_EQ(vMono.size(), 8000u);
@@ -116,7 +116,7 @@ TEST_F(EffectRunner, ConversionChangesFormatAndKeepsDuration)
     EXPECT_EQ(vMono[7777], (vIn[2 * 7777] + vIn[2 * 7777 + 1]) / 2);
     LEffectArgs args;
     args.mapValues = {{"ConvertSampleRate", 16000}};
-    ASSERT_EQ(Apply(LEffectKind::ConvertSampleRate, pDoc.Get(), 0, 0, args), 0);
+    ASSERT_EQ(Apply("convert-sample-rate", pDoc.Get(), 0, 0, args), 0);
     EXPECT_EQ(pDoc->GetSampleRate(), 16000);
     EXPECT_NEAR(pDoc->GetLength(), 16000, 64);
 }

@@ -92,15 +92,14 @@ TEST_F(EffectSettings, CatalogNamesAndDescriptions)
     EXPECT_EQ(LEffectCatalog::ByCliName("Echo"), nullptr);
     EXPECT_STREQ(LEffectCatalog::ByCommand(4017)->szUndoLabel, "DC Offset Correction");
 
-    using K = LEffectKind;
-    EXPECT_EQ(LEffectCatalog::Describe(K::Echo), "Echo Time (ms) = 800, Echo Gain (%) = 50");
+    EXPECT_EQ(LEffectCatalog::Describe(*LEffectCatalog::ByCliName("echo")), "Echo Time (ms) = 800, Echo Gain (%) = 50");
     LStoredValues::Set("CompressorRatio", 6);
-    EXPECT_EQ(LEffectCatalog::Describe(K::Compressor), "Threshold (db) = -20, Ratio = Limit, Limit (db) = 3");
-    EXPECT_EQ(LEffectCatalog::Describe(K::HighPassFilter), "Frequency (Hz) = 250");
-    EXPECT_EQ(LEffectCatalog::Describe(K::Equalizer), "Click on Settings to view or change.");
+    EXPECT_EQ(LEffectCatalog::Describe(*LEffectCatalog::ByCliName("dynamic-range-compressor")), "Threshold (db) = -20, Ratio = Limit, Limit (db) = 3");
+    EXPECT_EQ(LEffectCatalog::Describe(*LEffectCatalog::ByCliName("high-pass-filter")), "Frequency (Hz) = 250");
+    EXPECT_EQ(LEffectCatalog::Describe(*LEffectCatalog::ByCliName("equalizer")), "Click on Settings to view or change.");
     // The description reads the conversion target from the older section only.
     LStoredValues::Set("ConvertSampleRate", 22050);
-    EXPECT_EQ(LEffectCatalog::Describe(K::ConvertSampleRate), "Convert Sample Rate = 44100");
+    EXPECT_EQ(LEffectCatalog::Describe(*LEffectCatalog::ByCliName("convert-sample-rate")), "Convert Sample Rate = 44100");
     LSettings::SetInt("StoreValues", "ConvertSampleRate", 8000);
-    EXPECT_EQ(LEffectCatalog::Describe(K::ConvertSampleRate), "Convert Sample Rate = 8000");
+    EXPECT_EQ(LEffectCatalog::Describe(*LEffectCatalog::ByCliName("convert-sample-rate")), "Convert Sample Rate = 8000");
 }

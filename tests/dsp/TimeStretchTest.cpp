@@ -58,12 +58,12 @@ int32_t LargestJump(const std::vector<int32_t>& v, int nChans)
 class TimeStretch : public EffectDocTest
 {
 protected:
-    std::vector<int32_t> Run(const std::vector<int32_t>& vIn, int nChans, LEffectKind kind, int32_t nPercent)
+    std::vector<int32_t> Run(const std::vector<int32_t>& vIn, int nChans, const char* szEffect, int32_t nPercent)
     {
         LCutListAudioPtr pDoc = MakeDoc(vIn, nChans, kRate);
-        const LEffectInfo& info = *LEffectCatalog::ByKind(kind);
+        const LEffectInfo& info = *LEffectCatalog::ByCliName(szEffect);
         LEffectArgs a;
-        a.mapValues = {{info.vKeys[0], nPercent}};
+        a.mapValues = {{info.vParams[0].szKey, nPercent}};
         CancellingFactory host(0);
         LEffectProcess proc(info, pDoc.Get(), 0, pDoc->GetLength(), a);
         EXPECT_EQ(proc.Run(&host), 0);
@@ -79,7 +79,7 @@ TEST_F(TimeStretch, SpeedChangesKeepThePitchAndScaleTheLength)
     const auto vIn = Tone(nFrames, 440.0);
     for (int32_t nPercent : {50, 80, 125, 200, 300}) {
         SCOPED_TRACE(nPercent);
-        const auto vOut = Run(vIn, 1, LEffectKind::ConstPitchSpeed, nPercent);
+        const auto vOut = Run(vIn, 1, "constant-pitch-and-speed-change", nPercent);
         const int64_t nAsked = static_cast<int64_t>(nFrames) * 100 / nPercent;
         EXPECT_LE(std::llabs(static_cast<int64_t>(vOut.size()) - nAsked), kBlock);
         EXPECT_NEAR(Frequency(vOut, 1), 440.0, 440.0 * 0.005);
@@ -89,10 +89,10 @@ TEST_F(TimeStretch, SpeedChangesKeepThePitchAndScaleTheLength)
 TEST_F(TimeStretch, PitchChangeMovesTheToneAndKeepsTheLength)
 {
     const int32_t nFrames = 2 * kRate;
-    const auto vOut = Run(Tone(nFrames, 440.0), 1, LEffectKind::ConstSpeedPitch, 150);
+    const auto vOut = Run(Tone(nFrames, 440.0), 1, "constant-speed-and-pitch-change", 150);
     EXPECT_LE(std::abs(static_cast<int32_t>(vOut.size()) - nFrames), kBlock);
     EXPECT_NEAR(Frequency(vOut, 1), 660.0, 660.0 * 0.005);
-    const auto vDown = Run(Tone(nFrames, 440.0), 1, LEffectKind::ConstSpeedPitch, 50);
+    const auto vDown = Run(Tone(nFrames, 440.0), 1, "constant-speed-and-pitch-change", 50);
     EXPECT_NEAR(Frequency(vDown, 1), 220.0, 220.0 * 0.005);
 }
 
@@ -105,8 +105,8 @@ TEST_F(TimeStretch, ChannelsInPhaseStayInPhase)
         vIn[i] += vHigh[i];
     for (size_t i = 1; i < vIn.size(); i += 2)
         vIn[i] /= 2;
-    for (LEffectKind kind : {LEffectKind::ConstPitchSpeed, LEffectKind::ConstSpeedPitch}) {
-        const auto vOut = Run(vIn, 2, kind, 80);
+    for (const char* szEffect : {"constant-pitch-and-speed-change", "constant-speed-and-pitch-change"}) {
+        const auto vOut = Run(vIn, 2, szEffect, 80);
         ASSERT_GT(vOut.size(), 1000u);
         for (size_t i = 0; i < vOut.size(); i += 2)
             ASSERT_NEAR(vOut[i] / 2.0, vOut[i + 1], 2.0) << "frame " << i / 2;
@@ -125,7 +125,7 @@ TEST_F(TimeStretch, GrainSeamsJumpNoMoreThanTheSignalItself)
     const int32_t nOwn = LargestJump(vIn, 1);
     for (int32_t nPercent : {70, 80, 125, 190}) {
         SCOPED_TRACE(nPercent);
-        EXPECT_LE(LargestJump(Run(vIn, 1, LEffectKind::ConstPitchSpeed, nPercent), 1), nOwn);
+        EXPECT_LE(LargestJump(Run(vIn, 1, "constant-pitch-and-speed-change", nPercent), 1), nOwn);
     }
 }
 

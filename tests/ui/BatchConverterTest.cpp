@@ -42,7 +42,7 @@ private slots:
             QWidget* p = QApplication::activeModalWidget();
             if (auto* pCommands = qobject_cast<LSelectBatchCommandDlg*>(p); pCommands && nStep == 0) {
                 ++nStep;
-                pCommands->AddCommandToList(CmReverseId);
+                pCommands->AddCommandToList(EffectCommand("reverse"));
                 pCommands->accept();
             } else if (auto* pFiles = qobject_cast<LSelectBatchFileDlg*>(p); pFiles && nStep == 1) {
                 ++nStep;
@@ -72,17 +72,17 @@ private slots:
     void commandsAreReorderedByDragging()
     {
         LSelectBatchCommandDlg dlg(nullptr);
-        QVERIFY(dlg.AddCommandToList(CmNormalizeId));
-        QVERIFY(dlg.AddCommandToList(CmHighPassId));
-        QVERIFY(dlg.AddCommandToList(CmFadeInId));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("normalize")));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("high-pass-filter")));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("fade-in")));
         dlg.SaveFileTo(h->File("order.snb").toStdString());
         QVERIFY(!dlg.IsModified());
         // What a drop of the last row onto the first does to the list's model.
         QVERIFY(dlg.GetList()->model()->moveRow(QModelIndex(), 2, QModelIndex(), 0));
         const std::vector<CommandDataItem> v = dlg.GetItems();
         QCOMPARE(v.size(), size_t(3));
-        QCOMPARE(v[0].uCommandId, uint32_t(CmFadeInId));
-        QCOMPARE(v[1].uCommandId, uint32_t(CmNormalizeId));
+        QCOMPARE(v[0].uCommandId, uint32_t(EffectCommand("fade-in")));
+        QCOMPARE(v[1].uCommandId, uint32_t(EffectCommand("normalize")));
         QCOMPARE(v[2].vData.size(), size_t(4));
         QVERIFY(dlg.IsModified());
     }
@@ -93,11 +93,11 @@ private slots:
         QCOMPARE(dlg.GetFileName(), QString("Untitled.snb"));
         QVERIFY(!dlg.AddCommandToList(9999));
         QCOMPARE(h->prompts.informs.last(), QString("Sonitra: LSelectBatchCommandDlg::AddCommandToList uCommandId is invalid"));
-        QVERIFY(dlg.AddCommandToList(CmNormalizeId));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("normalize")));
         QCOMPARE(dlg.GetDescription()->text(), QString("Normalize Peak Level (%) = 100"));
-        QVERIFY(dlg.AddCommandToList(CmFadeInId));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("fade-in")));
         QCOMPARE(dlg.GetDescription()->text(), QString("Click on Settings to view or change."));
-        QVERIFY(dlg.AddCommandToList(CmEchoId));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("echo")));
 
         // The echo's settings through its own dialog: the record changes, the stored values do not.
         QTimer::singleShot(0, [] {
@@ -150,8 +150,8 @@ private slots:
         QCOMPARE(h->prompts.informs.last(),
                  QString("File Error: This file does not have the same version with the current Sonitra version or it is corrupted."));
         // Cut short inside its last record: refused, naming the file and the record.
-        QVERIFY(dlg.AddCommandToList(CmNormalizeId));
-        QVERIFY(dlg.AddCommandToList(CmEchoId));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("normalize")));
+        QVERIFY(dlg.AddCommandToList(EffectCommand("echo")));
         QVERIFY(dlg.SaveFileTo(h->File("cut.snb").toStdString()));
         QVERIFY(QFile::resize(h->File("cut.snb"), QFileInfo(h->File("cut.snb")).size() - 4));
         dlg.CmNewFile();
@@ -181,7 +181,7 @@ private slots:
         const QByteArray before = f.readAll();
         f.close();
         CommandDataItem reverse;
-        QVERIFY(MakeCommandDataItem(CmReverseId, reverse));
+        QVERIFY(MakeCommandDataItem(EffectCommand("reverse"), reverse));
         LBatchOutput output;
         output.szExtension = ".wav";
         const std::vector<std::string> vFiles = {h->File("x.au").toStdString(), h->File("x.wav").toStdString(),
@@ -223,7 +223,7 @@ private slots:
         QCOMPARE(format.GetOutput().szExtension, std::string(".wav"));
 
         CommandDataItem reverse;
-        QVERIFY(MakeCommandDataItem(CmReverseId, reverse));
+        QVERIFY(MakeCommandDataItem(EffectCommand("reverse"), reverse));
         EdBatchConverter proc({reverse}, files.GetFiles(), format.GetOutput());
         QCOMPARE(proc.Run(), int32_t(LProgressDialog::ResultError));
         QCOMPARE(proc.GetResults().size(), size_t(2));

@@ -59,11 +59,11 @@ private slots:
 
     void emptyStoreOpensWithTheDefaults()
     {
-        LEffectSettingsDlg echo(nullptr, Info(CmEchoId));
+        LEffectSettingsDlg echo(nullptr, Info(EffectCommand("echo")));
         QCOMPARE(echo.windowTitle(), QString("Echo"));
         QCOMPARE(Text(echo, "EchoTime"), QString("800"));
         QCOMPARE(Text(echo, "EchoGain"), QString("50"));
-        LEffectSettingsDlg comp(nullptr, Info(CmCompressorId));
+        LEffectSettingsDlg comp(nullptr, Info(EffectCommand("dynamic-range-compressor")));
         QCOMPARE(Text(comp, "CompressorThreshold"), QString("-20"));
         QCOMPARE(qobject_cast<QComboBox*>(comp.FieldOf("CompressorRatio"))->currentText(), QString("1:1"));
         QCOMPARE(Text(comp, "CompressorLimit"), QString("3"));
@@ -71,40 +71,60 @@ private slots:
         QCOMPARE(Text(mix, "PasteMixVolume"), QString("100"));
         QVERIFY(qobject_cast<QRadioButton*>(mix.FieldOf("LongerSelection"))->isChecked());
         QCOMPARE(Text(mix, "FadeOutTime"), QString("250"));
-        LEffectSettingsDlg hp(nullptr, Info(CmHighPassId));
+        LEffectSettingsDlg hp(nullptr, Info(EffectCommand("high-pass-filter")));
         QCOMPARE(Text(hp, "LowCutFreq"), QString("250"));
     }
 
     void refusedValuesGetTheirMessageAndStoreNothing()
     {
-        QVERIFY(!Offer(CmEchoId, "EchoTime", "3000"));
+        QVERIFY(!Offer(EffectCommand("echo"), "EchoTime", "3000"));
         QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Echo time must be between 10 and 3000ms. Please try again."));
-        QVERIFY(!Offer(CmEchoId, "EchoTime", "soon"));
+        QVERIFY(!Offer(EffectCommand("echo"), "EchoTime", "soon"));
         QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Echo time must be between 10 and 3000ms. Please try again."));
-        QVERIFY(!Offer(CmNormalizeId, "NormalizePeakLevel", "101"));
+        QVERIFY(!Offer(EffectCommand("normalize"), "NormalizePeakLevel", "101"));
         QCOMPARE(h->prompts.informs.last(),
                  QString("Sonitra: Normailze Peak Level must be less than 100%. Please try again."));
-        QVERIFY(!Offer(CmReverbId, "ReverbTime", "49"));
+        QVERIFY(!Offer(EffectCommand("reverb"), "ReverbTime", "49"));
         QCOMPARE(LSettings::GetString("StoredValues", "EchoTime"), std::string());
         QCOMPARE(LSettings::GetString("StoredValues", "ReverbTime"), std::string());
     }
 
     void acceptedValuesAreStoredAndShownNextTime()
     {
-        QVERIFY(Offer(CmEchoId, "EchoTime", "2999"));
-        QVERIFY(Offer(CmReverbId, "ReverbTime", "1000"));
-        QVERIFY(Offer(CmReverbId, "ReverbLevel", "100"));
+        QVERIFY(Offer(EffectCommand("echo"), "EchoTime", "2999"));
+        QVERIFY(Offer(EffectCommand("reverb"), "ReverbTime", "1000"));
+        QVERIFY(Offer(EffectCommand("reverb"), "ReverbLevel", "100"));
         QCOMPARE(LStoredValues::Get("EchoTime"), 2999);
         QCOMPARE(LStoredValues::Get("ReverbLevel"), 100);
-        LEffectSettingsDlg echo(nullptr, Info(CmEchoId));
+        LEffectSettingsDlg echo(nullptr, Info(EffectCommand("echo")));
         QCOMPARE(Text(echo, "EchoTime"), QString("2999"));
 
-        LEffectSettingsDlg comp(nullptr, Info(CmCompressorId));
+        LEffectSettingsDlg comp(nullptr, Info(EffectCommand("dynamic-range-compressor")));
         qobject_cast<QComboBox*>(comp.FieldOf("CompressorRatio"))->setCurrentIndex(6);
         comp.accept();
         QCOMPARE(LStoredValues::Get("CompressorRatio"), 6);
-        QCOMPARE(LEffectCatalog::Describe(LEffectKind::Compressor),
+        QCOMPARE(LEffectCatalog::Describe(Info(EffectCommand("dynamic-range-compressor"))),
                  std::string("Threshold (db) = -20, Ratio = Limit, Limit (db) = 3"));
+    }
+
+    void presetFillsTheFieldAndTheTypedValueCounts()
+    {
+        LEffectSettingsDlg dlg(nullptr, Info(EffectCommand("loudness-normalize")));
+        QCOMPARE(Text(dlg, "LoudnessTarget"), QString("-16"));
+        auto* pPresets = dlg.findChild<QComboBox*>("LoudnessTargetPresets");
+        QVERIFY(pPresets);
+        const int nBroadcast = pPresets->findText("Broadcast (-23)");
+        QVERIFY(nBroadcast > 0);
+        emit pPresets->activated(nBroadcast);
+        QCOMPARE(Text(dlg, "LoudnessTarget"), QString("-23"));
+        dlg.accept();
+        QCOMPARE(LStoredValues::Get("LoudnessTarget"), -23);
+        // A preset is only a shortcut: a value out of range typed after it is still refused.
+        LEffectSettingsDlg again(nullptr, Info(EffectCommand("loudness-normalize")));
+        QCOMPARE(Text(again, "LoudnessTarget"), QString("-23"));
+        QVERIFY(!Offer(EffectCommand("loudness-normalize"), "LoudnessTarget", "-71"));
+        QCOMPARE(h->prompts.informs.last(),
+                 QString("Sonitra: Target loudness must be between -70 and 0 LUFS. Please try again."));
     }
 
     void curveEditorAddsMovesRemovesAndKeepsTheFile()

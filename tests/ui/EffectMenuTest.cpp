@@ -40,13 +40,13 @@ private slots:
         LEdFileWindow* pWindow = OpenRamp(8000);
         QVERIFY(pWindow);
         pWindow->SetSelection(1000, 5000);
-        QVERIFY(frame->GetAction(CmEchoId)->isEnabled());
+        QVERIFY(frame->GetAction(EffectCommand("echo"))->isEnabled());
         WhenDialogShows<LEffectSettingsDlg>([](LEffectSettingsDlg& dlg) {
             Type(dlg, "EchoTime", "100");
             Type(dlg, "EchoGain", "50");
             dlg.accept();
         });
-        QVERIFY(frame->Command(CmEchoId));
+        QVERIFY(frame->Command(EffectCommand("echo")));
         QCOMPARE(UndoText(), QString("Undo Echo\tCtrl+Z"));
         QCOMPARE(LStoredValues::Get("EchoTime"), 100);
         const auto v = Samples(pWindow->GetFile().GetDocument());
@@ -68,7 +68,7 @@ private slots:
             Type(dlg, "ConstPitchSpeed", "200");
             dlg.accept();
         });
-        QVERIFY(frame->Command(CmConstantPitchId));
+        QVERIFY(frame->Command(EffectCommand("constant-pitch-and-speed-change")));
         QCOMPARE(UndoText(), QString("Undo Constant Pitch and Speed Change\tCtrl+Z"));
         QCOMPARE(LStoredValues::Get("ConstPitchSpeed"), 200);
         QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 20000 + 4100);
@@ -78,7 +78,7 @@ private slots:
             QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Speed Change Percent must be less than 300."));
             dlg.reject();
         });
-        QVERIFY(frame->Command(CmConstantSpeedId));
+        QVERIFY(frame->Command(EffectCommand("constant-speed-and-pitch-change")));
         QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 24100);
     }
 
@@ -93,7 +93,7 @@ private slots:
             QCOMPARE(h->prompts.informs.last(), QString("Sonitra: Reverb time must be between 50 and 1000. Please try again."));
             dlg.reject();
         });
-        QVERIFY(frame->Command(CmReverbId));
+        QVERIFY(frame->Command(EffectCommand("reverb")));
         QCOMPARE(UndoText(), QString("Undo \tCtrl+Z"));
         QVERIFY(!pWindow->GetFile().IsModified());
         QCOMPARE(Samples(pWindow->GetFile().GetDocument()), vOrig);
@@ -105,7 +105,7 @@ private slots:
         LEdFileWindow* pWindow = OpenRamp(4000);
         QVERIFY(pWindow);
         pWindow->SetSelection(100, 300);
-        QVERIFY(frame->Command(CmReverseId));
+        QVERIFY(frame->Command(EffectCommand("reverse")));
         QCOMPARE(UndoText(), QString("Undo Reverse\tCtrl+Z"));
         const auto v = Samples(pWindow->GetFile().GetDocument());
         QCOMPARE(v[100], vOrig[299]);
@@ -118,11 +118,11 @@ private slots:
         QCOMPARE(UndoText(), QString("Undo Convert Channels\tCtrl+Z"));
         QVERIFY(frame->GetAction(CmMonoId)->isEnabled());
 
-        QVERIFY(frame->GetAction(CmSimpleSpeedId)->isEnabled());
-        QVERIFY(frame->GetAction(CmConstantPitchId)->isEnabled());
-        QVERIFY(frame->GetAction(CmConstantSpeedId)->isEnabled());
-        QVERIFY(frame->GetAction(CmFadeOutTrimId)->isEnabled());
-        QVERIFY(frame->Command(CmFadeOutTrimId));
+        QVERIFY(frame->GetAction(EffectCommand("simple-speed-and-pitch-change"))->isEnabled());
+        QVERIFY(frame->GetAction(EffectCommand("constant-pitch-and-speed-change"))->isEnabled());
+        QVERIFY(frame->GetAction(EffectCommand("constant-speed-and-pitch-change"))->isEnabled());
+        QVERIFY(frame->GetAction(EffectCommand("fade-out-and-trim"))->isEnabled());
+        QVERIFY(frame->Command(EffectCommand("fade-out-and-trim")));
         QCOMPARE(UndoText(), QString("Undo Fade Out and Trim\tCtrl+Z"));
         QCOMPARE(pWindow->GetFile().GetDocument().GetLength(), 300);
     }

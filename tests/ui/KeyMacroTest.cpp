@@ -78,7 +78,7 @@ int NewMacroThroughTheSettings(const QStringList& informs)
         if (!pMacro)
             return;
         pMacro->GetKeyField()->setKeySequence(QKeySequence(kMacroKey));
-        pMacro->AddCommands({CmSelectAllId, CmFadeOutId});
+        pMacro->AddCommands({CmSelectAllId, EffectCommand("fade-out")});
         pMacro->CmOk();
     });
     pPage->CmNewMacro();
@@ -109,14 +109,14 @@ private slots:
         pHand->SetSelection(100, 200);
         QVERIFY(frame->Command(CmSelectAllId));
         AcceptNextSettingsDialog();
-        QVERIFY(frame->Command(CmNormalizeId));
-        QVERIFY(frame->Command(CmFadeOutId));
+        QVERIFY(frame->Command(EffectCommand("normalize")));
+        QVERIFY(frame->Command(EffectCommand("fade-out")));
         const std::vector<int16_t> vHand = Samples(pHand->GetFile().GetDocument());
         QVERIFY(vHand != vOrig);
 
         // ...and through a macro made on the settings page on another.
         LKeysPage page(nullptr);
-        page.PutMacro(-1, LKeyMacro{static_cast<uint32_t>(kMacroKey.toCombined()), {CmSelectAllId, CmNormalizeId, CmFadeOutId}});
+        page.PutMacro(-1, LKeyMacro{static_cast<uint32_t>(kMacroKey.toCombined()), {CmSelectAllId, EffectCommand("normalize"), EffectCommand("fade-out")}});
         page.Save();
         QVERIFY(QFile::exists(h->File("keys.dat")));
         QCOMPARE(page.GetList()->item(0)->text(), QKeySequence(kMacroKey).toString(QKeySequence::NativeText) +
@@ -158,20 +158,20 @@ private slots:
 
     void commandsAreAddedSeveralAtOnceRemovedAndMoved()
     {
-        AddKeysCommandDlg pick(nullptr, {CmSelectAllId, CmNormalizeId, CmFadeInId, CmFadeOutId});
+        AddKeysCommandDlg pick(nullptr, {CmSelectAllId, EffectCommand("normalize"), EffectCommand("fade-in"), EffectCommand("fade-out")});
         QVERIFY(pick.findChild<QLabel*>() && pick.findChild<QLabel*>()->text() == "Select command(s) to add to the Macro.");
         pick.GetList()->item(3)->setSelected(true);
         pick.GetList()->item(0)->setSelected(true);
         const std::vector<uint32_t> vPicked = pick.GetSelected();
-        QCOMPARE(vPicked, (std::vector<uint32_t>{CmSelectAllId, CmFadeOutId}));
+        QCOMPARE(vPicked, (std::vector<uint32_t>{CmSelectAllId, EffectCommand("fade-out")}));
         SelectKeysMacroDlg dlg(nullptr, LKeyMacro{0, {CmPlayId}}, {});
         dlg.AddCommands(vPicked);
-        QCOMPARE(dlg.GetMacro().vCommands, (std::vector<uint32_t>{CmPlayId, CmSelectAllId, CmFadeOutId}));
+        QCOMPARE(dlg.GetMacro().vCommands, (std::vector<uint32_t>{CmPlayId, CmSelectAllId, EffectCommand("fade-out")}));
         dlg.GetCommandList()->setCurrentRow(0);
         dlg.CmRemoveCommand();
         dlg.GetCommandList()->setCurrentRow(1);
         dlg.CmMoveCommand(-1);
-        QCOMPARE(dlg.GetMacro().vCommands, (std::vector<uint32_t>{CmFadeOutId, CmSelectAllId}));
+        QCOMPARE(dlg.GetMacro().vCommands, (std::vector<uint32_t>{EffectCommand("fade-out"), CmSelectAllId}));
     }
 
     // File > Settings > Key Macros > New on a fresh install, where no data folder exists yet: the
@@ -187,7 +187,7 @@ private slots:
         std::vector<LKeyMacro> vMacros;
         QCOMPARE(LKeyMacroFile::Load(szKeys.toStdString(), vMacros), LListLoad::Loaded);
         QCOMPARE(vMacros.size(), size_t(1));
-        QCOMPARE(vMacros[0].vCommands, (std::vector<uint32_t>{CmSelectAllId, CmFadeOutId}));
+        QCOMPARE(vMacros[0].vCommands, (std::vector<uint32_t>{CmSelectAllId, EffectCommand("fade-out")}));
         QCOMPARE(vMacros[0].uKey, static_cast<uint32_t>(kMacroKey.toCombined()));
 
         // A home that is a file: nothing can be made under it.

@@ -18,6 +18,7 @@
 
 #include "core/LCutListAudio.h"
 #include "core/LSettings.h"
+#include "dsp/effects/LEffectCatalog.h"
 #include "platform/qtcore/LQtNotifyPoster.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
@@ -25,6 +26,15 @@
 #include "ui/LUiPrompts.h"
 
 namespace uitest {
+
+// The command of an effect, by its command-line name: effects are numbered by their descriptors.
+struct EffectCommand
+{
+    explicit EffectCommand(const char* szName) : nId(LEffectCatalog::ByCliName(szName)->nCommandId) {}
+    operator int() const { return nId; }
+    operator uint32_t() const { return static_cast<uint32_t>(nId); }
+    int nId;
+};
 
 // Acts on the dialog once it is up; set after the command, whose dialog opens from the event loop.
 template <typename Dlg>

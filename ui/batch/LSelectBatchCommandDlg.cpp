@@ -290,12 +290,13 @@ void LSelectBatchCommandDlg::CmCommandSettings()
     if (!pInfo)
         return;
     // The curves are kept apart: a script runs with the stored one.
-    if (pInfo->kind == LEffectKind::Equalizer || pInfo->kind == LEffectKind::Envelope) {
+    if (pInfo->curve != LEffectInfo::NoCurve) {
         LPointList list;
-        LCurveDlg::Edit(this, pInfo->kind == LEffectKind::Equalizer ? LCurveDlg::Equalizer : LCurveDlg::Envelope, &list);
+        LCurveDlg::Edit(this, pInfo->curve == LEffectInfo::EqualizerCurve ? LCurveDlg::Equalizer : LCurveDlg::Envelope,
+                        &list);
         return;
     }
-    if (pInfo->vKeys.empty()) {
+    if (pInfo->vParams.empty()) {
         LUiPrompts::Get().Inform(this, "Sonitra", tr("%1 has no settings.").arg(LMacroCommands::NameOf(pInfo->nCommandId)),
                                  LUiPrompts::IconInformation);
         return;

@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -16,48 +17,6 @@
 #include "ui/LUiPrompts.h"
 #include "ui/effects/LEffectPreviewButton.h"
 
-namespace {
-struct KeyLabel
-{
-    const char* szKey;
-    const char* szLabel;
-};
-
-const KeyLabel kLabels[] = {
-    {"SilenceTimes", "Silence Time (ms):"},
-    {"AmplifyGain", "Amplify Gain (%):"},
-    {"NormalizePeakLevel", "Normalize Peak Level (%):"},
-    {"LowCutFreq", "Frequency (Hz):"},
-    {"EchoTime", "Echo Time (ms):"},
-    {"EchoGain", "Echo Gain (%):"},
-    {"ReverbTime", "Reverb Time (ms):"},
-    {"ReverbLevel", "Reverb Level (%):"},
-    {"NoiseGateLevel", "Noise Gate Level (dB):"},
-    {"SpSpeedPitch", "Speed/Pitch Adjust (%):"},
-    {"ConstPitchSpeed", "Speed Adjust (%):"},
-    {"ConstSpeedPitch", "Pitch Adjust (%):"},
-    {"CompressorThreshold", "Threshold (dB):"},
-    {"CompressorRatio", "Ratio:"},
-    {"CompressorLimit", "Limit (dB):"},
-    {"RepeatNumTimes", "Number of Repeats:"},
-    {"PasteMixVolume", "Mix Volume (%):"},
-    {"LongerSelection", "When the clip is longer than the selection:"},
-    {"FadeOutTime", "Fade Out Time (ms):"},
-    {"ConvertSampleRate", "Sample Rate (Hz):"},
-    {"ConvertChannel", "Channels:"},
-};
-
-const char* LabelOf(const char* szKey)
-{
-    for (const KeyLabel& k : kLabels)
-        if (!std::strcmp(k.szKey, szKey))
-            return k.szLabel;
-    return szKey;
-}
-
-const char* const kLongerChoices[] = {"Insert silence", "Extend the selection", "Fade the mix out"};
-} // namespace
-
 LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i, const std::vector<uint8_t>* pRecord)
     : QDialog(pParent), info(i), vRecord(pRecord ? *pRecord : LEffectSettingsRecord::FromStored(i)), bStore(!pRecord)
 {
@@ -69,8 +28,8 @@ LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i, c
     // A record too short for the effect opens with the stored values.
     LEffectArgs args;
     LEffectSettingsRecord::Read(info, vRecord.data(), vRecord.size(), args);
-    for (const char* szKey : info.vKeys)
-        AddField(pForm, szKey, args.Value(szKey));
+    for (const LEffectParam& param : info.vParams)
+        AddField(pForm, param, args.Value(param.szKey));
     auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(pButtons, &QDialogButtonBox::accepted, this, &LEffectSettingsDlg::accept);
     connect(pButtons, &QDialogButtonBox::rejected, this, &LEffectSettingsDlg::reject);
@@ -78,33 +37,58 @@ LEffectSettingsDlg::LEffectSettingsDlg(QWidget* pParent, const LEffectInfo& i, c
     pForm->addRow(pButtons);
 }
 
-void LEffectSettingsDlg::AddField(QFormLayout* pForm, const char* szKey, int32_t nValue)
+void LEffectSettingsDlg::AddField(QFormLayout* pForm, const LEffectParam& param, int32_t nValue)
 {
-    Field f{szKey};
-    if (!std::strcmp(szKey, "CompressorRatio")) {
+    Field f{param.szKey};
+    const QString szLabel = QString::fromUtf8(param.szLabel);
+    const bool bInRange = nValue >= param.nLowest && nValue <= param.nHighest;
+    if (param.kind == LEffectParam::Ratio) {
         f.pCombo = new QComboBox(this);
         for (int32_t i = 0; i < kCompressorRatioCount; ++i)
             f.pCombo->addItem(QString::fromLatin1(CompressorRatioList[i].szLabel));
-        f.pCombo->setCurrentIndex(nValue >= 0 && nValue < kCompressorRatioCount ? nValue : 0);
-        f.pCombo->setObjectName(szKey);
-        pForm->addRow(LabelOf(szKey), f.pCombo);
-    } else if (!std::strcmp(szKey, "LongerSelection")) {
+        f.pCombo->setCurrentIndex(bInRange ? nValue : 0);
+        f.pCombo->setObjectName(param.szKey);
+        pForm->addRow(szLabel, f.pCombo);
+    } else if (param.kind == LEffectParam::Choice) {
         f.pChoice = new QButtonGroup(this);
         auto* pBox = new QVBoxLayout;
-        for (int i = 0; i < 3; ++i) {
-            auto* pRadio = new QRadioButton(kLongerChoices[i], this);
-            pRadio->setObjectName(QString("%1%2").arg(szKey).arg(i));
-            pRadio->setChecked(i == nValue || (i == 0 && (nValue < 0 || nValue > 2)));
+        for (int i = 0; i < static_cast<int>(param.szChoices.size()); ++i) {
+            auto* pRadio = new QRadioButton(QString::fromUtf8(param.szChoices[i]), this);
+            pRadio->setObjectName(QString("%1%2").arg(param.szKey).arg(i));
+            pRadio->setChecked(i == nValue || (i == 0 && !bInRange));
             f.pChoice->addButton(pRadio, i);
             pBox->addWidget(pRadio);
         }
-        pForm->addRow(LabelOf(szKey), pBox);
+        pForm->addRow(szLabel, pBox);
     } else {
-        f.pEdit = new QLineEdit(QString::number(nValue), this);
-        f.pEdit->setObjectName(szKey);
-        pForm->addRow(LabelOf(szKey), f.pEdit);
+        AddNumberField(pForm, param, f, nValue);
     }
     vFields.push_back(f);
+}
+
+void LEffectSettingsDlg::AddNumberField(QFormLayout* pForm, const LEffectParam& param, Field& f, int32_t nValue)
+{
+    f.pEdit = new QLineEdit(QString::number(nValue), this);
+    f.pEdit->setObjectName(param.szKey);
+    const QString szLabel = QString::fromUtf8(param.szLabel);
+    if (param.vPresets.empty()) {
+        pForm->addRow(szLabel, f.pEdit);
+        return;
+    }
+    auto* pPresets = new QComboBox(this);
+    pPresets->setObjectName(QString(param.szKey) + "Presets");
+    pPresets->addItem(tr("Presets..."));
+    for (const LEffectPreset& preset : param.vPresets)
+        pPresets->addItem(QString("%1 (%2)").arg(QString::fromUtf8(preset.szName)).arg(preset.nValue), preset.nValue);
+    QLineEdit* pEdit = f.pEdit;
+    connect(pPresets, &QComboBox::activated, this, [pPresets, pEdit](int nIndex) {
+        if (nIndex > 0)
+            pEdit->setText(QString::number(pPresets->itemData(nIndex).toInt()));
+    });
+    auto* pRow = new QHBoxLayout;
+    pRow->addWidget(f.pEdit, 1);
+    pRow->addWidget(pPresets);
+    pForm->addRow(szLabel, pRow);
 }
 
 QWidget* LEffectSettingsDlg::FieldOf(const char* szKey) const

@@ -48,7 +48,9 @@ private:
         QButtonGroup* pChoice = nullptr;
     };
 
-    void AddField(class QFormLayout* pForm, const char* szKey, int32_t nValue);
+    void AddField(class QFormLayout* pForm, const LEffectParam& param, int32_t nValue);
+    // A typed value, with its presets (if any) in a list beside it that fills it in.
+    void AddNumberField(class QFormLayout* pForm, const LEffectParam& param, Field& f, int32_t nValue);
     // The typed value; false when it is not a whole number.
     bool ValueOf(const Field& f, int32_t& nValue) const;
     void Refuse(const Field& f, const std::string& szMessage);
