@@ -268,7 +268,7 @@ int RunEffect(const std::vector<std::string>& vArgs)
     int32_t nResult = LProgressDialog::ResultError;
     std::string szFailure;
     const std::vector<LEffectStep> vSteps{LEffectStep{req.pInfo, req.args}};
-    if (!req.bRange && LEffectStream::CanStream(vSteps, *pSource)) {
+    if (!req.bRange && LEffectFileStream::CanStream(vSteps, *pSource, details)) {
         // From file to file in one pass: no document to load.
         pSource.Reset();
         LEffectFileStream proc(req.pInfo->szCaption, req.szIn, vSteps, req.szOut, details.encoding);

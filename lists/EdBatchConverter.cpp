@@ -12,7 +12,6 @@
 #include "core/LFile.h"
 #include "core/LTrace.h"
 #include "dsp/effects/LEffectRunner.h"
-#include "dsp/effects/LEffectStream.h"
 #include "lists/LEffectFileStream.h"
 
 namespace {
@@ -174,10 +173,11 @@ int32_t EdBatchConverter::ConvertFile(LProgressDialog& dlg, const std::vector<Co
             return Fail(szError);
         vSteps.push_back(std::move(step));
     }
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(szInput, &szError);
+    LAudioFileDetails details;
+    LSoundSourcePtr pSource = LAudioFile::OpenSource(szInput, &szError, &details);
     if (pSource->IsError())
         return Fail(szError.empty() ? "cannot be read" : szError);
-    if (LEffectStream::CanStream(vSteps, *pSource)) {
+    if (LEffectFileStream::CanStream(vSteps, *pSource, details)) {
         // From file to file in one pass: no document to load.
         pSource.Reset();
         const int32_t nResult = LEffectFileStream::Apply(dlg, szInput, vSteps, szOutput, encoding, &szError);

@@ -19,6 +19,9 @@ public:
     // Why it failed, for the user; empty when it did not or was cancelled.
     const std::string& GetError() const { return szError; }
 
+    // Whether the steps can run as one pass over this file, opened as input with these details.
+    static bool CanStream(const std::vector<LEffectStep>& vSteps, const LSoundSourceBase& input,
+                          const LAudioFileDetails& details);
     // The body inside a running process. 0 done, 1 cancelled, 2 error with the reason.
     static int32_t Apply(LProgressDialog& dlg, const std::string& szIn, const std::vector<LEffectStep>& vSteps,
                        const std::string& szOut, const LAudioEncoding& encoding, std::string* pszError);

@@ -279,11 +279,12 @@ private:
 };
 } // namespace
 
-bool LEffectStream::CanStream(const std::vector<LEffectStep>& vSteps, const LSoundSourceBase& input)
+bool LEffectStream::CanStream(const std::vector<LEffectStep>& vSteps, const LSoundSourceBase& input,
+                              bool bInputSeeksExactly)
 {
     // Reverse seeks backwards through what lies below it: only the input itself (when loading
     // puts no limiter over it) and the stages that keep no state can follow it there.
-    bool bSeekable = input.GetMaxAmplitude() <= kFullScale16;
+    bool bSeekable = bInputSeeksExactly && input.GetMaxAmplitude() <= kFullScale16;
     for (const LEffectStep& step : vSteps) {
         if (!step.pInfo)
             return false;

@@ -27,8 +27,11 @@ public:
 
     // True when every step is a stage over a stream, or measures first and then is one. Steps
     // that need the document (mixing, repeating, trimming, inserting) make it false, and so does a
-    // reverse that could not seek its way backwards through what lies below it.
-    static bool CanStream(const std::vector<LEffectStep>& vSteps, const LSoundSourceBase& input);
+    // reverse that could not seek its way backwards through what lies below it: bInputSeeksExactly
+    // says whether the input reads the same frames after a seek as it does straight through (a
+    // decoder that keeps state from frame to frame may not).
+    static bool CanStream(const std::vector<LEffectStep>& vSteps, const LSoundSourceBase& input,
+                          bool bInputSeeksExactly);
 
     // The chain over the input, to be read from its start. The measuring steps (normalize, DC
     // offset correction, automatic gain control) read the chain below them first, showing their

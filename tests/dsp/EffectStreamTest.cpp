@@ -181,7 +181,7 @@ TEST_F(EffectStream, EveryStreamingEffectAndScriptGivesTheDocumentsSamples)
     };
     for (const Case& c : vCases) {
         SCOPED_TRACE(c.szName);
-        ASSERT_TRUE(LEffectStream::CanStream(c.vSteps, *c.in.Open()));
+        ASSERT_TRUE(LEffectStream::CanStream(c.vSteps, *c.in.Open(), true));
         DocumentPath doc(c.in, c.vSteps);
         StreamPath stream(c.in, c.vSteps);
         CancellingFactory f1(0), f2(0);
@@ -211,12 +211,16 @@ TEST_F(EffectStream, CommandsThatNeedTheDocumentOrCannotSeekBackwardsAreLeftToIt
     };
     for (const auto& [szName, vSteps] : vCases) {
         SCOPED_TRACE(szName);
-        EXPECT_FALSE(LEffectStream::CanStream(vSteps, *stereo.Open()));
+        EXPECT_FALSE(LEffectStream::CanStream(vSteps, *stereo.Open(), true));
     }
     // Loading puts a limiter over a source that may pass full scale, and a limiter read
     // backwards is not the limiter read forwards.
-    EXPECT_FALSE(LEffectStream::CanStream({Step(K::Reverse)}, *louder.Open()));
-    EXPECT_TRUE(LEffectStream::CanStream({Step(K::Amplify), Step(K::DCOffsetCorrection), Step(K::Reverse)}, *stereo.Open()));
+    EXPECT_FALSE(LEffectStream::CanStream({Step(K::Reverse)}, *louder.Open(), true));
+    // A decoder that keeps state from frame to frame cannot be read backwards by seeking.
+    EXPECT_FALSE(LEffectStream::CanStream({Step(K::Reverse)}, *stereo.Open(), false));
+    EXPECT_TRUE(LEffectStream::CanStream({Step(K::Echo)}, *stereo.Open(), false));
+    EXPECT_TRUE(
+        LEffectStream::CanStream({Step(K::Amplify), Step(K::DCOffsetCorrection), Step(K::Reverse)}, *stereo.Open(), true));
 }
 
 TEST_F(EffectStream, CancelDuringAMeasuringPassAndAnUnreadableInputStopTheChain)
