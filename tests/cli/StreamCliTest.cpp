@@ -1,6 +1,6 @@
-// An effect or a batch that streams from file to file and meets a failing write mid-stream (the
-// file size limit, with SIGXFSZ ignored so that writes fail) leaves the old target byte for byte
-// and no partial output beside it.
+// Effects and batches that stream from file to file: they write what the document path writes,
+// and one that meets a failing write mid-stream (the file size limit, with SIGXFSZ ignored so that
+// writes fail) leaves the old target byte for byte and no partial output beside it.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kLimitKb = 64;
 
-class StreamSaveFail : public ::testing::Test
+class StreamCli : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -35,6 +35,12 @@ protected:
                               "; exec \"$0\" \"$@\"' '" SONITRA_CLI_PATH "' " + szArgs + " 2>&1 </dev/null",
                           pLog);
     }
+    int Cli(const std::string& szArgs, std::string* pLog = nullptr)
+    {
+        return RunCommand("XDG_CONFIG_HOME='" + dir.File("config") + "' XDG_CACHE_HOME='" + dir.File("cache") + "' '" +
+                              SONITRA_CLI_PATH "' " + szArgs + " 2>&1 </dev/null",
+                          pLog);
+    }
     std::vector<std::string> FilesInOut() const
     {
         std::vector<std::string> v;
@@ -49,7 +55,7 @@ protected:
 
 } // namespace
 
-TEST_F(StreamSaveFail, EffectsKeepTheOldTarget)
+TEST_F(StreamCli, AFailingWriteKeepsTheOldTargetOfAnEffect)
 {
     for (const std::string szEffect : {"echo", "normalize", "reverse", "equalizer Points=100:6,1000:-3"}) {
         SCOPED_TRACE(szEffect);
@@ -63,7 +69,7 @@ TEST_F(StreamSaveFail, EffectsKeepTheOldTarget)
     }
 }
 
-TEST_F(StreamSaveFail, ABatchKeepsTheOldTarget)
+TEST_F(StreamCli, AFailingWriteKeepsTheOldTargetOfABatch)
 {
     const std::string szScript = dir.File("s.snb");
     std::string szLog;
@@ -80,4 +86,22 @@ TEST_F(StreamSaveFail, ABatchKeepsTheOldTarget)
         << szLog;
     EXPECT_EQ(ReadFileBytes(dir.File("out/in.wav")), vOld);
     EXPECT_EQ(FilesInOut(), std::vector<std::string>{"in.wav"});
+}
+
+// A range over the whole file takes the document path; the same effect without it streams.
+TEST_F(StreamCli, StreamedEffectsWriteWhatTheDocumentPathWrites)
+{
+    const std::string szIn = dir.File("in.wav");
+    const std::string szFrames = std::to_string(4 * 22050);
+    for (const std::string szEffect : {"echo EchoGain=80 EchoTime=30", "reverse", "normalize NormalizePeakLevel=70",
+                                       "equalizer Points=100:6,1000:-3", "mono", "convert-sample-rate ConvertSampleRate=8000",
+                                       "amplify AmplifyGain=300"}) {
+        SCOPED_TRACE(szEffect);
+        std::string szLog;
+        ASSERT_EQ(Cli("effect '" + szIn + "' '" + dir.File("s.wav") + "' " + szEffect, &szLog), 0) << szLog;
+        ASSERT_EQ(Cli("effect '" + szIn + "' '" + dir.File("d.wav") + "' " + szEffect + " --range 0," + szFrames, &szLog),
+                  0)
+            << szLog;
+        EXPECT_TRUE(ReadFileBytes(dir.File("s.wav")) == ReadFileBytes(dir.File("d.wav")));
+    }
 }
