@@ -30,7 +30,8 @@ trap 'rm -rf "$work"' EXIT
 export XDG_CONFIG_HOME="$work/config" XDG_CACHE_HOME="$work/cache"
 
 median() { sort -g | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2 }'; }
-size() { stat -c %s "$1"; }
+# The bytes of a file, or of the WAV files of a folder.
+size() { if [ -d "$1" ]; then cat "$1"/*.wav | wc -c; else stat -c %s "$1"; fi; }
 
 # pair LABEL INPUT OUTPUT -- OUR COMMAND... -- THEIR COMMAND...: PAIRS runs of each in turn; prints
 # the medians, the ratio, and the I/O of our last run as multiples of the input and output size.
@@ -41,16 +42,16 @@ pair() {
   shift
   theirs=("$@")
   for ((k = 0; k < pairs; k++)); do
-    rm -f "$out"
+    rm -rf "$out"
     io=$(python3 "$run" "${ours[@]}") || { echo "$label: sonitra-cli failed" >&2; return 1; }
     t_ours+="${io%% *}"$'\n'
-    rm -f "$out"
+    rm -rf "$out"
     a=$(python3 "$run" "${theirs[@]}") || { echo "$label: ${theirs[0]} failed" >&2; return 1; }
     t_theirs+="${a%% *}"$'\n'
   done
   a=$(printf %s "$t_ours" | median)
   b=$(printf %s "$t_theirs" | median)
-  [ -f "$out" ] || python3 "$run" "${ours[@]}" >/dev/null
+  [ -e "$out" ] || python3 "$run" "${ours[@]}" >/dev/null
   set -- $io
   awk -v l="$label" -v a="$a" -v b="$b" -v peer="$(basename "${theirs[0]}")" -v r="$3" -v w="$4" \
     -v i="$(size "$in")" -v o="$(size "$out")" \
@@ -101,8 +102,7 @@ export work
 batch() { rm -rf "$work/out"; mkdir -p "$work/out"; "$cli" batch "$work/s.snb" "$work"/in/*.wav --to wav --out "$work/out" --jobs 1; }
 export -f batch
 export cli
-pair "batch ($files files)" "$work/in/f0.wav" "$work/out/f0.wav" -- bash -c batch -- bash -c 'rm -rf "$work/out"; sox_loop' |
-  sed 's/read .*//'
+pair "batch ($files files)" "$work/in" "$work/out" -- bash -c batch -- bash -c 'rm -rf "$work/out"; sox_loop'
 
 echo "-- MP3 decoding, ${minutes} min"
 if command -v lame >/dev/null && command -v mpg123 >/dev/null; then
@@ -112,10 +112,9 @@ if command -v lame >/dev/null && command -v mpg123 >/dev/null; then
   lame --quiet -b 64 "$work/m22.wav" "$work/m2.mp3"
   for kind in cbr vbr m2; do
     mp3="$work/$kind.mp3"
-    pair "convert $kind.mp3 (mpg123)" "$mp3" "$o" -- "$cli" convert "$mp3" "$o" -- mpg123 -q -w "$o" "$mp3" | sed 's/read .*//'
+    pair "convert $kind.mp3 (mpg123)" "$mp3" "$o" -- "$cli" convert "$mp3" "$o" -- mpg123 -q -w "$o" "$mp3"
     if command -v ffmpeg >/dev/null; then
-      pair "convert $kind.mp3 (ffmpeg)" "$mp3" "$o" -- "$cli" convert "$mp3" "$o" -- ffmpeg -v quiet -y -i "$mp3" "$o" |
-        sed 's/read .*//'
+      pair "convert $kind.mp3 (ffmpeg)" "$mp3" "$o" -- "$cli" convert "$mp3" "$o" -- ffmpeg -v quiet -y -i "$mp3" "$o"
     fi
   done
 else
