@@ -138,6 +138,8 @@ public:
         return p.Get();
     }
     void Amplify(int32_t nPercent) { nGain = LSRCGain::Scaled(nGain, nPercent); }
+    // The sound's shape, the gain not yet applied.
+    const LSoundSourceBase& Peek() const { return *p; }
     void Wrap(LSoundSourcePtr pNext) { p = std::move(pNext); }
     LSoundSourcePtr Take() { return Read(); }
 
@@ -160,14 +162,17 @@ bool AddStep(LChain& chain, const LEffectStep& step, const Measured& m)
         chain.Wrap(LSoundSourcePtr(new LSRCReverse(chain.Read())));
         return true;
     case Shape::Convert: {
-        LSoundSourceBase* pIn = chain.Read();
+        // A conversion to the shape the sound has already leaves the document, gains and all, as it is.
+        const LSoundSourceBase& now = chain.Peek();
         const K kind = step.pInfo->kind;
-        const int32_t nRate = kind == K::ConvertSampleRate ? step.args.Value("ConvertSampleRate") : pIn->GetSampleRate();
-        const uint8_t nChans = kind == K::ConvertMono ? 1 : kind == K::ConvertStereo ? 2 : pIn->GetChannels();
+        const int32_t nRate = kind == K::ConvertSampleRate ? step.args.Value("ConvertSampleRate") : now.GetSampleRate();
+        const uint8_t nChans = kind == K::ConvertMono ? 1 : kind == K::ConvertStereo ? 2 : now.GetChannels();
         if (nRate < 1)
             return false;
-        if (nRate != pIn->GetSampleRate() || nChans != pIn->GetChannels())
+        if (nRate != now.GetSampleRate() || nChans != now.GetChannels()) {
+            chain.Read();
             chain.Rendered(nRate, nChans);
+        }
         return true;
     }
     case Shape::Stage: {
