@@ -6,6 +6,10 @@
 #include <numeric>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <xmmintrin.h>
+#endif
+
 #include "core/LTrace.h"
 
 namespace {
@@ -106,7 +110,13 @@ const LDotFn Folded = Dot == DotAvx ? FoldedAvx : FoldedSse;
 inline int32_t ToSample(float f)
 {
     // Clamped first: converting an out-of-range float to an integer is undefined.
-    return static_cast<int32_t>(std::lrintf(std::clamp(f, -2147483520.0f, 2147483520.0f)));
+    const float fClamped = std::clamp(f, -2147483520.0f, 2147483520.0f);
+#if defined(__SSE2__)
+    // Rounds to nearest, ties to even, as lrintf does, inline instead of a library call per sample.
+    return _mm_cvtss_si32(_mm_set_ss(fClamped));
+#else
+    return static_cast<int32_t>(std::lrintf(fClamped));
+#endif
 }
 
 double BesselI0(double x)

@@ -76,6 +76,21 @@ bool SameFile(const std::string& szA, const std::string& szB)
     return index.Find(LFileKey(szB)) != LFileIndex::kNone;
 }
 
+// The effects of the script's commands with their settings; false with the first problem.
+bool StepsOf(const std::vector<CommandDataItem>& vScript, std::vector<LEffectStep>& vSteps, std::string* pszError)
+{
+    for (const CommandDataItem& item : vScript) {
+        LEffectStep step;
+        if (!GetCommandDataItemData(item, step.args, pszError))
+            return false;
+        step.pInfo = BatchCommandInfo(item.uCommandId);
+        if (!step.args.Validate(*step.pInfo, pszError))
+            return false;
+        vSteps.push_back(std::move(step));
+    }
+    return true;
+}
+
 const char kReplacesOwnInput[] = "the output would replace the input; choose another folder or format";
 } // namespace
 
@@ -164,15 +179,8 @@ int32_t EdBatchConverter::ConvertFile(LProgressDialog& dlg, const std::vector<Co
         return Fail(kReplacesOwnInput);
     std::string szError;
     std::vector<LEffectStep> vSteps;
-    for (const CommandDataItem& item : vScript) {
-        LEffectStep step;
-        if (!GetCommandDataItemData(item, step.args, &szError))
-            return Fail(szError);
-        step.pInfo = BatchCommandInfo(item.uCommandId);
-        if (!step.args.Validate(*step.pInfo, &szError))
-            return Fail(szError);
-        vSteps.push_back(std::move(step));
-    }
+    if (!StepsOf(vScript, vSteps, &szError))
+        return Fail(szError);
     LAudioFileDetails details;
     LSoundSourcePtr pSource = LAudioFile::OpenSource(szInput, &szError, &details);
     if (pSource->IsError())
