@@ -11,6 +11,7 @@
 #include "dsp/effects/LEffectRunner.h"
 #include "dsp/effects/LStoredValues.h"
 #include "formats/LAudioFile.h"
+#include "lists/LEffectFileStream.h"
 #include "work/LProgressDialog.h"
 
 namespace {
@@ -286,14 +287,26 @@ int RunEffect(const std::vector<std::string>& vArgs)
             return CliError;
         }
     }
-    LPREffectFile proc(req, pSource.Get(), details.encoding);
-    const int32_t nResult = proc.Run();
+    int32_t nResult = LProgressDialog::ResultError;
+    std::string szFailure;
+    const std::vector<LEffectStep> vSteps{LEffectStep{req.pInfo, req.args}};
+    if (!req.bRange && LEffectFileStream::CanStream(vSteps, *pSource, details)) {
+        // From file to file in one pass: no document to load.
+        pSource.Reset();
+        LEffectFileStream proc(req.pInfo->szCaption, req.szIn, vSteps, req.szOut, details.encoding);
+        nResult = proc.Run();
+        szFailure = proc.GetError();
+    } else {
+        LPREffectFile proc(req, pSource.Get(), details.encoding);
+        nResult = proc.Run();
+        szFailure = proc.szError;
+    }
     if (nResult == LProgressDialog::ResultCancelled) {
         LCliError("effect: cancelled; " + req.szOut + " was not written");
         return CliCancelled;
     }
     if (nResult != LProgressDialog::ResultDone) {
-        LCliError(req.szOut + ": " + (proc.szError.empty() ? std::string("the effect failed") : proc.szError));
+        LCliError(req.szOut + ": " + (szFailure.empty() ? std::string("the effect failed") : szFailure));
         return CliError;
     }
     return CliDone;

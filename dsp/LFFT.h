@@ -21,6 +21,9 @@ public:
     void ForwardScrambled(std::complex<double>* pData) const;
     void InverseScrambled(std::complex<double>* pData) const;
 
+    // Multiplies n entries by the other n, entry by entry (a convolution's product of spectra).
+    static void Multiply(std::complex<double>* pData, const std::complex<double>* pBy, int32_t n);
+
 private:
     void Permute(std::complex<double>* pData) const;
     void TimeStages(std::complex<double>* pData, const double* pTwiddles) const;

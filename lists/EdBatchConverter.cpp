@@ -12,6 +12,7 @@
 #include "core/LFile.h"
 #include "core/LTrace.h"
 #include "dsp/effects/LEffectRunner.h"
+#include "lists/LEffectFileStream.h"
 
 namespace {
 // A path as the file system resolves it, and the file it names when that exists, found once per
@@ -73,6 +74,21 @@ bool SameFile(const std::string& szA, const std::string& szB)
     LFileIndex index;
     index.Add(LFileKey(szA), 0);
     return index.Find(LFileKey(szB)) != LFileIndex::kNone;
+}
+
+// The effects of the script's commands with their settings; false with the first problem.
+bool StepsOf(const std::vector<CommandDataItem>& vScript, std::vector<LEffectStep>& vSteps, std::string* pszError)
+{
+    for (const CommandDataItem& item : vScript) {
+        LEffectStep step;
+        if (!GetCommandDataItemData(item, step.args, pszError))
+            return false;
+        step.pInfo = BatchCommandInfo(item.uCommandId);
+        if (!step.args.Validate(*step.pInfo, pszError))
+            return false;
+        vSteps.push_back(std::move(step));
+    }
+    return true;
 }
 
 const char kReplacesOwnInput[] = "the output would replace the input; choose another folder or format";
@@ -162,9 +178,21 @@ int32_t EdBatchConverter::ConvertFile(LProgressDialog& dlg, const std::vector<Co
     if (SameFile(szInput, szOutput))
         return Fail(kReplacesOwnInput);
     std::string szError;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(szInput, &szError);
+    std::vector<LEffectStep> vSteps;
+    if (!StepsOf(vScript, vSteps, &szError))
+        return Fail(szError);
+    LAudioFileDetails details;
+    LSoundSourcePtr pSource = LAudioFile::OpenSource(szInput, &szError, &details);
     if (pSource->IsError())
         return Fail(szError.empty() ? "cannot be read" : szError);
+    if (LEffectFileStream::CanStream(vSteps, *pSource, details)) {
+        // From file to file in one pass: no document to load.
+        pSource.Reset();
+        const int32_t nResult = LEffectFileStream::Apply(dlg, szInput, vSteps, szOutput, encoding, &szError);
+        if (nResult == LProgressDialog::ResultError)
+            return Fail(szError.empty() ? "cannot be written" : szError);
+        return nResult;
+    }
     LCutListAudioPtr pDoc(new LCutListAudio(pSource->GetSampleRate(), pSource->GetChannels()));
     LCutListAudioLoadSource load("Loading file " + szInput, pDoc.Get(), pSource.Get());
     int32_t nResult = load.RunInside(dlg);
@@ -172,19 +200,13 @@ int32_t EdBatchConverter::ConvertFile(LProgressDialog& dlg, const std::vector<Co
         return nResult;
     if (nResult != LProgressDialog::ResultDone)
         return Fail("cannot be loaded");
-    for (const CommandDataItem& item : vScript) {
-        LEffectArgs args;
-        if (!GetCommandDataItemData(item, args, &szError))
-            return Fail(szError);
-        const LEffectInfo& info = *BatchCommandInfo(item.uCommandId);
-        if (!args.Validate(info, &szError))
-            return Fail(szError);
+    for (const LEffectStep& step : vSteps) {
         // A batch command works on the whole file.
-        nResult = LEffectRunner::Apply(dlg, info, pDoc.Get(), 0, pDoc->GetLength(), args);
+        nResult = LEffectRunner::Apply(dlg, *step.pInfo, pDoc.Get(), 0, pDoc->GetLength(), step.args);
         if (nResult == LProgressDialog::ResultCancelled)
             return nResult;
         if (nResult != LProgressDialog::ResultDone)
-            return Fail(LEffectCatalog::CliName(info) + " failed");
+            return Fail(LEffectCatalog::CliName(*step.pInfo) + " failed");
     }
     LSoundSourcePtr pOut = pDoc->OpenSource();
     nResult = LAudioFile::Save(dlg, "Saving...", pOut.Get(), szOutput, pDoc->GetSampleRate(), pDoc->GetChannels(),

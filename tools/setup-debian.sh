@@ -8,7 +8,7 @@ packages=(
   portaudio19-dev libebur128-dev
   libcdio-dev libcdio-paranoia-dev libburn-dev libdiscid-dev cd-paranoia
   clang libclang-rt-14-dev
-  sox ffmpeg mpg123 lame libgsm-tools flac vorbis-tools espeak-ng xdg-utils
+  sox ffmpeg mpg123 lame libgsm-tools flac vorbis-tools espeak-ng xdg-utils python3
   pulseaudio pulseaudio-utils
   xvfb xauth xdotool imagemagick
   python3

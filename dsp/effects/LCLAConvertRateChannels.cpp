@@ -68,7 +68,7 @@ SONITRA_DEFINE_EFFECT(kEfConvertSampleRate) = {
     .nMenuGroup = 0, .szHint = "Changes the sample rate of the current file.", .szUndoLabel = "Convert Sample Rate",
     .szCaption = kCaption, .vParams = kRateParams, .szDescribe = "Convert Sample Rate = %d",
     .range = LEffectInfo::WholeFile, .bAsksSettings = true, .bWorksOnEmpty = true, .pfnApply = ConvertRate,
-    .pfnDescribe = DescribeRate,
+    .pfnDescribe = DescribeRate, .stream = LEffectInfo::StreamRate,
 };
 
 SONITRA_DEFINE_EFFECT(kEfConvertMono) = {
@@ -76,6 +76,7 @@ SONITRA_DEFINE_EFFECT(kEfConvertMono) = {
     .szHint = "Converts the current file to one channel.", .szUndoLabel = "Convert Channels", .szCaption = kCaption,
     .szDescribe = "Convert Channel = 1", .range = LEffectInfo::WholeFile, .nNeedsChannels = 2,
     .bWorksOnEmpty = true, .pfnApply = ConvertToMono, .pfnDescribe = DescribeChannels,
+    .stream = LEffectInfo::StreamMono,
 };
 
 SONITRA_DEFINE_EFFECT(kEfConvertStereo) = {
@@ -83,4 +84,5 @@ SONITRA_DEFINE_EFFECT(kEfConvertStereo) = {
     .szHint = "Converts the current file to two channels.", .szUndoLabel = "Convert Channels", .szCaption = kCaption,
     .szDescribe = "Convert Channel = 2", .range = LEffectInfo::WholeFile, .nNeedsChannels = 1,
     .bWorksOnEmpty = true, .pfnApply = ConvertToStereo, .pfnDescribe = DescribeChannels,
+    .stream = LEffectInfo::StreamStereo,
 };

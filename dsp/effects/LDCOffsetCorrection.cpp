@@ -42,12 +42,32 @@ int32_t LDCOffsetCorrection::Run(LProgressDialog& dlg, LSoundSourceBase* pSource
         LTRACE("LDCOffsetCorrection::Run source and sink differ in format");
         return LProgressDialog::ResultError;
     }
+    pSrc->SetPosition(0);
+    std::vector<int32_t> vOffset;
+    if (Measure(dlg, *pSrc, vOffset) != LProgressDialog::ResultDone)
+        return LProgressDialog::ResultCancelled;
     const size_t nC = pSrc->GetChannels();
     const double fTotal = std::max(pSrc->GetLength(), 1);
     std::vector<int32_t> vBlock(static_cast<size_t>(kBlockFrames) * nC);
-    std::vector<double> vSum(nC, 0.0);
     pSrc->SetPosition(0);
-    bool bDone = ForEachBlock(dlg, *pSrc, vBlock, fTotal, [&](int32_t nValid) {
+    const bool bDone = ForEachBlock(dlg, *pSrc, vBlock, fTotal, [&](int32_t nValid) {
+        for (size_t c = 0; c < nC; ++c) {
+            const int32_t nNeg = LWrapMul(vOffset[c], -1);
+            for (size_t i = c; i < static_cast<size_t>(nValid) * nC; i += nC)
+                vBlock[i] = LWrapAdd(vBlock[i], nNeg);
+        }
+        pSnk->Write(vBlock.data(), nValid);
+    });
+    return bDone ? LProgressDialog::ResultDone : LProgressDialog::ResultCancelled;
+}
+
+int32_t LDCOffsetCorrection::Measure(LProgressDialog& dlg, LSoundSourceBase& src, std::vector<int32_t>& vOffset)
+{
+    const size_t nC = src.GetChannels();
+    const double fTotal = std::max(src.GetLength(), 1);
+    std::vector<int32_t> vBlock(static_cast<size_t>(kBlockFrames) * nC);
+    std::vector<double> vSum(nC, 0.0);
+    const bool bDone = ForEachBlock(dlg, src, vBlock, fTotal, [&](int32_t nValid) {
         for (size_t c = 0; c < nC; ++c) {
             double fSum = 0;
             for (size_t i = c; i < static_cast<size_t>(nValid) * nC; i += nC)
@@ -57,19 +77,10 @@ int32_t LDCOffsetCorrection::Run(LProgressDialog& dlg, LSoundSourceBase* pSource
     });
     if (!bDone)
         return LProgressDialog::ResultCancelled;
-    std::vector<int32_t> vOffset(nC);
+    vOffset.assign(nC, 0);
     for (size_t c = 0; c < nC; ++c)
         vOffset[c] = static_cast<int32_t>(std::lround(vSum[c] / fTotal));
-    pSrc->SetPosition(0);
-    bDone = ForEachBlock(dlg, *pSrc, vBlock, fTotal, [&](int32_t nValid) {
-        for (size_t c = 0; c < nC; ++c) {
-            const int32_t nNeg = LWrapMul(vOffset[c], -1);
-            for (size_t i = c; i < static_cast<size_t>(nValid) * nC; i += nC)
-                vBlock[i] = LWrapAdd(vBlock[i], nNeg);
-        }
-        pSnk->Write(vBlock.data(), nValid);
-    });
-    return bDone ? LProgressDialog::ResultDone : LProgressDialog::ResultCancelled;
+    return LProgressDialog::ResultDone;
 }
 
 int32_t LDCOffsetCorrection::RunOnDocument(LProgressDialog& dlg, const LEffectData& data)
@@ -104,4 +115,5 @@ SONITRA_DEFINE_EFFECT(kEfDCOffsetCorrection) = {
     .nCommandId = 4017, .szCliName = "dcoffset-correction", .szMenuText = "DCOffset Correction", .szMenu = "Effects",
     .nMenuGroup = 4, .szHint = "Removes DC component to avoid clicks when editing.",
     .szUndoLabel = "DC Offset Correction", .szCaption = "DC Offset Correction", .pfnApply = CorrectDocument,
+    .stream = LEffectInfo::StreamOffset,
 };

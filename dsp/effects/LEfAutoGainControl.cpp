@@ -41,5 +41,5 @@ SONITRA_DEFINE_EFFECT(kEfAutoGainControl) = {
     .nCommandId = 4009, .szCliName = "automatic-gain-control", .szMenuText = "Automatic Gain Control",
     .szMenu = "Effects", .nMenuGroup = 2, .szHint = "Evens out loud and soft passages.",
     .szUndoLabel = "Automatic Gain Control", .szCaption = "Automatic Gain Control", .range = LEffectInfo::WholeFile,
-    .pfnApply = AutoGainControl,
+    .pfnApply = AutoGainControl, .stream = LEffectInfo::StreamAutoGain,
 };

@@ -43,6 +43,7 @@ SONITRA_DEFINE_EFFECT(kEfAmplify) = {
     .nCommandId = 4001, .szCliName = "amplify", .szMenuText = "Amplify...", .szMenu = "Effects", .nMenuGroup = 0,
     .szHint = "Makes the selected region louder or softer.", .szUndoLabel = "Amplify", .szCaption = "Amplify",
     .vParams = kAmplifyParams, .szDescribe = "Amplify Gain (%%) = %d", .bAsksSettings = true, .pfnApply = Amplify,
+    .stream = LEffectInfo::StreamAmplify,
 };
 
 SONITRA_DEFINE_EFFECT(kEfRepeatLoop) = {

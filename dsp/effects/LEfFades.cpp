@@ -49,5 +49,7 @@ SONITRA_DEFINE_EFFECT(kEfFadeOut) = {
 SONITRA_DEFINE_EFFECT(kEfFadeOutAndTrim) = {
     .nCommandId = 4013, .szCliName = "fade-out-and-trim", .szMenuText = "Fade Out and Trim", .szMenu = "Effects",
     .nMenuGroup = 1, .szHint = "Fades out over the selected region and deletes everything after the end position.",
-    .szUndoLabel = "Fade Out and Trim", .szCaption = "Fade Out", .szBody = "EfFadeOut", .pfnApply = FadeOutAndTrim,
+    .szUndoLabel = "Fade Out and Trim", .szCaption = "Fade Out", .szBody = "EfFadeOut",
+    .pfnFactory = MakeFadeOut, // over a whole stream the trim keeps everything
+    .pfnApply = FadeOutAndTrim,
 };

@@ -74,5 +74,5 @@ SONITRA_DEFINE_EFFECT(kEfNormalize) = {
     .nCommandId = 4002, .szCliName = "normalize", .szMenuText = "Normalize...", .szMenu = "Effects",
     .nMenuGroup = 0, .szHint = "Brings the loudest peak to a chosen level.", .szUndoLabel = "Normalize",
     .szCaption = "Normalizing", .vParams = kParams, .szDescribe = "Normalize Peak Level (%%) = %d",
-    .bAsksSettings = true, .pfnApply = Normalize,
+    .bAsksSettings = true, .pfnApply = Normalize, .stream = LEffectInfo::StreamNormalize,
 };

@@ -88,11 +88,27 @@ struct LEffectInfo
     bool bEditorOwnCommand = false;
     const char* szBody = "EfSoundProcess"; // the process body, as the trace names it
     // How it runs: a streaming effect wraps a source (pfnFactory, usable without a document);
-    // the others work on the document (pfnApply).
+    // the others work on the document (pfnApply). One with both runs pfnApply on a document and
+    // is the stage of pfnFactory over a whole stream (a fade out and trim of everything).
     FactoryFn pfnFactory = nullptr;
     ApplyFn pfnApply = nullptr;
     // The editor's own description when it differs from szDescribe over the values.
     DescribeFn pfnDescribe = nullptr;
+
+    // How a document effect still runs over a stream from file to file (command line, batches).
+    enum Stream
+    {
+        StreamAuto,      // a stage when it has a factory, else only on a document
+        StreamAmplify,   // a gain of the value "AmplifyGain", as the cuts' gain applies it
+        StreamNormalize, // the peak measured first, then a gain
+        StreamOffset,    // the offset measured first, then taken off
+        StreamAutoGain,  // analysed into a copy of its own first
+        StreamReverse,   // read backwards through the input's seek
+        StreamRate,      // converted to the rate "ConvertSampleRate"
+        StreamMono,
+        StreamStereo,
+    };
+    Stream stream = StreamAuto;
 };
 
 // Defines a descriptor with the linkage the catalog's list needs:

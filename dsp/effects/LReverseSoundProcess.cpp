@@ -69,5 +69,5 @@ int32_t Reverse(LProgressDialog& dlg, const LEffectInfo&, LCutListAudio& doc, in
 SONITRA_DEFINE_EFFECT(kEfReverse) = {
     .nCommandId = 4018, .szCliName = "reverse", .szMenuText = "Reverse", .szMenu = "Effects", .nMenuGroup = 0,
     .szHint = "Plays the selected region backwards.", .szUndoLabel = "Reverse", .szCaption = "Reverse",
-    .pfnApply = Reverse,
+    .pfnApply = Reverse, .stream = LEffectInfo::StreamReverse,
 };

@@ -34,18 +34,33 @@ void LSRCFade::ApplyRamp(int32_t* pBuffer, int32_t nFrames, int64_t sFrom)
             LZeroFrames(pBuffer, nFrames, nChans);
         return;
     }
-    // The gain steps in 16 extra fractional bits so no division is needed per frame.
+    // The gain steps in 16 extra fractional bits so no division is needed per frame; inside the
+    // ramp it grows by a constant step, added frame by frame.
     const int64_t nStep = (static_cast<int64_t>(kGainUnity) << 16) / nFadeFrames;
-    const int64_t nSign = dir == FadeIn ? 1 : -1;
-    for (int32_t i = 0; i < nFrames; ++i) {
-        const int64_t s = sFrom + i;
-        int32_t g;
-        if (s < sFadeStart || s >= sRampEnd)
-            g = GainAt(s);
-        else
-            g = static_cast<int32_t>(((dir == FadeIn ? 0 : (static_cast<int64_t>(kGainUnity) << 16)) + nSign * (s - sFadeStart) * nStep) >> 16);
-        int32_t* p = pBuffer + static_cast<size_t>(i) * nChans;
-        for (uint8_t c = 0; c < nChans; ++c)
-            p[c] = LMulGain824(p[c], g);
+    const int64_t nDelta = dir == FadeIn ? nStep : -nStep;
+    const int64_t nBase = dir == FadeIn ? 0 : (static_cast<int64_t>(kGainUnity) << 16);
+    const int32_t nBefore = static_cast<int32_t>(std::clamp<int64_t>(sFadeStart - sFrom, 0, nFrames));
+    const int32_t nRampTo = static_cast<int32_t>(std::clamp<int64_t>(sRampEnd - sFrom, nBefore, nFrames));
+    const size_t nC = nChans;
+    for (int32_t i = 0; i < nBefore; ++i)
+        ScaleFrame(pBuffer + static_cast<size_t>(i) * nC, GainAt(sFrom + i));
+    int64_t nAcc = nBase + (sFrom + nBefore - sFadeStart) * nDelta;
+    if (nC == 2) {
+        for (int32_t i = nBefore; i < nRampTo; ++i, nAcc += nDelta) {
+            const int32_t g = static_cast<int32_t>(nAcc >> 16);
+            pBuffer[2 * i] = LMulGain824(pBuffer[2 * i], g);
+            pBuffer[2 * i + 1] = LMulGain824(pBuffer[2 * i + 1], g);
+        }
+    } else {
+        for (int32_t i = nBefore; i < nRampTo; ++i, nAcc += nDelta)
+            ScaleFrame(pBuffer + static_cast<size_t>(i) * nC, static_cast<int32_t>(nAcc >> 16));
     }
+    for (int32_t i = nRampTo; i < nFrames; ++i)
+        ScaleFrame(pBuffer + static_cast<size_t>(i) * nC, GainAt(sFrom + i));
+}
+
+void LSRCFade::ScaleFrame(int32_t* pFrame, int32_t g) const
+{
+    for (uint8_t c = 0; c < nChans; ++c)
+        pFrame[c] = LMulGain824(pFrame[c], g);
 }

@@ -25,6 +25,7 @@ public:
 
 private:
     void ApplyRamp(int32_t* pBuffer, int32_t nFrames, int64_t sFrom);
+    void ScaleFrame(int32_t* pFrame, int32_t g) const;
 
     Direction dir;
     int64_t sFadeStart;

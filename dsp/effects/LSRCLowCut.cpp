@@ -22,6 +22,21 @@ void LSRCLowCut::Read(int32_t* pBuffer, int32_t nFrames)
     pInput->Read(pBuffer, nFrames);
     const int32_t a = nCoef;
     const size_t nStep = nChans;
+    if (nStep == 2) {
+        // Both channels in one walk over the block: each keeps its own accumulator, as below.
+        int32_t accL = vAcc[0], accR = vAcc[1];
+        for (int32_t i = 0; i < 2 * nFrames; i += 2) {
+            const int32_t xL = LWrapAdd(pBuffer[i], -(accL >> 8));
+            const int32_t xR = LWrapAdd(pBuffer[i + 1], -(accR >> 8));
+            accL = LWrapAdd(accL, LWrapMul(xL, a));
+            accR = LWrapAdd(accR, LWrapMul(xR, a));
+            pBuffer[i] = xL;
+            pBuffer[i + 1] = xR;
+        }
+        vAcc[0] = accL;
+        vAcc[1] = accR;
+        return;
+    }
     for (size_t c = 0; c < nStep; ++c) {
         int32_t acc = vAcc[c];
         int32_t* p = pBuffer + c;

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "core/LMemorySound.h"
@@ -120,6 +122,29 @@ TEST(ConvertRate, KeepsChannelsApartAndReadsSilenceAfterTheEnd)
         ASSERT_EQ(v[i], 0);
     for (size_t i = 2 * 1300; i < v.size(); ++i)
         ASSERT_EQ(v[i], 0) << i;
+}
+
+TEST(ConvertRate, EachChannelOfStereoIsWhatItsOwnMonoConversionGives)
+{
+    // Whole steps down (one folded kernel) and a fractional step, each channel a different tone.
+    for (const auto [nIn, nOut] : {std::pair{44100, 22050}, std::pair{48000, 16000}, std::pair{44100, 32000}}) {
+        SCOPED_TRACE(std::to_string(nIn) + " to " + std::to_string(nOut));
+        const std::vector<int32_t> vLeft = Sine(nIn, nIn / 2, 440), vRight = Sine(nIn, nIn / 2, 3100);
+        std::vector<int32_t> vStereo;
+        for (size_t i = 0; i < vLeft.size(); ++i) {
+            vStereo.push_back(vLeft[i]);
+            vStereo.push_back(vRight[i]);
+        }
+        LSoundSourcePtr pStereo(new LSRCConvertRate(new LSRCMemory(vStereo, nIn, 2), nOut));
+        LSoundSourcePtr pLeft(new LSRCConvertRate(new LSRCMemory(vLeft, nIn, 1), nOut));
+        LSoundSourcePtr pRight(new LSRCConvertRate(new LSRCMemory(vRight, nIn, 1), nOut));
+        const std::vector<int32_t> vBoth = ReadDoc(pStereo.Get()), vL = ReadDoc(pLeft.Get()), vR = ReadDoc(pRight.Get());
+        ASSERT_EQ(vBoth.size(), 2 * vL.size());
+        for (size_t i = 0; i < vL.size(); ++i) {
+            ASSERT_EQ(vBoth[2 * i], vL[i]) << i;
+            ASSERT_EQ(vBoth[2 * i + 1], vR[i]) << i;
+        }
+    }
 }
 
 TEST(ConvertRate, ContractValues)

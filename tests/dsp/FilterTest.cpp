@@ -132,7 +132,8 @@ TEST(Equalizer, RefusesMoreThanTwoChannels)
 
 TEST(FFT, MatchesTheDirectTransformAndInvertsAtEverySize)
 {
-    for (int32_t n : {2, 4, 8, 64, 1024}) {
+    // Both parities of the stage count, with and without the wide paths.
+    for (int32_t n : {2, 4, 8, 16, 32, 64, 128, 1024, 2048}) {
         std::vector<std::complex<double>> v(n), vDirect(n);
         for (int32_t i = 0; i < n; ++i)
             v[i] = {std::sin(0.37 * i) + 0.25 * (i % 3), std::cos(1.3 * i * i)};
@@ -158,5 +159,23 @@ TEST(FFT, MatchesTheDirectTransformAndInvertsAtEverySize)
         fft.InverseScrambled(v.data());
         for (int32_t i = 0; i < n; ++i)
             ASSERT_LT(std::abs(v[i] / static_cast<double>(n * n) - vIn[i]), 1e-12 * n) << n << " at " << i;
+    }
+}
+
+TEST(FFT, MultiplyIsTheComplexProductEntryByEntry)
+{
+    for (int32_t n : {1, 2, 3, 7, 8, 33}) {
+        std::vector<std::complex<double>> v(n), vBy(n);
+        for (int32_t i = 0; i < n; ++i) {
+            v[i] = {std::sin(0.7 * i) * 1e5, std::cos(0.3 * i) - 2};
+            vBy[i] = {0.5 - 0.01 * i, std::sin(2.1 * i)};
+        }
+        std::vector<std::complex<double>> vOut = v;
+        LFFT::Multiply(vOut.data(), vBy.data(), n);
+        for (int32_t i = 0; i < n; ++i) {
+            const double fRe = v[i].real() * vBy[i].real() - v[i].imag() * vBy[i].imag();
+            const double fIm = v[i].real() * vBy[i].imag() + v[i].imag() * vBy[i].real();
+            EXPECT_EQ(vOut[i], std::complex<double>(fRe, fIm)) << n << " at " << i;
+        }
     }
 }
