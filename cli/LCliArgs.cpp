@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "cli/LCliVerb.h"
 #include "core/LSoundTime.h"
 
 bool LCliParseTime(const std::string& szText, int32_t& nMs)
@@ -55,4 +56,25 @@ std::string LCliMeter(int nDb, int nFloorDb)
 {
     const int nCells = std::clamp((nDb - nFloorDb) / 3, 0, 20);
     return std::string(nCells, '#') + std::string(20 - nCells, '.');
+}
+
+bool LCliFrameRange::Parse(const std::string& szText)
+{
+    const size_t nComma = szText.find(',');
+    bGiven = nComma != std::string::npos && LCliParseInt(szText.substr(0, nComma), 0, INT32_MAX, sStart) &&
+             LCliParseInt(szText.substr(nComma + 1), 0, INT32_MAX, sEnd) && sStart < sEnd;
+    return bGiven;
+}
+
+bool LCliFrameRange::Fit(const std::string& szVerb, int32_t nLength)
+{
+    if (!bGiven) {
+        sStart = 0;
+        sEnd = nLength;
+        return true;
+    }
+    if (sEnd <= nLength)
+        return true;
+    LCliError(szVerb + ": the range ends past the end of the file (" + std::to_string(nLength) + " frames)");
+    return false;
 }

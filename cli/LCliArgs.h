@@ -21,5 +21,19 @@ using LCliOptionTaker = std::function<bool(const std::string& szName, const std:
 bool LCliReadOptions(const std::vector<std::string>& vArgs, std::string& szFile, const LCliOptionTaker& take,
                      const std::function<bool(const std::string& szText)>& usage, const std::string& szCountText);
 
+// The "--range S,E" option in frames: the whole file when not given.
+struct LCliFrameRange
+{
+    bool bGiven = false;
+    int32_t sStart = 0;
+    int32_t sEnd = 0;
+
+    // Reads "S,E" with S < E; false when the text is not that.
+    bool Parse(const std::string& szText);
+    // Sets the whole file when no range was given; false, after saying so for szVerb, when the
+    // range ends past nLength.
+    bool Fit(const std::string& szVerb, int32_t nLength);
+};
+
 // A level meter of 20 cells over the 60 dB above nFloorDb.
 std::string LCliMeter(int nDb, int nFloorDb);

@@ -28,9 +28,7 @@ struct Options
 {
     std::string szFile;
     std::string szCsv;
-    bool bRange = false;
-    int32_t sStart = 0;
-    int32_t sEnd = 0;
+    LCliFrameRange range;
     int32_t nSize = 4096;
     int32_t nPeaks = 10;
 };
@@ -53,12 +51,8 @@ bool TakeOption(Options& opt, const std::string& szName, const std::string& szVa
         opt.szCsv = szValue;
         return true;
     }
-    if (szName == "--range") {
-        const size_t nComma = szValue.find(',');
-        opt.bRange = nComma != std::string::npos && LCliParseInt(szValue.substr(0, nComma), 0, INT32_MAX, opt.sStart) &&
-                     LCliParseInt(szValue.substr(nComma + 1), 0, INT32_MAX, opt.sEnd) && opt.sStart < opt.sEnd;
-        return opt.bRange || Usage("--range takes two frame numbers S,E with S < E");
-    }
+    if (szName == "--range")
+        return opt.range.Parse(szValue) || Usage("--range takes two frame numbers S,E with S < E");
     return Usage("unknown option '" + szName + "'");
 }
 
@@ -85,15 +79,10 @@ int RunAnalyze(const std::vector<std::string>& vArgs)
     if (!pSource)
         return CliError;
     const int32_t nLength = pSource->GetLength();
-    if (!opt.bRange) {
-        opt.sStart = 0;
-        opt.sEnd = nLength;
-    } else if (opt.sEnd > nLength) {
-        LCliError("analyze: the range ends past the end of the file (" + std::to_string(nLength) + " frames)");
+    if (!opt.range.Fit("analyze", nLength))
         return CliUsage;
-    }
     LSpectrum spectrum;
-    if (!spectrum.Analyze(*pSource, opt.sStart, opt.sEnd, opt.nSize)) {
+    if (!spectrum.Analyze(*pSource, opt.range.sStart, opt.range.sEnd, opt.nSize)) {
         LCliError(opt.szFile + ": could not be analysed");
         return CliError;
     }

@@ -3,10 +3,10 @@
 #include <cstdlib>
 
 #include "cli/LCliArgs.h"
+#include "cli/LCliOpen.h"
 #include "cli/LCliSpectroPicture.h"
 #include "cli/LCliVerb.h"
 #include "dsp/LSpectroColumns.h"
-#include "formats/LAudioFile.h"
 #include "formats/LPngWriter.h"
 
 namespace {
@@ -35,9 +35,7 @@ struct Options
     std::string szOut;
     int32_t nWidth = 1000;
     int32_t nHeight = 400;
-    bool bRange = false;
-    int32_t sStart = 0;
-    int32_t sEnd = 0;
+    LCliFrameRange range;
     LSpectroSettings settings = LSpectroSettings::Load();
 };
 
@@ -73,12 +71,8 @@ bool TakeOption(Options& opt, const std::string& szName, const std::string& szVa
         return LCliParseInt(szValue, 20, 200, s.nRangeDb) || Usage("--db-range takes 20 to 200");
     if (szName == "--gain")
         return LCliParseInt(szValue, -60, 100, s.nGainDb) || Usage("--gain takes -60 to 100");
-    if (szName == "--range") {
-        const size_t nComma = szValue.find(',');
-        opt.bRange = nComma != std::string::npos && LCliParseInt(szValue.substr(0, nComma), 0, INT32_MAX, opt.sStart) &&
-                     LCliParseInt(szValue.substr(nComma + 1), 0, INT32_MAX, opt.sEnd) && opt.sStart < opt.sEnd;
-        return opt.bRange || Usage("--range takes two frame numbers S,E with S < E");
-    }
+    if (szName == "--range")
+        return opt.range.Parse(szValue) || Usage("--range takes two frame numbers S,E with S < E");
     return Usage("unknown option '" + szName + "'");
 }
 
@@ -114,12 +108,12 @@ bool Compute(LSoundSourceBase& src, const Options& opt, const LSpectroFrame& fra
     if (!LSpectroColumns::UsesBlocks(frame))
         return columns.FromSource(src, frame, vDb.data(), nullptr);
     auto pBlocks = std::make_shared<LSpectroBlocks>(opt.settings.nWindow, src.GetChannels());
-    if (!pBlocks->Analyze(src, opt.sEnd - opt.sStart, columns.GetAnalyzer(), nullptr, opt.sStart))
+    if (!pBlocks->Analyze(src, opt.range.sEnd - opt.range.sStart, columns.GetAnalyzer(), nullptr, opt.range.sStart))
         return false;
     LSpectroFrame relative = frame;
     for (int64_t& s : relative.vEdges)
-        s -= opt.sStart;
-    const std::vector<LSpectroPiece> vPieces{{pBlocks, 0, opt.sEnd - opt.sStart, 1.0}};
+        s -= opt.range.sStart;
+    const std::vector<LSpectroPiece> vPieces{{pBlocks, 0, opt.range.sEnd - opt.range.sStart, 1.0}};
     return columns.FromPieces(vPieces, relative, vDb.data(), nullptr);
 }
 
@@ -128,21 +122,13 @@ int RunSpectrogram(const std::vector<std::string>& vArgs)
     Options opt;
     if (!ParseArgs(vArgs, opt))
         return CliUsage;
-    std::string szError;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(opt.szIn, &szError);
-    if (pSource->IsError()) {
-        LCliError(opt.szIn + ": " + szError);
+    LSoundSourcePtr pSource = LCliOpenSound(opt.szIn);
+    if (!pSource)
         return CliError;
-    }
     const int32_t nLength = pSource->GetLength();
-    if (!opt.bRange) {
-        opt.sStart = 0;
-        opt.sEnd = nLength;
-    } else if (opt.sEnd > nLength) {
-        LCliError("spectrogram: the range ends past the end of the file (" + std::to_string(nLength) + " frames)");
+    if (!opt.range.Fit("spectrogram", nLength))
         return CliUsage;
-    }
-    if (opt.sEnd <= opt.sStart) {
+    if (opt.range.sEnd <= opt.range.sStart) {
         LCliError(opt.szIn + ": holds no audio to draw");
         return CliError;
     }
@@ -150,7 +136,7 @@ int RunSpectrogram(const std::vector<std::string>& vArgs)
     const LCliSpectroLayout layout{opt.nWidth, opt.nHeight, nChans == 2 ? 2 : 1};
     LSpectroFrame frame;
     for (int x = 0; x <= opt.nWidth; ++x)
-        frame.vEdges.push_back(opt.sStart + static_cast<int64_t>(opt.sEnd - opt.sStart) * x / opt.nWidth);
+        frame.vEdges.push_back(opt.range.sStart + static_cast<int64_t>(opt.range.sEnd - opt.range.sStart) * x / opt.nWidth);
     frame.nRows = layout.LaneRows();
     frame.nRate = pSource->GetSampleRate();
     frame.nChans = nChans;
@@ -162,7 +148,8 @@ int RunSpectrogram(const std::vector<std::string>& vArgs)
         return CliError;
     }
     const LCliCanvas picture = LCliSpectroPicture(layout, vDb, columns.RowsFor(frame, LSpectroColumns::UsesBlocks(frame)),
-                                                  opt.settings, {opt.sStart, opt.sEnd, frame.nRate});
+                                                  opt.settings, {opt.range.sStart, opt.range.sEnd, frame.nRate});
+    std::string szError;
     if (!LPngWriter::Write(opt.szOut, picture.GetWidth(), picture.GetHeight(), picture.GetRgb(), &szError)) {
         LCliError(opt.szOut + ": " + szError);
         return CliError;
