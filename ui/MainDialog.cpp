@@ -21,6 +21,7 @@
 #include "ui/LCommandIds.h"
 #include "ui/LControlCommands.h"
 #include "ui/LEditCommands.h"
+#include "ui/LEffectsCommands.h"
 #include "ui/LFileCommands.h"
 #include "ui/LProjectCommands.h"
 #include "ui/LCommandRules.h"
@@ -50,6 +51,9 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     pClipboard = new LCutListAudio;
     recent.Load();
     pTransport = std::make_unique<LTransport>(*this);
+    auto pEffectsCommands = std::make_unique<LEffectsCommands>(*this);
+    pEffects = pEffectsCommands.get();
+    vControllers.push_back(std::move(pEffectsCommands));
     auto pEditCommands = std::make_unique<LEditCommands>(*this);
     pEdit = pEditCommands.get();
     vControllers.push_back(std::move(pEditCommands));
@@ -250,7 +254,7 @@ bool MainDialog::IsCommandEnabled(int nId, const LCommandState& state) const
 {
     // The effect commands follow the effects' own rule.
     return LCommandRules::IsEnabled(nId, state, [this](int nOther, const LCommandState&) {
-        return IsEffectCommandEnabled(nOther);
+        return pEffects->IsEnabled(nOther);
     });
 }
 
@@ -260,18 +264,13 @@ bool MainDialog::Command(int nId)
         LTRACE("MainDialog::Command %d not available", nId);
         return false;
     }
-    if (CmWindow(nId) || CmEffect(nId))
+    if (CmWindow(nId))
         return true;
     for (const auto& pController : vControllers)
         if (pController->Command(nId))
             return true;
     LTRACE("MainDialog::Command %d has no handler", nId);
     return false;
-}
-
-bool MainDialog::RenderFromWindowClipboard(std::string& szPath)
-{
-    return LWindowClipboard::RenderFrom(szPath);
 }
 
 void MainDialog::SetWindowCaption()

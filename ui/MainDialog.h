@@ -26,6 +26,7 @@ class LRecoveryKeeper;
 class QDialog;
 class LEdFileWindow;
 class LEditCommands;
+class LEffectsCommands;
 class LFileCommands;
 class LProjectCommands;
 class LQtProgressHostFactory;
@@ -85,8 +86,6 @@ public:
     void CloseFileWindow(LEdFileWindow* pWindow) override;
 
     // The effect commands; filled in by MainDialogEffects.cpp.
-    bool CmEffect(int nCommandId);
-    bool IsEffectCommandEnabled(int nCommandId) const;
 
     // Runs a file name handed over by a second start of the program.
     void EvLoad(const QString& szPath);
@@ -164,7 +163,6 @@ private:
     void ShowMarkList(int nId);
 
     // The system clipboard's wave data as a file (the effects' paste mix reads it).
-    bool RenderFromWindowClipboard(std::string& szPath);
 
     // MainDialogWindow.cpp
     bool CmWindow(int nId);
@@ -195,6 +193,7 @@ private:
     // The menus' controllers, asked in turn for each command; the Edit one also serves others.
     std::vector<std::unique_ptr<LCommandController>> vControllers;
     LEditCommands* pEdit = nullptr;
+    LEffectsCommands* pEffects = nullptr;
     LFileCommands* pFiles = nullptr;
     LProjectCommands* pProject = nullptr;
     std::unique_ptr<LQtProgressHostFactory> pProgressFactory;

@@ -2,10 +2,9 @@
 // conversions). An effect reads its stored parameters, shows its dialog, and then runs its
 // process on the selection (the whole file when nothing is selected) between
 // StartModifyCurrentFile and EndModifyCurrentFile.
-#include <QApplication>
-#include <QClipboard>
+#include "ui/LEffectsCommands.h"
+
 #include <QDir>
-#include <QMimeData>
 
 #include "core/LEdFile.h"
 #include "core/LSettings.h"
@@ -17,7 +16,7 @@
 #include "ui/LEdFileWindow.h"
 #include "ui/LTransport.h"
 #include "ui/LUiPrompts.h"
-#include "ui/MainDialog.h"
+#include "ui/LWindowClipboard.h"
 #include "ui/effects/LCurveDlg.h"
 #include "ui/effects/LEffectPreviewButton.h"
 #include "ui/effects/LEffectSettingsDlg.h"
@@ -29,12 +28,6 @@ const LEffectInfo* EffectOf(int nId)
 {
     const LEffectInfo* pInfo = LEffectCatalog::ByCommand(nId == CmPasteMixFromClipboardId ? CmPasteMixId : nId);
     return pInfo && !pInfo->bEditorOwnCommand && LEffectRunner::IsAvailable(*pInfo) ? pInfo : nullptr;
-}
-
-bool SystemClipboardHasWave()
-{
-    const QMimeData* pMime = QApplication::clipboard()->mimeData();
-    return pMime && (pMime->hasFormat("audio/wav") || pMime->hasFormat("audio/x-wav"));
 }
 
 bool AskMixClip(QWidget* pParent, LEffectArgs& args)
@@ -73,28 +66,28 @@ bool AskEffectSettings(QWidget* pParent, int nCommandId, const LEffectInfo& info
 }
 } // namespace
 
-bool MainDialog::IsEffectCommandEnabled(int nCommandId) const
+bool LEffectsCommands::IsEnabled(int nCommandId) const
 {
     const LEffectInfo* pInfo = EffectOf(nCommandId);
-    LEdFile* pFile = GetCurrentFile();
-    if (!pInfo || !pFile || pTransport->IsRecording())
+    LEdFile* pFile = frame.GetCurrentFile();
+    if (!pInfo || !pFile || frame.GetTransport().IsRecording())
         return false;
     const LCutListAudio& doc = pFile->GetDocument();
     if (pInfo->nNeedsChannels && doc.GetChannels() != pInfo->nNeedsChannels)
         return false;
     if (nCommandId == CmPasteMixId)
-        return pClipboard && pClipboard->GetLength() > 0;
+        return frame.GetClipboardAudio().GetLength() > 0;
     if (nCommandId == CmPasteMixFromClipboardId)
-        return SystemClipboardHasWave();
+        return LWindowClipboard::HasWave();
     return pInfo->bWorksOnEmpty || doc.GetLength() > 0;
 }
 
-bool MainDialog::CmEffect(int nCommandId)
+bool LEffectsCommands::Command(int nCommandId)
 {
     const LEffectInfo* pInfo = EffectOf(nCommandId);
     if (!pInfo)
         return false;
-    LEdFileWindow* pWindow = GetCurrentFileWindow();
+    LEdFileWindow* pWindow = frame.GetCurrentFileWindow();
     if (!pWindow)
         return true;
     LEdFile& file = pWindow->GetFile();
@@ -102,7 +95,7 @@ bool MainDialog::CmEffect(int nCommandId)
 
     // The range: the selection, else the whole file; paste mix works from the cursor.
     int32_t sStart = 0, sEnd = doc.GetLength();
-    const bool bSelection = GetSelection(sStart, sEnd);
+    const bool bSelection = frame.GetSelection(sStart, sEnd);
     if (pInfo->range == LEffectInfo::WholeFile) {
         sStart = 0;
         sEnd = doc.GetLength();
@@ -113,33 +106,33 @@ bool MainDialog::CmEffect(int nCommandId)
     // The clip of a paste mix: this program's clipboard, or the system's.
     LEffectArgs args;
     if (nCommandId == CmPasteMixId) {
-        args.pClip = pClipboard->OpenSource();
+        args.pClip = frame.GetClipboardAudio().OpenSource();
     } else if (nCommandId == CmPasteMixFromClipboardId) {
         std::string szPath;
-        if (!RenderFromWindowClipboard(szPath))
+        if (!LWindowClipboard::RenderFrom(szPath))
             return true;
         args.pClip = LAudioFile::OpenSource(szPath);
     }
     // Its dialog may preview the effect on the range, with the main playback stopped.
     LEffectPreviewButton::Target previewTarget(doc, sStart, sEnd, args);
-    previewTarget.fnBeforePlay = [this] { pTransport->Stop(); };
-    if (!AskEffectSettings(this, nCommandId, *pInfo, args))
+    previewTarget.fnBeforePlay = [this] { frame.GetTransport().Stop(); };
+    if (!AskEffectSettings(frame.GetWidget(), nCommandId, *pInfo, args))
         return true;
 
-    StartModifyCurrentFile(pInfo->szUndoLabel);
+    frame.StartModifyCurrentFile(pInfo->szUndoLabel);
     LEffectProcess process(*pInfo, &doc, sStart, sEnd, args);
     const int32_t nResult = process.Run();
-    LTRACE("MainDialog::CmEffect %s result %d", pInfo->szUndoLabel, nResult);
+    LTRACE("LEffectsCommands::Command %s result %d", pInfo->szUndoLabel, nResult);
     if (nResult == LProgressDialog::ResultError)
-        LUiPrompts::Get().Inform(this, "Sonitra", QString("%1 could not be applied.").arg(pInfo->szUndoLabel),
+        LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", QString("%1 could not be applied.").arg(pInfo->szUndoLabel),
                                  LUiPrompts::IconError);
     const int32_t nLength = doc.GetLength();
     file.SetSelection(std::min(file.GetSelStart(), nLength), std::min(file.GetSelEnd(), nLength));
     // Whole-file effects play from the start; the others from a second before the edit.
     if (pInfo->range == LEffectInfo::WholeFile)
-        EndModifyCurrentFile(0, 0);
+        frame.EndModifyCurrentFile(0, 0);
     else
-        EndModifyCurrentFile(std::min(sStart, nLength), doc.GetSampleRate());
+        frame.EndModifyCurrentFile(std::min(sStart, nLength), doc.GetSampleRate());
     return true;
 }
 
