@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdlib>
 
+#include "cli/LCliOpen.h"
 #include "cli/LCliVerb.h"
 #include "core/LCutListAudio.h"
 #include "work/LCutListAudioLoadSource.h"
@@ -273,19 +274,14 @@ int RunEffect(const std::vector<std::string>& vArgs)
         LCliError(szMessage);
         return CliUsage;
     }
-    std::string szError;
     LAudioFileDetails details;
-    LSoundSourcePtr pSource = LAudioFile::OpenSource(req.szIn, &szError, &details);
-    if (pSource->IsError()) {
-        LCliError(req.szIn + ": " + szError);
+    LSoundSourcePtr pSource = LCliOpenSound(req.szIn, &details);
+    if (!pSource)
         return CliError;
-    }
     if (!req.szClipPath.empty()) {
-        req.args.pClip = LAudioFile::OpenSource(req.szClipPath, &szError);
-        if (req.args.pClip->IsError()) {
-            LCliError(req.szClipPath + ": " + szError);
+        req.args.pClip = LCliOpenSound(req.szClipPath);
+        if (!req.args.pClip)
             return CliError;
-        }
     }
     int32_t nResult = LProgressDialog::ResultError;
     std::string szFailure;
