@@ -69,11 +69,11 @@ LLoudness LLoudnessMeter::Result() const
     return result;
 }
 
-int32_t LLoudnessMeter::Measure(LProgressDialog& dlg, LSoundSourceBase& source, int64_t nFrames, LLoudness& result)
+int32_t LLoudnessMeter::Measure(LProgressReport& dlg, LSoundSourceBase& source, int64_t nFrames, LLoudness& result)
 {
     LLoudnessMeter meter(source.GetSampleRate(), source.GetChannels());
     if (meter.IsError() || source.IsError())
-        return LProgressDialog::ResultError;
+        return LProgressReport::ResultError;
     std::vector<int32_t> vBlock(static_cast<size_t>(kBlockFrames) * meter.nChans);
     const int64_t nTotal = std::max<int64_t>(nFrames, 1);
     for (int64_t nDone = 0; nDone < nFrames;) {
@@ -83,8 +83,8 @@ int32_t LLoudnessMeter::Measure(LProgressDialog& dlg, LSoundSourceBase& source, 
         nDone += n;
         dlg.SetProgress(static_cast<double>(nDone) / static_cast<double>(nTotal));
         if (dlg.IsCancelled())
-            return LProgressDialog::ResultCancelled;
+            return LProgressReport::ResultCancelled;
     }
     result = meter.Result();
-    return LProgressDialog::ResultDone;
+    return LProgressReport::ResultDone;
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/LSoundSourceBase.h"
-#include "work/LProgressDialog.h"
+#include "core/LProgressReport.h"
 
 struct LLoudness
 {
@@ -35,7 +35,7 @@ public:
 
     // Reads nFrames of the source through a meter, reporting progress and polling the dialog's
     // cancel state between blocks. 0 done, 1 cancelled, 2 error (the meter refused the format).
-    static int32_t Measure(LProgressDialog& dlg, LSoundSourceBase& source, int64_t nFrames, LLoudness& result);
+    static int32_t Measure(LProgressReport& dlg, LSoundSourceBase& source, int64_t nFrames, LLoudness& result);
 
 private:
     void* pState = nullptr; // libebur128's state, kept out of this header

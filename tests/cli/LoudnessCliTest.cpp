@@ -5,6 +5,7 @@
 #include <ebur128.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -76,4 +77,78 @@ TEST_F(LoudnessCli, BatchScriptRunsIt)
     Measure(dir.File("out/in.wav"), 2, 44100, fI, fPeak);
     EXPECT_NEAR(fI, -14.0, 0.1);
     EXPECT_LE(fPeak, -1.0 + 0.05);
+}
+
+namespace {
+
+// The integrated loudness `analyze --loudness` prints, NaN when it prints none.
+double PrintedIntegrated(const std::string& szOutput)
+{
+    const size_t n = szOutput.find("Integrated loudness:");
+    return n == std::string::npos ? NAN : std::atof(szOutput.c_str() + n + 20);
+}
+
+// A stereo 1 kHz sine at 48 kHz made of parts of (peak level in dBFS, seconds), as the EBU's
+// loudness meter test signals are.
+std::vector<int32_t> TonesOf(const std::vector<std::pair<double, double>>& vParts)
+{
+    std::vector<int32_t> v;
+    for (auto [fDb, fSeconds] : vParts) {
+        const std::vector<int32_t> vPart = testsupport::Sine16(48000, 2, static_cast<int>(fSeconds * 48000), 1000.0,
+                                                                32768.0 * std::pow(10.0, fDb / 20.0));
+        v.insert(v.end(), vPart.begin(), vPart.end());
+    }
+    return v;
+}
+
+} // namespace
+
+// The integrated-loudness signals of the EBU's meter test set: steady tones, and tones around
+// quiet parts the gates must leave out.
+TEST_F(LoudnessCli, AnalyzeMeasuresTheMeterTestSignals)
+{
+    struct Signal
+    {
+        const char* szName;
+        std::vector<std::pair<double, double>> vParts;
+        double fExpected;
+    };
+    const Signal vSignals[] = {
+        {"steady -23", {{-23, 20}}, -23.0},
+        {"steady -33", {{-33, 20}}, -33.0},
+        {"relative gate", {{-36, 10}, {-23, 60}, {-36, 10}}, -23.0},
+        {"both gates", {{-72, 10}, {-36, 10}, {-23, 60}, {-36, 10}, {-72, 10}}, -23.0},
+        {"louder middle", {{-26, 20}, {-20, 20.1}, {-26, 20}}, -23.0},
+    };
+    for (const Signal& s : vSignals) {
+        SCOPED_TRACE(s.szName);
+        const std::string szPath = dir.File("tones.wav");
+        testsupport::WriteSimpleWav(szPath, 48000, 2, 16, TonesOf(s.vParts));
+        ASSERT_EQ(Cli("analyze --loudness " + szPath), 0);
+        std::string szOut;
+        testsupport::RunCommand("cat " + dir.File("out.txt"), &szOut);
+        EXPECT_NEAR(PrintedIntegrated(szOut), s.fExpected, 0.1) << szOut;
+        EXPECT_NE(szOut.find("Loudness range:"), std::string::npos);
+        EXPECT_NE(szOut.find("True peak:"), std::string::npos);
+    }
+    // Silence has no loudness to print; a range past the end is refused.
+    testsupport::WriteSimpleWav(dir.File("silence.wav"), 48000, 2, 16, std::vector<int32_t>(2 * 48000, 0));
+    ASSERT_EQ(Cli("analyze --loudness " + dir.File("silence.wav")), 0);
+    std::string szOut;
+    testsupport::RunCommand("cat " + dir.File("out.txt"), &szOut);
+    EXPECT_NE(szOut.find("-inf LUFS"), std::string::npos) << szOut;
+    EXPECT_EQ(Cli("analyze --loudness --range 0,96000 " + dir.File("silence.wav")), 64);
+}
+
+// Beside the reference tool on a file that is not a steady tone.
+TEST_F(LoudnessCli, AnalyzeAgreesWithFfmpeg)
+{
+    ASSERT_TRUE(testsupport::HaveTool("ffmpeg")) << "the set-up installs ffmpeg";
+    ASSERT_EQ(Cli("analyze --loudness " + In()), 0);
+    std::string szOurs, szTheirs;
+    testsupport::RunCommand("cat " + dir.File("out.txt"), &szOurs);
+    testsupport::RunCommand("ffmpeg -hide_banner -nostats -i " + In() + " -af ebur128 -f null - 2>&1", &szTheirs);
+    const size_t n = szTheirs.rfind("I:");
+    ASSERT_NE(n, std::string::npos) << szTheirs;
+    EXPECT_NEAR(PrintedIntegrated(szOurs), std::atof(szTheirs.c_str() + n + 2), 0.1) << szOurs << szTheirs;
 }
