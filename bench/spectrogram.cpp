@@ -11,7 +11,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -19,6 +18,7 @@
 #include "core/LCutListAudio.h"
 #include "core/LSNKSegmentWriter.h"
 #include "core/LSettings.h"
+#include "formats/LSNKPCMFile16.h"
 #include "dsp/LSpectroCache.h"
 #include "dsp/LSpectroColumns.h"
 
@@ -53,44 +53,23 @@ void Fill(int32_t* p, int32_t sFrom, int32_t nFrames, uint32_t& nSeed)
     }
 }
 
-void Put(std::ofstream& out, uint32_t n, int nBytes)
-{
-    for (int i = 0; i < nBytes; ++i)
-        out.put(static_cast<char>((n >> (8 * i)) & 0xFF));
-}
-
 // The same audio into the document (through a segment writer) and into a 16-bit WAV for sox.
 LCutListAudioPtr MakeDocumentAndWav(const std::string& szWav)
 {
     LCutListAudioPtr pDoc(new LCutListAudio(kRate, kChans));
-    std::ofstream wav(szWav, std::ios::binary);
-    const uint32_t nData = static_cast<uint32_t>(static_cast<int64_t>(kLength) * kChans * 2);
-    wav.write("RIFF", 4);
-    Put(wav, 36 + nData, 4);
-    wav.write("WAVEfmt ", 8);
-    Put(wav, 16, 4);
-    Put(wav, 1, 2);
-    Put(wav, kChans, 2);
-    Put(wav, kRate, 4);
-    Put(wav, kRate * kChans * 2, 4);
-    Put(wav, kChans * 2, 2);
-    Put(wav, 16, 2);
-    wav.write("data", 4);
-    Put(wav, nData, 4);
     LSoundSinkPtr pWriter(new LSNKSegmentWriter(pDoc.Get(), kRate, kChans));
+    LSoundSinkPtr pWav(new LSNKPCMFile16(szWav, kRate, 0, kChans));
     constexpr int32_t kChunk = 1 << 16;
     std::vector<int32_t> v(static_cast<size_t>(kChunk) * kChans);
-    std::vector<int16_t> v16(v.size());
     uint32_t nSeed = 1;
     for (int32_t s = 0; s < kLength; s += kChunk) {
         const int32_t n = std::min(kChunk, kLength - s);
         Fill(v.data(), s, n, nSeed);
         pWriter->Write(v.data(), n);
-        for (size_t i = 0; i < static_cast<size_t>(n) * kChans; ++i)
-            v16[i] = static_cast<int16_t>(v[i] / 16);
-        wav.write(reinterpret_cast<const char*>(v16.data()), static_cast<std::streamsize>(n) * kChans * 2);
+        pWav->Write(v.data(), n);
     }
-    pWriter->Complete();
+    if (!pWriter->Complete() || !pWav->Complete())
+        std::fprintf(stderr, "spectrogram bench: the test audio could not be written\n");
     return pDoc;
 }
 
