@@ -101,9 +101,9 @@ void Stage(double* p, size_t n2, size_t h2, const double* w, Butterfly butterfly
 // half-width h2 / 2, applied to each group of four entries a quarter of a width apart in the
 // order bWideFirst says. Every entry goes through the very operations of the two stages run one
 // after the other, so the result is the same to the last bit; the data are walked half as often.
-template <class Butterfly>
-void StagePair(double* p, size_t n2, size_t h2, const double* wWide, const double* wNarrow, bool bWideFirst,
-               Butterfly butterfly)
+template <size_t kStep = 2, class Butterfly>
+[[gnu::always_inline]] inline void StagePair(double* p, size_t n2, size_t h2, const double* wWide,
+                                             const double* wNarrow, bool bWideFirst, Butterfly butterfly)
 {
     const size_t q2 = h2 / 2;
     for (size_t nStart = 0; nStart < n2; nStart += 2 * h2) {
@@ -111,7 +111,7 @@ void StagePair(double* p, size_t n2, size_t h2, const double* wWide, const doubl
         double* x1 = x0 + q2;
         double* x2 = x0 + h2;
         double* x3 = x2 + q2;
-        for (size_t k = 0; k < q2; k += 2) {
+        for (size_t k = 0; k < q2; k += kStep) {
             if (bWideFirst) {
                 butterfly(x0 + k, x2 + k, wWide + k);
                 butterfly(x1 + k, x3 + k, wWide + q2 + k);
@@ -154,40 +154,17 @@ __attribute__((target("avx"))) inline void FrequencyAvx(double* a, double* b, co
     _mm256_storeu_pd(b, MulAvx(_mm256_loadu_pd(w), _mm256_sub_pd(va, vb)));
 }
 
+// The pair of stages above, four doubles (two entries) per butterfly call.
 __attribute__((target("avx"))) void TimePairAvx(double* p, size_t n2, size_t h2, const double* wWide,
                                                 const double* wNarrow)
 {
-    const size_t q2 = h2 / 2;
-    for (size_t nStart = 0; nStart < n2; nStart += 2 * h2) {
-        double* x0 = p + nStart;
-        double* x1 = x0 + q2;
-        double* x2 = x0 + h2;
-        double* x3 = x2 + q2;
-        for (size_t k = 0; k < q2; k += 4) {
-            TimeAvx(x0 + k, x1 + k, wNarrow + k);
-            TimeAvx(x2 + k, x3 + k, wNarrow + k);
-            TimeAvx(x0 + k, x2 + k, wWide + k);
-            TimeAvx(x1 + k, x3 + k, wWide + q2 + k);
-        }
-    }
+    StagePair<4>(p, n2, h2, wWide, wNarrow, false, TimeAvx);
 }
 
 __attribute__((target("avx"))) void FrequencyPairAvx(double* p, size_t n2, size_t h2, const double* wWide,
                                                      const double* wNarrow)
 {
-    const size_t q2 = h2 / 2;
-    for (size_t nStart = 0; nStart < n2; nStart += 2 * h2) {
-        double* x0 = p + nStart;
-        double* x1 = x0 + q2;
-        double* x2 = x0 + h2;
-        double* x3 = x2 + q2;
-        for (size_t k = 0; k < q2; k += 4) {
-            FrequencyAvx(x0 + k, x2 + k, wWide + k);
-            FrequencyAvx(x1 + k, x3 + k, wWide + q2 + k);
-            FrequencyAvx(x0 + k, x1 + k, wNarrow + k);
-            FrequencyAvx(x2 + k, x3 + k, wNarrow + k);
-        }
-    }
+    StagePair<4>(p, n2, h2, wWide, wNarrow, true, FrequencyAvx);
 }
 
 __attribute__((target("avx"))) void MultiplyAvx(double* p, const double* pBy, size_t n2)
