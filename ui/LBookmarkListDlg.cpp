@@ -7,21 +7,22 @@
 #include "core/LEdFile.h"
 #include "core/LSoundTime.h"
 #include "ui/LEdFileWindow.h"
-#include "ui/MainDialog.h"
+#include "ui/LFrame.h"
+#include "ui/LProjectCommands.h"
 
 namespace {
 // The rate a position is shown at: its file's when open, else CD rate.
-int32_t RateOf(MainDialog& frame, const std::string& szKey)
+int32_t RateOf(LFrame& frame, const std::string& szKey)
 {
     for (LEdFileWindow* p : frame.GetFileWindows())
-        if (MainDialog::FileKey(p) == szKey)
+        if (p->GetKey() == szKey)
             return p->GetFile().GetDocument().GetSampleRate();
     return 44100;
 }
 } // namespace
 
-LBookmarkListDlg::LBookmarkListDlg(MainDialog& owner)
-    : LMarkListDlg(owner, "Bookmarks", "BookmarkList", {"Name", "Position", "Times Visited", "Last Visited"},
+LBookmarkListDlg::LBookmarkListDlg(LFrame& owner, LProjectCommands& marks)
+    : LMarkListDlg(owner, marks, "Bookmarks", "BookmarkList", {"Name", "Position", "Times Visited", "Last Visited"},
                    "Rename Bookmark")
 {
     pList->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -31,32 +32,32 @@ LBookmarkListDlg::LBookmarkListDlg(MainDialog& owner)
 
 int LBookmarkListDlg::Count() const
 {
-    return static_cast<int>(frame.GetBookmarks().size());
+    return static_cast<int>(project.GetBookmarks().size());
 }
 
 std::string LBookmarkListDlg::NameAt(int nRow) const
 {
-    return frame.GetBookmarks()[nRow].GetName();
+    return project.GetBookmarks()[nRow].GetName();
 }
 
 void LBookmarkListDlg::SetNameAt(int nRow, const std::string& szName)
 {
-    auto& v = frame.GetBookmarks();
+    auto& v = project.GetBookmarks();
     v[nRow].SetName(szName);
-    frame.BookmarksChanged(v[nRow].GetPath());
+    project.BookmarksChanged(v[nRow].GetPath());
 }
 
 void LBookmarkListDlg::EraseAt(int nRow)
 {
-    auto& v = frame.GetBookmarks();
+    auto& v = project.GetBookmarks();
     const std::string szKey = v[nRow].GetPath();
     v.erase(v.begin() + nRow);
-    frame.BookmarksChanged(szKey);
+    project.BookmarksChanged(szKey);
 }
 
 void LBookmarkListDlg::AddRows()
 {
-    for (const LEdBookMark& b : frame.GetBookmarks()) {
+    for (const LEdBookMark& b : project.GetBookmarks()) {
         LSoundTime t;
         t.SetSamples(b.sPosition, RateOf(frame, b.GetPath()));
         const QString szLast = b.nLastVisited == 0

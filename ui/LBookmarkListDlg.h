@@ -7,7 +7,7 @@ class LBookmarkListDlg : public LMarkListDlg
 {
     Q_OBJECT
 public:
-    explicit LBookmarkListDlg(MainDialog& frame);
+    LBookmarkListDlg(LFrame& frame, LProjectCommands& project);
 
 protected:
     int Count() const override;

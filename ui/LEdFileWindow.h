@@ -41,6 +41,8 @@ public:
     LEdFile& GetFile() { return *pFile; }
     const std::string& GetPath() const { return szPath; }
     const std::string& GetName() const { return szName; }
+    // What bookmarks and regions call the file: its path, or its name while it has none.
+    const std::string& GetKey() const { return szPath.empty() ? szName : szPath; }
     void SetPath(const std::string& szNewPath);
     void SetIdentity(const std::string& szNewPath, const std::string& szNewName);
     // The encoding to save with (the one the file was read in; the format's default for new files).

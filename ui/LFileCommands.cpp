@@ -25,6 +25,7 @@
 #include "ui/LSendFile.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LEdSaveProcess.h"
+#include "ui/LProjectCommands.h"
 #include "ui/LRecentFiles.h"
 #include "ui/LTransport.h"
 #include "ui/LUiPrompts.h"
@@ -89,7 +90,7 @@ bool LFileCommands::LoadFile(const std::string& szPath)
 {
     // A project named on the command line, by a file manager or a second start opens as a project.
     if (LFile::ExtensionOf(szPath) == ".snp")
-        return frame.OpenProject(szPath);
+        return project.OpenProject(szPath);
     // A disc image opens as a disc does: its tracks are chosen in the CD dialog.
     if (LCdDisc::IsImagePath(szPath)) {
         QTimer::singleShot(0, frame.GetWidget(), [this, szPath] { cd.LoadCd(szPath); });
@@ -258,7 +259,7 @@ bool LFileCommands::SaveFileAs(LEdFileWindow* pWindow)
     }
     const std::string szOldPath = pWindow->GetPath();
     const std::string szOldName = pWindow->GetName();
-    const std::string szOldKey = frame.FileKeyOf(pWindow);
+    const std::string szOldKey = pWindow->GetKey();
     const LAudioEncoding oldEncoding = pWindow->GetSaveEncoding();
     pWindow->SetPath(szNew);
     pWindow->SetSaveEncoding(encoding);
@@ -269,7 +270,7 @@ bool LFileCommands::SaveFileAs(LEdFileWindow* pWindow)
     }
     frame.NoteRecentFile(szNew);
     frame.SetWindowCaption();
-    frame.RekeyBookmarks(szOldKey, szNew);
+    project.RekeyBookmarks(szOldKey, szNew);
     return true;
 }
 

@@ -6,12 +6,13 @@
 #include "ui/LFrame.h"
 
 class LCdCommands;
+class LProjectCommands;
 class LSoundSourceBase;
 
 class LFileCommands : public LCommandController
 {
 public:
-    LFileCommands(LFrame& frame, LCdCommands& cd) : frame(frame), cd(cd) {}
+    LFileCommands(LFrame& frame, LCdCommands& cd, LProjectCommands& project) : frame(frame), cd(cd), project(project) {}
     bool Command(int nId) override;
 
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
@@ -37,4 +38,5 @@ private:
 
     LFrame& frame;
     LCdCommands& cd;
+    LProjectCommands& project;
 };

@@ -57,12 +57,6 @@ public:
     virtual void NoteRecentFile(const std::string& szPath) = 0;
     virtual void ForgetRecentFile(const std::string& szPath) = 0;
 
-    // Opens a project in place of the current one; false (the user told why) when it cannot.
-    virtual bool OpenProject(const std::string& szPath) = 0;
-    // What bookmarks and regions call a file, and their following it to a new name.
-    virtual std::string FileKeyOf(const LEdFileWindow* pWindow) const = 0;
-    virtual void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey) = 0;
-
     virtual LTransport& GetTransport() = 0;
     // The editor's own clipboard, shared by every file.
     virtual LCutListAudio& GetClipboardAudio() = 0;

@@ -7,11 +7,11 @@
 #include <QVBoxLayout>
 
 #include "ui/LUiPrompts.h"
-#include "ui/MainDialog.h"
+#include "ui/LFrame.h"
 
-LMarkListDlg::LMarkListDlg(MainDialog& owner, const QString& szTitle, const QString& szName,
+LMarkListDlg::LMarkListDlg(LFrame& owner, LProjectCommands& marks, const QString& szTitle, const QString& szName,
                            const QStringList& vHeaders, const QString& szRename)
-    : QDialog(&owner), frame(owner), szRenameTitle(szRename)
+    : QDialog(owner.GetWidget()), frame(owner), project(marks), szRenameTitle(szRename)
 {
     setWindowTitle(szTitle);
     setObjectName(szName + "Dlg");

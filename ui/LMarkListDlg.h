@@ -6,7 +6,8 @@
 #include <QDialog>
 #include <string>
 
-class MainDialog;
+class LFrame;
+class LProjectCommands;
 class QTreeWidget;
 class QVBoxLayout;
 
@@ -26,7 +27,7 @@ public:
 
 protected:
     // The layout holds the list, then the buttons; a list may insert more around them.
-    LMarkListDlg(MainDialog& frame, const QString& szTitle, const QString& szName, const QStringList& vHeaders,
+    LMarkListDlg(LFrame& frame, LProjectCommands& project, const QString& szTitle, const QString& szName, const QStringList& vHeaders,
                  const QString& szRenameTitle);
 
     virtual int Count() const = 0;
@@ -36,7 +37,8 @@ protected:
     virtual void AddRows() = 0;
     int CurrentRow() const;
 
-    MainDialog& frame;
+    LFrame& frame;
+    LProjectCommands& project;
     QTreeWidget* pList = nullptr;
     QVBoxLayout* pLayout = nullptr;
     bool bFilling = false; // rows are being added: their changes are not the user's

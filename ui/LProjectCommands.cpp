@@ -18,8 +18,10 @@
 #include "project/LEdProject.h"
 #include "project/LEdSaveProject.h"
 #include "project/LProjectSegments.h"
+#include "ui/LBookmarkListDlg.h"
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
+#include "ui/LRegionListDlg.h"
 #include "ui/LEditCommands.h"
 #include "ui/LUiPrompts.h"
 
@@ -51,6 +53,8 @@ bool LProjectCommands::Command(int nId)
     case CmSetBookmarkId: CmSetBookmark(); return true;
     case CmAddRegionId: CmAddRegion(); return true;
     case CmAssembleRegionsId: CmAssembleRegions(); return true;
+    case CmBookmarkListId:
+    case CmRegionListId: ShowMarkList(nId); return true;
     default: return false;
     }
 }
@@ -327,9 +331,9 @@ void LProjectCommands::RegionsChanged()
 
 void LProjectCommands::ForgetBookmarksOf(LEdFileWindow* pWindow)
 {
-    const std::string szKey = frame.FileKeyOf(pWindow);
+    const std::string szKey = pWindow->GetKey();
     for (LEdFileWindow* p : frame.GetFileWindows())
-        if (p != pWindow && frame.FileKeyOf(p) == szKey)
+        if (p != pWindow && p->GetKey() == szKey)
             return; // still open in another window
     if (!pWindow->GetPath().empty())
         SaveBookmarksOf(pWindow->GetPath());
@@ -365,7 +369,7 @@ void LProjectCommands::CmSetBookmark()
         LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", kTooManyBookmarks, LUiPrompts::IconWarning);
         return;
     }
-    const std::string szKey = frame.FileKeyOf(pWindow);
+    const std::string szKey = pWindow->GetKey();
     vBookmarks.emplace_back("Bookmark " + std::to_string(vBookmarks.size() + 1), szKey, pWindow->GetFile().GetCursor());
     BookmarksChanged(szKey);
     frame.UpdateMenuStates();
@@ -381,16 +385,45 @@ void LProjectCommands::CmAddRegion()
         LUiPrompts::Get().Inform(frame.GetWidget(), "Sonitra", kTooManyRegions, LUiPrompts::IconWarning);
         return;
     }
-    vRegions.emplace_back("Region " + std::to_string(vRegions.size() + 1), frame.FileKeyOf(pWindow),
+    vRegions.emplace_back("Region " + std::to_string(vRegions.size() + 1), pWindow->GetKey(),
                           pWindow->GetFile().GetDocument(), sStart, sEnd);
     RegionsChanged();
+    frame.UpdateMenuStates();
+}
+
+void LProjectCommands::UpdateMarks()
+{
+    for (LEdFileWindow* pWindow : frame.GetFileWindows()) {
+        const std::string& szKey = pWindow->GetKey();
+        std::vector<LWaveMark> v;
+        for (const LEdRegion& r : vRegions)
+            if (r.GetPath() == szKey)
+                v.push_back({r.sStart, r.sEnd, QString::fromStdString(r.GetName()), true});
+        for (const LEdBookMark& b : vBookmarks)
+            if (b.GetPath() == szKey)
+                v.push_back({b.sPosition, b.sPosition, QString::fromStdString(b.GetName()), false});
+        pWindow->SetMarks(v);
+    }
+}
+
+void LProjectCommands::ShowMarkList(int nId)
+{
+    if (nId == CmBookmarkListId) {
+        LBookmarkListDlg dlg(frame, *this);
+        if (dlg.exec() == QDialog::Accepted && dlg.GetChosen() >= 0)
+            GoToBookmark(static_cast<size_t>(dlg.GetChosen()));
+    } else {
+        LRegionListDlg dlg(frame, *this);
+        if (dlg.exec() == QDialog::Accepted && dlg.GetChosen() >= 0)
+            GoToRegion(static_cast<size_t>(dlg.GetChosen()));
+    }
     frame.UpdateMenuStates();
 }
 
 LEdFileWindow* LProjectCommands::FindWindowByKey(const std::string& szKey, bool bOpen)
 {
     for (LEdFileWindow* p : frame.GetFileWindows())
-        if (frame.FileKeyOf(p) == szKey)
+        if (p->GetKey() == szKey)
             return p;
     if (!bOpen || szKey.empty() || szKey.front() != '/' || !LFile::Exists(szKey) || !frame.LoadFileWindow(szKey))
         return nullptr;

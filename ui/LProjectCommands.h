@@ -52,6 +52,8 @@ public:
     void LoadBookmarksFor(LEdFileWindow* pWindow);
     void ForgetBookmarksOf(LEdFileWindow* pWindow);
     void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey);
+    // Gives every file window its bookmarks and regions to draw.
+    void UpdateMarks();
 
     // The session as a project, and documents of a project opened into windows.
     void CollectProject(LEdProject& project) const;
@@ -64,6 +66,8 @@ private:
     void CmSetBookmark();
     void CmAddRegion();
     void CmAssembleRegions();
+    // The bookmark or region list; going to a mark moves there once the list has closed.
+    void ShowMarkList(int nId);
     // Writes the list beside the file; false (the user is told later) when it cannot.
     bool SaveBookmarksOf(const std::string& szPath);
     LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);

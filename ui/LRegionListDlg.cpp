@@ -8,10 +8,11 @@
 #include <QVBoxLayout>
 
 #include "core/LSettings.h"
-#include "ui/MainDialog.h"
+#include "ui/LFrame.h"
+#include "ui/LProjectCommands.h"
 
-LRegionListDlg::LRegionListDlg(MainDialog& owner)
-    : LMarkListDlg(owner, "Regions", "RegionList", {"Region"}, "Rename Region")
+LRegionListDlg::LRegionListDlg(LFrame& owner, LProjectCommands& marks)
+    : LMarkListDlg(owner, marks, "Regions", "RegionList", {"Region"}, "Rename Region")
 {
     pAutoGap = new QCheckBox("Put silence between regions when assembling:", this);
     pAutoGap->setObjectName("AutoGap");
@@ -27,7 +28,7 @@ LRegionListDlg::LRegionListDlg(MainDialog& owner)
         const int nRow = pList->indexOfTopLevelItem(pItem);
         if (bFilling || nRow < 0 || nRow >= Count())
             return;
-        frame.GetRegions()[nRow].bAssemble = pItem->checkState(0) == Qt::Checked;
+        project.GetRegions()[nRow].bAssemble = pItem->checkState(0) == Qt::Checked;
     });
     auto* pGap = new QHBoxLayout;
     pGap->addWidget(pAutoGap);
@@ -41,30 +42,30 @@ LRegionListDlg::LRegionListDlg(MainDialog& owner)
 
 int LRegionListDlg::Count() const
 {
-    return static_cast<int>(frame.GetRegions().size());
+    return static_cast<int>(project.GetRegions().size());
 }
 
 std::string LRegionListDlg::NameAt(int nRow) const
 {
-    return frame.GetRegions()[nRow].GetName();
+    return project.GetRegions()[nRow].GetName();
 }
 
 void LRegionListDlg::SetNameAt(int nRow, const std::string& szName)
 {
-    frame.GetRegions()[nRow].SetName(szName);
-    frame.RegionsChanged();
+    project.GetRegions()[nRow].SetName(szName);
+    project.RegionsChanged();
 }
 
 void LRegionListDlg::EraseAt(int nRow)
 {
-    auto& v = frame.GetRegions();
+    auto& v = project.GetRegions();
     v.erase(v.begin() + nRow);
-    frame.RegionsChanged();
+    project.RegionsChanged();
 }
 
 void LRegionListDlg::AddRows()
 {
-    for (const LEdRegion& r : frame.GetRegions()) {
+    for (const LEdRegion& r : project.GetRegions()) {
         auto* pItem = new QTreeWidgetItem(pList, {QString::fromStdString(r.Describe())});
         pItem->setFlags(pItem->flags() | Qt::ItemIsUserCheckable);
         pItem->setCheckState(0, r.bAssemble ? Qt::Checked : Qt::Unchecked);

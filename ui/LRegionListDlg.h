@@ -11,7 +11,7 @@ class LRegionListDlg : public LMarkListDlg
 {
     Q_OBJECT
 public:
-    explicit LRegionListDlg(MainDialog& frame);
+    LRegionListDlg(LFrame& frame, LProjectCommands& project);
 
 protected:
     int Count() const override;

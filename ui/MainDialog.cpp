@@ -5,14 +5,12 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QIcon>
-#include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QMimeData>
-#include <QScreen>
 #include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
 
 #include "core/LEdFile.h"
 #include "core/LSettings.h"
@@ -23,17 +21,22 @@
 #include "ui/LEditCommands.h"
 #include "ui/LEffectsCommands.h"
 #include "ui/LFileCommands.h"
+#include "ui/LFrameMenus.h"
 #include "ui/LProjectCommands.h"
 #include "ui/LCommandRules.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LQtProgressHost.h"
 #include "ui/LRecoveryKeeper.h"
+#include "ui/LShuttleKeys.h"
 #include "ui/LTimeFields.h"
 #include "ui/LToolsCommands.h"
 #include "ui/LTransport.h"
 #include "ui/LTransportBar.h"
+#include "ui/LTypedTime.h"
 #include "ui/LWindowClipboard.h"
+#include "ui/LWindowCommands.h"
 #include "ui/macros/LKeyMacroRunner.h"
+#include "ui/tools/LSpectrumWindow.h"
 
 MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
 {
@@ -51,38 +54,16 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     pClipboard = new LCutListAudio;
     recent.Load();
     pTransport = std::make_unique<LTransport>(*this);
-    auto pEffectsCommands = std::make_unique<LEffectsCommands>(*this);
-    pEffects = pEffectsCommands.get();
-    vControllers.push_back(std::move(pEffectsCommands));
-    auto pEditCommands = std::make_unique<LEditCommands>(*this);
-    pEdit = pEditCommands.get();
-    vControllers.push_back(std::move(pEditCommands));
-    vControllers.push_back(std::make_unique<LControlCommands>(*this));
-    auto pProjectCommands = std::make_unique<LProjectCommands>(*this, *pEdit);
-    pProject = pProjectCommands.get();
-    vControllers.push_back(std::move(pProjectCommands));
-    pRecovery = std::make_unique<LRecoveryKeeper>(
-        *this, [this](LEdProject& project) { pProject->CollectProject(project); },
-        [this](LEdProject& project) { pProject->AddProjectFiles(project, true); });
-    auto pCd = std::make_unique<LCdCommands>(*this);
-    auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd);
-    pFiles = pFileCommands.get();
-    vControllers.push_back(std::move(pFileCommands));
-    vControllers.push_back(std::move(pCd));
-    vControllers.push_back(std::make_unique<LToolsCommands>(*this, *pEdit));
-    BuildMenus();
-    BuildToolBar();
+    MakeControllers();
+    pMenus = new LFrameMenus(*this, *this, *pMdi, [this](int nId) { QueueCommand(nId); });
+    vControllers.insert(vControllers.begin(),
+                        std::make_unique<LWindowCommands>(*this, *pMdi, menuBar(), [this] { ShowSpectrumWindow(); }));
+    AddTransportBars();
     pStatusFormat = new QLabel(this);
     pStatusFormat->setObjectName("StatusFormat");
     statusBar()->addPermanentWidget(pStatusFormat);
-    connect(pTransport.get(), &LTransport::StateChanged, this, [this] {
-        pTransportBar->SetPlaying(pTransport->IsPlaying());
-        UpdateMenuStates();
-    });
-    connect(pTransport.get(), &LTransport::PositionChanged, this,
-            [this](int32_t sPos) { pTimeFields->SetCurrent(sPos, GetCurrentFile() ? GetCurrentFile()->GetDocument().GetSampleRate() : 0); });
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainDialog::UpdateMenuStates);
-    qApp->installEventFilter(this);
+    new LShuttleKeys(*this, [this](int nId) { return Command(nId); }, [this] { pTransport->EndShuttle(); });
     new LKeyMacroRunner(this, [this](int nId) { return Command(nId); });
 
     const char* const kPlace = "MainWindow";
@@ -95,9 +76,61 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     UpdateTimeFields();
 }
 
+// Each menu's controller; the File one works with the CD and project ones, and recovery collects
+// and reopens projects through the project one.
+void MainDialog::MakeControllers()
+{
+    auto pEffectsCommands = std::make_unique<LEffectsCommands>(*this);
+    pEffects = pEffectsCommands.get();
+    auto pEdit = std::make_unique<LEditCommands>(*this);
+    auto pProjectCommands = std::make_unique<LProjectCommands>(*this, *pEdit);
+    pProject = pProjectCommands.get();
+    auto pCd = std::make_unique<LCdCommands>(*this);
+    auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd, *pProject);
+    pFiles = pFileCommands.get();
+    auto pTools = std::make_unique<LToolsCommands>(*this, *pEdit);
+    pRecovery = std::make_unique<LRecoveryKeeper>(
+        *this, [this](LEdProject& project) { pProject->CollectProject(project); },
+        [this](LEdProject& project) { pProject->AddProjectFiles(project, true); });
+    vControllers.push_back(std::move(pEffectsCommands));
+    vControllers.push_back(std::move(pEdit));
+    vControllers.push_back(std::make_unique<LControlCommands>(*this));
+    vControllers.push_back(std::move(pProjectCommands));
+    vControllers.push_back(std::move(pFileCommands));
+    vControllers.push_back(std::move(pCd));
+    vControllers.push_back(std::move(pTools));
+}
+
+void MainDialog::AddTransportBars()
+{
+    pTransportBar = new LTransportBar(this);
+    addToolBar(pTransportBar);
+    connect(pTransportBar, &LTransportBar::Command, this, [this](int nId) { QueueCommand(nId); });
+    // Queued alike, so that a release never overtakes its press.
+    connect(pTransportBar, &LTransportBar::ShuttlePressed, this, [this](int nId) { QueueCommand(nId); });
+    connect(pTransportBar, &LTransportBar::ShuttleReleased, this,
+            [this](int) { QTimer::singleShot(0, this, [this] { pTransport->EndShuttle(); }); });
+    connect(pTransportBar, &LTransportBar::VolumeChanged, this, [this](int nDb) { pTransport->SetVolume(nDb); });
+    addToolBarBreak();
+    auto* pTimeBar = new QToolBar(tr("Time"), this);
+    pTimeBar->setObjectName("TimeBar");
+    pTimeFields = new LTimeFields(pTimeBar);
+    pTimeBar->addWidget(pTimeFields);
+    connect(pTimeFields, &LTimeFields::TimeTyped, this, [this](int nField, const QString& szText) {
+        LTypedTime::Apply(this, *pTimeFields, GetCurrentFileWindow(), nField, szText);
+    });
+    addToolBar(pTimeBar);
+    connect(pTransport.get(), &LTransport::StateChanged, this, [this] {
+        pTransportBar->SetPlaying(pTransport->IsPlaying());
+        UpdateMenuStates();
+    });
+    connect(pTransport.get(), &LTransport::PositionChanged, this, [this](int32_t sPos) {
+        pTimeFields->SetCurrent(sPos, GetCurrentFile() ? GetCurrentFile()->GetDocument().GetSampleRate() : 0);
+    });
+}
+
 MainDialog::~MainDialog()
 {
-    qApp->removeEventFilter(this);
     pTransport->Stop();
     // The file windows go before the transport, the factory and the clipboard they may use;
     // nothing is told about them any more.
@@ -126,8 +159,15 @@ QIcon MainDialog::AppIcon()
 
 QAction* MainDialog::GetAction(int nId) const
 {
-    auto it = mapActions.find(nId);
-    return it == mapActions.end() ? nullptr : it->second;
+    return pMenus ? pMenus->GetAction(nId) : nullptr;
+}
+
+void MainDialog::QueueCommand(int nId)
+{
+    // A command may run a process or a modal dialog, whose event loop can delete the action or
+    // button whose signal is running (a load rebuilds the recent-file menu): it runs from the
+    // event loop instead.
+    QTimer::singleShot(0, this, [this, nId] { Command(nId); });
 }
 
 LEdFileWindow* MainDialog::GetCurrentFileWindow() const
@@ -193,39 +233,17 @@ void MainDialog::EndModifyCurrentFile(int32_t sPosition, int32_t nPreRoll)
 
 void MainDialog::UpdateUndoMenuItem()
 {
-    LEdFile* pFile = GetCurrentFile();
-    QAction* pUndo = GetAction(CmUndoId);
-    if (!pUndo)
-        return;
-    pUndo->setText(QString::fromStdString(pFile ? pFile->GetUndoMenuText() : std::string("Undo \tCtrl+Z")));
-    pUndo->setEnabled(pFile && pFile->IsUndoAvailable());
-    if (QAction* pRedo = GetAction(CmRedoId)) {
-        pRedo->setText(QString::fromStdString(pFile ? pFile->GetRedoMenuText() : std::string("Redo \tCtrl+Y")));
-        pRedo->setEnabled(pFile && pFile->IsRedoAvailable());
-    }
+    if (pMenus)
+        pMenus->ShowUndo(GetCurrentFile());
 }
 
 void MainDialog::UpdateMenuStates()
 {
+    if (!pMenus)
+        return;
     const LCommandState state = CommandState();
-    for (auto& [nId, pAction] : mapActions)
-        pAction->setEnabled(IsCommandEnabled(nId, state));
-    LEdFileWindow* pWindow = GetCurrentFileWindow();
-    if (QAction* p = GetAction(CmVerticalZoomId))
-        p->setChecked(pWindow && pWindow->IsVerticalZoom());
-    if (QAction* p = GetAction(CmDisplayPosNegId))
-        p->setChecked(!pWindow || pWindow->GetDisplayMode() == 0);
-    if (QAction* p = GetAction(CmDisplayLeftRightId))
-        p->setChecked(pWindow && pWindow->GetDisplayMode() == 1);
-    if (QAction* p = GetAction(CmSpectrogramId))
-        p->setChecked(pWindow && pWindow->IsSpectrogram());
-    const int nSpeed = pTransport->GetPlaySpeed();
-    if (QAction* p = GetAction(CmPlaySlowId))
-        p->setChecked(nSpeed == 0);
-    if (QAction* p = GetAction(CmPlayNormalId))
-        p->setChecked(nSpeed == 1);
-    if (QAction* p = GetAction(CmPlayFastId))
-        p->setChecked(nSpeed == 2);
+    pMenus->ShowStates([&](int nId) { return IsCommandEnabled(nId, state); }, GetCurrentFileWindow(),
+                       pTransport->GetPlaySpeed());
     UpdateUndoMenuItem();
 }
 
@@ -264,8 +282,6 @@ bool MainDialog::Command(int nId)
         LTRACE("MainDialog::Command %d not available", nId);
         return false;
     }
-    if (CmWindow(nId))
-        return true;
     for (const auto& pController : vControllers)
         if (pController->Command(nId))
             return true;
@@ -322,48 +338,74 @@ void MainDialog::closeEvent(QCloseEvent* pEvent)
 
 bool MainDialog::eventFilter(QObject* pWatched, QEvent* pEvent)
 {
-    // A file window closed by its own title bar asks about unsaved changes first.
-    if (pEvent->type() == QEvent::Close) {
-        auto* pSub = qobject_cast<QMdiSubWindow*>(pWatched);
-        if (pSub && pSub->mdiArea() == pMdi && !bClosing) {
-            auto* pWindow = qobject_cast<LEdFileWindow*>(pSub->widget());
-            if (pWindow && !pFiles->QueryCloseFile(pWindow)) {
-                pEvent->ignore();
-                return true;
-            }
-            if (pWindow)
-                pTransport->ForgetWindow(pWindow);
-        }
+    if (pEvent->type() != QEvent::Close)
         return false;
-    }
-    // Rewind, fast forward and scrub follow the key itself, held or released.
-    if (pEvent->type() != QEvent::KeyPress && pEvent->type() != QEvent::KeyRelease)
+    auto* pSub = qobject_cast<QMdiSubWindow*>(pWatched);
+    auto* pWindow = pSub ? qobject_cast<LEdFileWindow*>(pSub->widget()) : nullptr;
+    if (!pWindow)
         return false;
-    if (!isActiveWindow() || QApplication::activeModalWidget())
-        return false;
-    auto* pKey = static_cast<QKeyEvent*>(pEvent);
-    if (pKey->isAutoRepeat() || pKey->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::ShiftModifier))
-        return pKey->key() == Qt::Key_F7 || pKey->key() == Qt::Key_F8;
-    if (qobject_cast<QLineEdit*>(QApplication::focusWidget()))
-        return false;
-    const bool bPress = pEvent->type() == QEvent::KeyPress;
-    switch (pKey->key()) {
-    case Qt::Key_F7:
-    case Qt::Key_Left:
-    case Qt::Key_F8:
-    case Qt::Key_Right: {
-        const int nId = (pKey->key() == Qt::Key_F7 || pKey->key() == Qt::Key_Left) ? CmRewindId : CmFastForwardId;
-        if (bPress)
-            Command(nId);
-        else
-            pTransport->EndShuttle();
+    if (!pFiles->QueryCloseFile(pWindow)) {
+        pEvent->ignore();
         return true;
     }
-    case Qt::Key_Space:
-        if (bPress)
-            Command(CmScrubId);
-        return true;
-    default:
-        return false;
-    }
+    pTransport->ForgetWindow(pWindow);
+    return false;
+}
+
+void MainDialog::ShowSpectrumWindow()
+{
+    auto* pWindow = findChild<LSpectrumWindow*>();
+    if (!pWindow)
+        pWindow = new LSpectrumWindow(*this);
+    pWindow->show();
+    pWindow->raise();
+    pWindow->activateWindow();
+    pWindow->Follow();
+}
+
+void MainDialog::OnSubWindowActivated()
+{
+    pMenus->ScheduleWindowMenu();
+    pProject->LoadBookmarksFor(GetCurrentFileWindow());
+    UpdateMarks();
+    SetWindowCaption();
+    UpdateMenuStates();
+    UpdateTimeFields();
+    UpdateStatusLine();
+    emit CurrentFileChanged();
+}
+
+void MainDialog::UpdateMarks()
+{
+    pProject->UpdateMarks();
+}
+
+void MainDialog::OnFileSelectionChanged()
+{
+    UpdateTimeFields();
+    UpdateMenuStates();
+}
+
+void MainDialog::OnFileScroll(int32_t sTarget)
+{
+    auto* pWindow = qobject_cast<LEdFileWindow*>(sender());
+    if (!pWindow)
+        pWindow = GetCurrentFileWindow();
+    if (!pWindow)
+        return;
+    pWindow->SetCursorPosition(sTarget);
+    UpdateTimeFields();
+}
+
+void MainDialog::StartRecovery()
+{
+    pRecovery->Start();
+}
+
+void MainDialog::NoteChange()
+{
+    UpdateMarks();
+    pProject->MarkChanged();
+    if (pRecovery)
+        pRecovery->Write();
 }

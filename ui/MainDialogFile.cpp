@@ -12,6 +12,7 @@
 #include "core/LTrace.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LFileCommands.h"
+#include "ui/LFrameMenus.h"
 #include "ui/LProjectCommands.h"
 #include "ui/LTransport.h"
 #include "ui/MainDialog.h"
@@ -30,16 +31,17 @@ LEdFileWindow* MainDialog::AddFileToList(std::unique_ptr<LEdFile> pFile, const s
     pSub->setWindowTitle(pWindow->Caption());
     pSub->setWindowIcon(AppIcon());
     connect(pWindow, &QWidget::windowTitleChanged, pSub, &QWidget::setWindowTitle);
-    connect(pWindow, &QWidget::windowTitleChanged, this, &MainDialog::ScheduleWindowMenu);
+    connect(pWindow, &QWidget::windowTitleChanged, pMenus, &LFrameMenus::ScheduleWindowMenu);
     connect(pWindow, &LEdFileWindow::SelectionChanged, this, &MainDialog::OnFileSelectionChanged);
     connect(pWindow, &LEdFileWindow::ScrollRequested, this, &MainDialog::OnFileScroll);
     connect(pWindow, &LEdFileWindow::DisplayOptionsChanged, this, &MainDialog::UpdateMenuStates);
-    connect(pWindow, &LEdFileWindow::ContextMenuRequested, this, &MainDialog::TrackWaveWindowMenu);
-    connect(pSub, &QObject::destroyed, this, [this] { OnSubWindowActivated(pMdi->currentSubWindow()); });
+    connect(pWindow, &LEdFileWindow::ContextMenuRequested, pMenus, &LFrameMenus::TrackWaveWindowMenu);
+    connect(pSub, &QObject::destroyed, this, [this] { OnSubWindowActivated(); });
+    pSub->installEventFilter(this);
     pSub->setGeometry(NextChildPlace(pSub));
     pSub->show();
     pMdi->setActiveSubWindow(pSub);
-    OnSubWindowActivated(pSub);
+    OnSubWindowActivated();
     NoteChange();
     return pWindow;
 }
@@ -105,7 +107,7 @@ void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
         pMdi->removeSubWindow(pSub);
         pSub->deleteLater();
     }
-    OnSubWindowActivated(pMdi->currentSubWindow());
+    OnSubWindowActivated();
     NoteChange();
 }
 
@@ -133,10 +135,10 @@ void MainDialog::HandOver(const QStringList& paths)
             activateWindow();
         }
         // A load already under way takes the new ones when it returns.
-        if (bLoadingHandedOver || bClosing)
+        if (bLoadingHandedOver)
             return;
         bLoadingHandedOver = true;
-        while (!lstHandedOver.isEmpty() && !bClosing)
+        while (!lstHandedOver.isEmpty())
             EvLoad(lstHandedOver.takeFirst());
         bLoadingHandedOver = false;
     });
@@ -163,11 +165,22 @@ bool MainDialog::LoadFile(const std::string& szPath)
 void MainDialog::NoteRecentFile(const std::string& szPath)
 {
     recent.Add(szPath, static_cast<int64_t>(std::time(nullptr)));
-    RebuildRecentMenu();
+    pMenus->RebuildRecentMenu();
 }
 
 void MainDialog::ForgetRecentFile(const std::string& szPath)
 {
     recent.Remove(szPath);
-    RebuildRecentMenu();
+    pMenus->RebuildRecentMenu();
+}
+
+void MainDialog::SetActiveFileWindow(LEdFileWindow* pWindow)
+{
+    if (pWindow)
+        pMdi->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(pWindow->parentWidget()));
+}
+
+void MainDialog::FollowCurrentFile()
+{
+    OnSubWindowActivated();
 }

@@ -24,6 +24,7 @@
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LRegionListDlg.h"
+#include "ui/LProjectCommands.h"
 #include "ui/MainDialog.h"
 #include "UiTestSupport.h"
 
@@ -126,11 +127,11 @@ private slots:
 
         const std::vector<int16_t> vA = Samples(pA->GetFile().GetDocument());
         const std::vector<int16_t> vB = Samples(pB->GetFile().GetDocument());
-        const std::vector<BookmarkSeen> vMarks = Seen(frame->GetBookmarks());
+        const std::vector<BookmarkSeen> vMarks = Seen(frame->GetProject().GetBookmarks());
         QCOMPARE(vMarks.size(), size_t(2));
-        QCOMPARE(frame->GetRegions().size(), size_t(1));
-        const std::string szRegion = frame->GetRegions()[0].Describe();
-        const std::vector<int16_t> vRegion = Samples(*frame->GetRegions()[0].pDoc);
+        QCOMPARE(frame->GetProject().GetRegions().size(), size_t(1));
+        const std::string szRegion = frame->GetProject().GetRegions()[0].Describe();
+        const std::vector<int16_t> vRegion = Samples(*frame->GetProject().GetRegions()[0].pDoc);
         QCOMPARE(vRegion, std::vector<int16_t>(vA.begin() + 1000, vA.begin() + 2000));
 
         const QString szProject = h->File("work/song.snp");
@@ -138,7 +139,7 @@ private slots:
         h->prompts.saveNames.push_back(szProject);
         QVERIFY(frame->Command(CmSaveProjectAsId));
         QCOMPARE(h->prompts.dialogTitles.back(), QString("Save Project As"));
-        QCOMPARE(QString::fromStdString(frame->GetProjectPath()), szProject);
+        QCOMPARE(QString::fromStdString(frame->GetProject().GetProjectPath()), szProject);
 
         // Closing the unchanged project asks only about the files.
         h->prompts.questions.clear();
@@ -146,7 +147,7 @@ private slots:
         QVERIFY(frame->Command(CmCloseProjectId));
         QCOMPARE(h->prompts.questions.size(), qsizetype(2));
         QVERIFY(frame->GetFileWindows().empty());
-        QVERIFY(frame->GetBookmarks().empty());
+        QVERIFY(frame->GetProject().GetBookmarks().empty());
         frame.reset();
         FinishDeletes();
         QCOMPARE(LAudioCutTank::Instance().CountUsedRefs(), 0);
@@ -169,10 +170,10 @@ private slots:
         QVERIFY(pA2->GetFile().IsModified());
         QCOMPARE(pB2->GetFile().GetCursor(), 2000);
         QCOMPARE(frame->GetCurrentFileWindow(), pB2); // the file that was current
-        QCOMPARE(Seen(frame->GetBookmarks()), vMarks);
-        QCOMPARE(frame->GetRegions().size(), size_t(1));
-        QCOMPARE(frame->GetRegions()[0].Describe(), szRegion);
-        QCOMPARE(Samples(*frame->GetRegions()[0].pDoc), vRegion);
+        QCOMPARE(Seen(frame->GetProject().GetBookmarks()), vMarks);
+        QCOMPARE(frame->GetProject().GetRegions().size(), size_t(1));
+        QCOMPARE(frame->GetProject().GetRegions()[0].Describe(), szRegion);
+        QCOMPARE(Samples(*frame->GetProject().GetRegions()[0].pDoc), vRegion);
 
         // A change, then closing the project asks about it.
         frame->GetMdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(pA2->parentWidget()));
@@ -188,7 +189,7 @@ private slots:
         h->prompts.answers = {LUiPrompts::AnswerNo, LUiPrompts::AnswerNo, LUiPrompts::AnswerNo};
         QVERIFY(frame->Command(CmCloseProjectId));
         QVERIFY(frame->LoadFile(h->File("moved/song.snp").toStdString()));
-        QCOMPARE(frame->GetProjectPath(), h->File("moved/song.snp").toStdString());
+        QCOMPARE(frame->GetProject().GetProjectPath(), h->File("moved/song.snp").toStdString());
         QVERIFY(WindowNamed("a.wav") && WindowNamed("b.wav"));
     }
 
@@ -205,7 +206,7 @@ private slots:
                  QString("File Error: This file does not have the same version with the current Sonitra version or "
                          "it is corrupted."));
         QVERIFY(frame->GetFileWindows().empty());
-        QVERIFY(frame->GetProjectPath().empty());
+        QVERIFY(frame->GetProject().GetProjectPath().empty());
     }
 
     void bookmarksLiveBesideTheirFile()
@@ -217,13 +218,13 @@ private slots:
         QVERIFY(frame->Command(CmSetBookmarkId));
         QVERIFY(QFile::exists(h->File("song.snm")));
         QVERIFY(frame->Command(CmCloseId));
-        QVERIFY(frame->GetBookmarks().empty());
+        QVERIFY(frame->GetProject().GetBookmarks().empty());
         pA = Open(szA);
         QVERIFY(pA);
-        QCOMPARE(frame->GetBookmarks().size(), size_t(1));
-        QCOMPARE(frame->GetBookmarks()[0].sPosition, 1234);
+        QCOMPARE(frame->GetProject().GetBookmarks().size(), size_t(1));
+        QCOMPARE(frame->GetProject().GetBookmarks()[0].sPosition, 1234);
 
-        LBookmarkListDlg dlg(*frame);
+        LBookmarkListDlg dlg(*frame, frame->GetProject());
         QCOMPARE(dlg.GetList()->topLevelItemCount(), 1);
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(1), QString("0:00:00.154"));
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(2), QString("1"));
@@ -231,9 +232,9 @@ private slots:
         dlg.Rename(0, "Verse");
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(0), QString("Verse"));
         pA->SetCursorPosition(0);
-        QVERIFY(frame->GoToBookmark(0));
+        QVERIFY(frame->GetProject().GoToBookmark(0));
         QCOMPARE(pA->GetFile().GetCursor(), 1234);
-        QCOMPARE(frame->GetBookmarks()[0].nTimesVisited, uint8_t(2));
+        QCOMPARE(frame->GetProject().GetBookmarks()[0].nTimesVisited, uint8_t(2));
         std::vector<LEdBookMark> vOnDisk;
         QCOMPARE(LBookmarkFile::Load(szA.toStdString(), vOnDisk), LBookmarkFile::Loaded);
         QCOMPARE(vOnDisk.size(), size_t(1));
@@ -261,7 +262,7 @@ private slots:
         QTRY_VERIFY(!h->prompts.informs.isEmpty());
         QVERIFY2(h->prompts.informs.last().startsWith("File Error: The file \"" + szList + "\" is damaged"),
                  qPrintable(h->prompts.informs.last()));
-        QVERIFY(frame->GetBookmarks().empty());
+        QVERIFY(frame->GetProject().GetBookmarks().empty());
         pA->SetCursorPosition(100);
         QVERIFY(frame->Command(CmSetBookmarkId));
         QVERIFY(frame->Command(CmCloseId));
@@ -280,13 +281,13 @@ private slots:
         QVERIFY(frame->Command(CmAddRegionId));
         pA->SetSelection(5000, 5050);
         QVERIFY(frame->Command(CmAddRegionId));
-        LRegionListDlg dlg(*frame);
+        LRegionListDlg dlg(*frame, frame->GetProject());
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(0), QString("Region 1@0:00:00.012-0:00:00.037"));
         dlg.GetList()->topLevelItem(2)->setCheckState(0, Qt::Unchecked);
-        QVERIFY(!frame->GetRegions()[2].bAssemble);
+        QVERIFY(!frame->GetProject().GetRegions()[2].bAssemble);
         LSettings::SetBool("Settings", "AutoGap", true);
         LSettings::SetInt("Settings", "AutoGapTime", 250);
-        LCutListAudioPtr pDoc = frame->AssembleRegions();
+        LCutListAudioPtr pDoc = frame->GetProject().AssembleRegions();
         QVERIFY(pDoc);
         std::vector<int16_t> vWant(v.begin() + 100, v.begin() + 300);
         vWant.insert(vWant.end(), 2000, 0);
@@ -305,13 +306,13 @@ private slots:
         h->prompts.saveNames = {h->File("song.snp"), h->File("song.bak")};
         QVERIFY(frame->Command(CmSaveProjectAsId));
         QVERIFY(frame->Command(CmSaveProjectAsId));
-        QCOMPARE(frame->GetProjectPath(), h->File("song.bak").toStdString());
+        QCOMPARE(frame->GetProject().GetProjectPath(), h->File("song.bak").toStdString());
         h->prompts.answers = {LUiPrompts::AnswerNo};
-        QVERIFY(frame->CloseProject());
+        QVERIFY(frame->GetProject().CloseProject());
         // The first project and its audio go; the second has all it needs.
         QVERIFY(QFile::remove(h->File("song.snp")));
         std::filesystem::remove_all(h->File("song_audio").toStdString());
-        QVERIFY(frame->OpenProject(h->File("song.bak").toStdString()));
+        QVERIFY(frame->GetProject().OpenProject(h->File("song.bak").toStdString()));
         QVERIFY(h->prompts.informs.isEmpty());
         QCOMPARE(frame->GetFileWindows().size(), size_t(1));
         QCOMPARE(Samples(frame->GetFileWindows()[0]->GetFile().GetDocument()), vA);
@@ -320,16 +321,16 @@ private slots:
     void aProjectWhoseAudioIsMissingIsNotOpened()
     {
         QVERIFY(Open(MakeWav("a.wav", 3000, 1)));
-        QVERIFY(frame->SaveProjectTo(h->File("p.snp").toStdString()));
+        QVERIFY(frame->GetProject().SaveProjectTo(h->File("p.snp").toStdString()));
         h->prompts.answers = {LUiPrompts::AnswerNo};
-        QVERIFY(frame->CloseProject());
+        QVERIFY(frame->GetProject().CloseProject());
         std::filesystem::remove_all(h->File("p_audio").toStdString());
-        QVERIFY(!frame->OpenProject(h->File("p.snp").toStdString()));
+        QVERIFY(!frame->GetProject().OpenProject(h->File("p.snp").toStdString()));
         QCOMPARE(h->prompts.informs.value(0), QString("File Error: Unable to open the project \"%1\": its audio "
                                                       "folder %2/ is missing.")
                                                   .arg(h->File("p.snp"), h->File("p_audio")));
         QVERIFY(frame->GetFileWindows().empty());
-        QVERIFY(frame->GetProjectPath().empty());
+        QVERIFY(frame->GetProject().GetProjectPath().empty());
     }
 
     void noMoreBookmarksOrRegionsThanTheirFilesCount()
@@ -349,12 +350,12 @@ private slots:
         QCOMPARE(h->prompts.informs,
                  QStringList({"Sonitra: Sonitra keeps at most 255 bookmarks. Delete one before adding another.",
                               "Sonitra: Sonitra keeps at most 255 regions. Delete one before adding another."}));
-        QCOMPARE(frame->GetBookmarks().size(), size_t(255));
-        QCOMPARE(frame->GetRegions().size(), size_t(255));
+        QCOMPARE(frame->GetProject().GetBookmarks().size(), size_t(255));
+        QCOMPARE(frame->GetProject().GetRegions().size(), size_t(255));
         std::vector<LEdBookMark> vOnDisk;
         QCOMPARE(LBookmarkFile::Load(szA.toStdString(), vOnDisk), LBookmarkFile::Loaded);
         QCOMPARE(vOnDisk.size(), size_t(255));
-        QVERIFY(frame->SaveProjectTo(h->File("full.snp").toStdString()));
+        QVERIFY(frame->GetProject().SaveProjectTo(h->File("full.snp").toStdString()));
     }
 
     void aBookmarkListThatCannotBeSavedIsReported()
@@ -364,7 +365,7 @@ private slots:
         // A folder where the list would go: nothing can take its name.
         QVERIFY(QDir().mkpath(h->File("song.snm/inside")));
         QVERIFY(frame->Command(CmSetBookmarkId));
-        QCOMPARE(frame->GetBookmarks().size(), size_t(1));
+        QCOMPARE(frame->GetProject().GetBookmarks().size(), size_t(1));
         QCoreApplication::processEvents();
         QCOMPARE(h->prompts.informs.value(0),
                  QString("File Error: Unable to save the bookmark list \"%1\".").arg(h->File("song.snm")));

@@ -1,25 +1,27 @@
-// The menus, the toolbar and the lists that live in menus (recent files, open windows).
+#include "ui/LFrameMenus.h"
+
 #include <QAction>
 #include <QTimer>
 #include <QActionGroup>
-#include <QApplication>
+#include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 #include <QStyle>
 #include <QToolBar>
 
+#include "core/LEdFile.h"
 #include "core/LTrace.h"
+#include "dsp/effects/LEffectCatalog.h"
 #include "ui/LCommandIds.h"
 #include "ui/LCommandKeys.h"
 #include "ui/LCommandTable.h"
 #include "ui/LEdFileWindow.h"
+#include "ui/LFrame.h"
 #include "ui/LMenuLayout.h"
-#include "ui/LTimeFields.h"
-#include "ui/LTransport.h"
-#include "ui/LTransportBar.h"
-#include "ui/MainDialog.h"
+#include "ui/LRecentFiles.h"
 
 namespace {
 // Keys the frame follows itself (held keys, the window manager's close) get no shortcut.
@@ -33,31 +35,44 @@ using LMenuLayout::kSeparator;
 using LMenuLayout::kSubmenu;
 } // namespace
 
-QAction* MainDialog::AddCommand(QMenu* pMenu, int nId)
+LFrameMenus::LFrameMenus(QMainWindow& mainWindow, LFrame& owner, QMdiArea& area, std::function<void(int)> fnRun)
+    : QObject(&mainWindow), main(mainWindow), frame(owner), mdi(area), fnCommand(std::move(fnRun))
+{
+    BuildMenus();
+    AddFileTools();
+}
+
+QAction* LFrameMenus::GetAction(int nId) const
+{
+    auto it = mapActions.find(nId);
+    return it == mapActions.end() ? nullptr : it->second;
+}
+
+QAction* LFrameMenus::AddCommand(QMenu* pMenu, int nId)
 {
     const LCommandInfo* pInfo = LCommandTable::Find(nId);
     if (!pInfo) {
-        LTRACE("MainDialog::AddCommand unknown command %d", nId);
+        LTRACE("LFrameMenus::AddCommand unknown command %d", nId);
         return nullptr;
     }
-    auto* pAction = new QAction(LCommandTable::MenuText(nId), this);
+    auto* pAction = new QAction(LCommandTable::MenuText(nId), &main);
     pAction->setObjectName(QString("cmd%1").arg(nId));
     pAction->setStatusTip(LCommandTable::Hint(nId));
     pAction->setData(nId);
     if (!HandledAsHeldKey(nId))
         pAction->setShortcuts(LCommandKeys::Of(*pInfo));
-    connect(pAction, &QAction::triggered, this, [this, nId] { QueueCommand(nId); });
+    connect(pAction, &QAction::triggered, this, [this, nId] { fnCommand(nId); });
     if (pMenu)
         pMenu->addAction(pAction);
     mapActions[nId] = pAction;
     return pAction;
 }
 
-void MainDialog::BuildMenus()
+void LFrameMenus::BuildMenus()
 {
     const std::vector<LMenuDef>& menus = LMenuLayout::Menus();
     for (const LMenuDef& m : menus) {
-        QMenu* pTop = menuBar()->addMenu(tr(m.szTitle));
+        QMenu* pTop = main.menuBar()->addMenu(tr(m.szTitle));
         QMenu* pMenu = pTop;
         for (const LMenuItem& item : m.vItems) {
             if (item.nId == kSeparator)
@@ -69,11 +84,9 @@ void MainDialog::BuildMenus()
             else
                 AddCommand(pMenu, item.nId);
         }
-        connect(pTop, &QMenu::aboutToShow, this, &MainDialog::UpdateMenuStates);
+        connect(pTop, &QMenu::aboutToShow, this, [this] { frame.UpdateMenuStates(); });
         if (m.szTitle == menus[0].szTitle)
             pFileMenu = pTop;
-        else if (m.szTitle == menus[1].szTitle)
-            pEditMenu = pTop;
         else if (m.szTitle == menus[6].szTitle)
             pWindowMenu = pTop;
     }
@@ -82,8 +95,8 @@ void MainDialog::BuildMenus()
     pFileMenu->addSeparator();
     AddCommand(pFileMenu, CmExitId);
     RebuildRecentMenu();
-    pWindowSeparator = pWindowMenu->addSeparator();
-    connect(pWindowMenu, &QMenu::aboutToShow, this, &MainDialog::RebuildWindowMenu);
+    pWindowMenu->addSeparator();
+    connect(pWindowMenu, &QMenu::aboutToShow, this, &LFrameMenus::RebuildWindowMenu);
 
     auto* pSpeeds = new QActionGroup(this);
     for (int nId : {CmPlaySlowId, CmPlayNormalId, CmPlayFastId}) {
@@ -100,11 +113,11 @@ void MainDialog::BuildMenus()
     AddCommand(nullptr, CmScrubId);
 }
 
-void MainDialog::BuildToolBar()
+void LFrameMenus::AddFileTools()
 {
-    QToolBar* pTools = addToolBar(tr("Toolbar"));
+    QToolBar* pTools = main.addToolBar(tr("Toolbar"));
     pTools->setObjectName("ToolBar");
-    QStyle* pStyle = style();
+    QStyle* pStyle = main.style();
     struct Tool
     {
         int nId;
@@ -124,53 +137,64 @@ void MainDialog::BuildToolBar()
         pAction->setToolTip(tr(t.szTip));
         pTools->addAction(pAction);
     }
-    pTransportBar = new LTransportBar(this);
-    addToolBar(pTransportBar);
-    connect(pTransportBar, &LTransportBar::Command, this, [this](int nId) { QueueCommand(nId); });
-    // Queued alike, so that a release never overtakes its press.
-    connect(pTransportBar, &LTransportBar::ShuttlePressed, this, [this](int nId) { QueueCommand(nId); });
-    connect(pTransportBar, &LTransportBar::ShuttleReleased, this,
-            [this](int) { QTimer::singleShot(0, this, [this] { pTransport->EndShuttle(); }); });
-    connect(pTransportBar, &LTransportBar::VolumeChanged, this, [this](int nDb) { pTransport->SetVolume(nDb); });
-    addToolBarBreak();
-    auto* pTimeBar = new QToolBar(tr("Time"), this);
-    pTimeBar->setObjectName("TimeBar");
-    pTimeFields = new LTimeFields(pTimeBar);
-    pTimeBar->addWidget(pTimeFields);
-    connect(pTimeFields, &LTimeFields::TimeTyped, this, &MainDialog::OnTimeTyped);
-    addToolBar(pTimeBar);
 }
 
-void MainDialog::QueueCommand(int nId)
+void LFrameMenus::ShowStates(const std::function<bool(int)>& bEnabled, const LEdFileWindow* pWindow, int nPlaySpeed)
 {
-    // A command may run a process or a modal dialog, whose event loop can delete the action or
-    // button whose signal is running (a load rebuilds the recent-file menu): it runs from the
-    // event loop instead.
-    QTimer::singleShot(0, this, [this, nId] { Command(nId); });
+    for (auto& [nId, pAction] : mapActions)
+        pAction->setEnabled(bEnabled(nId));
+    const struct
+    {
+        int nId;
+        bool bChecked;
+    } checks[] = {
+        {CmVerticalZoomId, pWindow && pWindow->IsVerticalZoom()},
+        {CmDisplayPosNegId, !pWindow || pWindow->GetDisplayMode() == 0},
+        {CmDisplayLeftRightId, pWindow && pWindow->GetDisplayMode() == 1},
+        {CmSpectrogramId, pWindow && pWindow->IsSpectrogram()},
+        {CmPlaySlowId, nPlaySpeed == 0},
+        {CmPlayNormalId, nPlaySpeed == 1},
+        {CmPlayFastId, nPlaySpeed == 2},
+    };
+    for (const auto& c : checks)
+        if (QAction* p = GetAction(c.nId))
+            p->setChecked(c.bChecked);
 }
 
-void MainDialog::RebuildRecentMenu()
+void LFrameMenus::ShowUndo(const LEdFile* pFile)
+{
+    if (QAction* pUndo = GetAction(CmUndoId)) {
+        pUndo->setText(QString::fromStdString(pFile ? pFile->GetUndoMenuText() : std::string("Undo \tCtrl+Z")));
+        pUndo->setEnabled(pFile && pFile->IsUndoAvailable());
+    }
+    if (QAction* pRedo = GetAction(CmRedoId)) {
+        pRedo->setText(QString::fromStdString(pFile ? pFile->GetRedoMenuText() : std::string("Redo \tCtrl+Y")));
+        pRedo->setEnabled(pFile && pFile->IsRedoAvailable());
+    }
+}
+
+void LFrameMenus::RebuildRecentMenu()
 {
     for (QAction* p : vRecentActions) {
         mapActions.erase(p->data().toInt());
         delete p;
     }
     vRecentActions.clear();
-    const auto& entries = recent.GetEntries();
+    const auto& entries = frame.GetRecentFiles().GetEntries();
     for (size_t i = 0; i < entries.size(); ++i) {
         const int nId = CmRecentFirstId + static_cast<int>(i);
-        auto* pAction = new QAction(QString("&%1. %2").arg(i + 1).arg(QString::fromStdString(entries[i].szPath)), this);
+        auto* pAction = new QAction(QString("&%1. %2").arg(i + 1).arg(QString::fromStdString(entries[i].szPath)), &main);
         pAction->setObjectName(QString("cmd%1").arg(nId));
         pAction->setData(nId);
         pAction->setStatusTip(tr("Opens this file."));
-        connect(pAction, &QAction::triggered, this, [this, nId] { QueueCommand(nId); });
+        connect(pAction, &QAction::triggered, this, [this, nId] { fnCommand(nId); });
         pFileMenu->insertAction(pRecentSeparator, pAction);
         vRecentActions.push_back(pAction);
         mapActions[nId] = pAction;
     }
 }
 
-void MainDialog::ScheduleWindowMenu()
+void LFrameMenus::ScheduleWindowMenu()
 {
     // A window that is going may still be in the area's list while its signals run.
     if (bWindowMenuQueued)
@@ -182,7 +206,7 @@ void MainDialog::ScheduleWindowMenu()
     });
 }
 
-void MainDialog::RebuildWindowMenu()
+void LFrameMenus::RebuildWindowMenu()
 {
     // Rebuilt whenever a window comes, goes, is renamed or activated, perhaps from an item's own
     // signal: the old items go later.
@@ -191,7 +215,7 @@ void MainDialog::RebuildWindowMenu()
         p->deleteLater();
     }
     vWindowActions.clear();
-    const QList<QMdiSubWindow*> subs = pMdi->subWindowList(QMdiArea::CreationOrder);
+    const QList<QMdiSubWindow*> subs = mdi.subWindowList(QMdiArea::CreationOrder);
     int nItem = 0;
     for (QMdiSubWindow* pSub : subs) {
         auto* pWindow = qobject_cast<LEdFileWindow*>(pSub->widget());
@@ -202,12 +226,32 @@ void MainDialog::RebuildWindowMenu()
         pAction->setObjectName(QString("window%1").arg(nItem));
         pAction->setStatusTip(tr("Activates this window."));
         pAction->setCheckable(true);
-        pAction->setChecked(pSub == pMdi->currentSubWindow());
+        pAction->setChecked(pSub == mdi.currentSubWindow());
         QPointer<LEdFileWindow> pGuard(pWindow);
         connect(pAction, &QAction::triggered, this, [this, pGuard] {
             if (pGuard)
-                ActivateFileWindow(pGuard);
+                frame.ActivateFileWindow(pGuard);
         });
         vWindowActions.push_back(pAction);
     }
+}
+
+void LFrameMenus::TrackWaveWindowMenu(const QPoint& ptGlobal)
+{
+    QMenu menu(&main);
+    const auto addItems = [this](QMenu& to, const std::vector<int>& vIds) {
+        for (int nId : vIds) {
+            if (nId == 0)
+                to.addSeparator();
+            else if (QAction* p = GetAction(nId))
+                to.addAction(p);
+        }
+    };
+    addItems(menu, {CmUndoId, CmRedoId, 0, CmCutId, CmCopyId, CmPasteId, CmPasteFromClipboardId, CmPasteMixId,
+                    CmDeleteId, 0, CmSelectAllId, CmSelectToStartId, CmSelectToEndId, 0, CmTrimId, CmTrimStartId,
+                    CmTrimEndId, CmSilenceId, CmRepeatLoopId, CmCopyToNewId});
+    addItems(*menu.addMenu(tr("Effects")), LEffectCatalog::MenuCommands("Effects"));
+    addItems(menu, {0, CmSetBookmarkId, CmAddRegionId});
+    frame.UpdateMenuStates();
+    menu.exec(ptGlobal);
 }
