@@ -8,7 +8,7 @@
 #include "core/LSoundTime.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LFrame.h"
-#include "ui/LProjectCommands.h"
+#include "ui/LMarkCommands.h"
 
 namespace {
 // The rate a position is shown at: its file's when open, else CD rate.
@@ -21,8 +21,8 @@ int32_t RateOf(LFrame& frame, const std::string& szKey)
 }
 } // namespace
 
-LBookmarkListDlg::LBookmarkListDlg(LFrame& owner, LProjectCommands& marks)
-    : LMarkListDlg(owner, marks, "Bookmarks", "BookmarkList", {"Name", "Position", "Times Visited", "Last Visited"},
+LBookmarkListDlg::LBookmarkListDlg(LFrame& owner, LMarkCommands& markList)
+    : LMarkListDlg(owner, markList, "Bookmarks", "BookmarkList", {"Name", "Position", "Times Visited", "Last Visited"},
                    "Rename Bookmark")
 {
     pList->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -32,32 +32,32 @@ LBookmarkListDlg::LBookmarkListDlg(LFrame& owner, LProjectCommands& marks)
 
 int LBookmarkListDlg::Count() const
 {
-    return static_cast<int>(project.GetBookmarks().size());
+    return static_cast<int>(marks.GetBookmarks().size());
 }
 
 std::string LBookmarkListDlg::NameAt(int nRow) const
 {
-    return project.GetBookmarks()[nRow].GetName();
+    return marks.GetBookmarks()[nRow].GetName();
 }
 
 void LBookmarkListDlg::SetNameAt(int nRow, const std::string& szName)
 {
-    auto& v = project.GetBookmarks();
+    auto& v = marks.GetBookmarks();
     v[nRow].SetName(szName);
-    project.BookmarksChanged(v[nRow].GetPath());
+    marks.BookmarksChanged(v[nRow].GetPath());
 }
 
 void LBookmarkListDlg::EraseAt(int nRow)
 {
-    auto& v = project.GetBookmarks();
+    auto& v = marks.GetBookmarks();
     const std::string szKey = v[nRow].GetPath();
     v.erase(v.begin() + nRow);
-    project.BookmarksChanged(szKey);
+    marks.BookmarksChanged(szKey);
 }
 
 void LBookmarkListDlg::AddRows()
 {
-    for (const LEdBookMark& b : project.GetBookmarks()) {
+    for (const LEdBookMark& b : marks.GetBookmarks()) {
         LSoundTime t;
         t.SetSamples(b.sPosition, RateOf(frame, b.GetPath()));
         const QString szLast = b.nLastVisited == 0

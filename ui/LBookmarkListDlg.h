@@ -7,7 +7,7 @@ class LBookmarkListDlg : public LMarkListDlg
 {
     Q_OBJECT
 public:
-    LBookmarkListDlg(LFrame& frame, LProjectCommands& project);
+    LBookmarkListDlg(LFrame& frame, LMarkCommands& marks);
 
 protected:
     int Count() const override;

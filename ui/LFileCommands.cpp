@@ -25,6 +25,7 @@
 #include "ui/LSendFile.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LEdSaveProcess.h"
+#include "ui/LMarkCommands.h"
 #include "ui/LProjectCommands.h"
 #include "ui/LRecentFiles.h"
 #include "ui/LTransport.h"
@@ -270,7 +271,7 @@ bool LFileCommands::SaveFileAs(LEdFileWindow* pWindow)
     }
     frame.NoteRecentFile(szNew);
     frame.SetWindowCaption();
-    project.RekeyBookmarks(szOldKey, szNew);
+    marks.RekeyBookmarks(szOldKey, szNew);
     return true;
 }
 

@@ -6,13 +6,17 @@
 #include "ui/LFrame.h"
 
 class LCdCommands;
+class LMarkCommands;
 class LProjectCommands;
 class LSoundSourceBase;
 
 class LFileCommands : public LCommandController
 {
 public:
-    LFileCommands(LFrame& frame, LCdCommands& cd, LProjectCommands& project) : frame(frame), cd(cd), project(project) {}
+    LFileCommands(LFrame& frame, LCdCommands& cd, LProjectCommands& project, LMarkCommands& marks)
+        : frame(frame), cd(cd), project(project), marks(marks)
+    {
+    }
     bool Command(int nId) override;
 
     // Opens a file in a new window (the progress dialog shows while it loads). False, with
@@ -39,4 +43,5 @@ private:
     LFrame& frame;
     LCdCommands& cd;
     LProjectCommands& project;
+    LMarkCommands& marks;
 };

@@ -9,9 +9,9 @@
 #include "ui/LUiPrompts.h"
 #include "ui/LFrame.h"
 
-LMarkListDlg::LMarkListDlg(LFrame& owner, LProjectCommands& marks, const QString& szTitle, const QString& szName,
+LMarkListDlg::LMarkListDlg(LFrame& owner, LMarkCommands& markList, const QString& szTitle, const QString& szName,
                            const QStringList& vHeaders, const QString& szRename)
-    : QDialog(owner.GetWidget()), frame(owner), project(marks), szRenameTitle(szRename)
+    : QDialog(owner.GetWidget()), frame(owner), marks(markList), szRenameTitle(szRename)
 {
     setWindowTitle(szTitle);
     setObjectName(szName + "Dlg");

@@ -7,7 +7,7 @@
 #include <string>
 
 class LFrame;
-class LProjectCommands;
+class LMarkCommands;
 class QTreeWidget;
 class QVBoxLayout;
 
@@ -27,7 +27,7 @@ public:
 
 protected:
     // The layout holds the list, then the buttons; a list may insert more around them.
-    LMarkListDlg(LFrame& frame, LProjectCommands& project, const QString& szTitle, const QString& szName, const QStringList& vHeaders,
+    LMarkListDlg(LFrame& frame, LMarkCommands& marks, const QString& szTitle, const QString& szName, const QStringList& vHeaders,
                  const QString& szRenameTitle);
 
     virtual int Count() const = 0;
@@ -38,7 +38,7 @@ protected:
     int CurrentRow() const;
 
     LFrame& frame;
-    LProjectCommands& project;
+    LMarkCommands& marks;
     QTreeWidget* pList = nullptr;
     QVBoxLayout* pLayout = nullptr;
     bool bFilling = false; // rows are being added: their changes are not the user's

@@ -9,10 +9,10 @@
 
 #include "core/LSettings.h"
 #include "ui/LFrame.h"
-#include "ui/LProjectCommands.h"
+#include "ui/LMarkCommands.h"
 
-LRegionListDlg::LRegionListDlg(LFrame& owner, LProjectCommands& marks)
-    : LMarkListDlg(owner, marks, "Regions", "RegionList", {"Region"}, "Rename Region")
+LRegionListDlg::LRegionListDlg(LFrame& owner, LMarkCommands& markList)
+    : LMarkListDlg(owner, markList, "Regions", "RegionList", {"Region"}, "Rename Region")
 {
     pAutoGap = new QCheckBox("Put silence between regions when assembling:", this);
     pAutoGap->setObjectName("AutoGap");
@@ -28,7 +28,7 @@ LRegionListDlg::LRegionListDlg(LFrame& owner, LProjectCommands& marks)
         const int nRow = pList->indexOfTopLevelItem(pItem);
         if (bFilling || nRow < 0 || nRow >= Count())
             return;
-        project.GetRegions()[nRow].bAssemble = pItem->checkState(0) == Qt::Checked;
+        marks.GetRegions()[nRow].bAssemble = pItem->checkState(0) == Qt::Checked;
     });
     auto* pGap = new QHBoxLayout;
     pGap->addWidget(pAutoGap);
@@ -42,30 +42,30 @@ LRegionListDlg::LRegionListDlg(LFrame& owner, LProjectCommands& marks)
 
 int LRegionListDlg::Count() const
 {
-    return static_cast<int>(project.GetRegions().size());
+    return static_cast<int>(marks.GetRegions().size());
 }
 
 std::string LRegionListDlg::NameAt(int nRow) const
 {
-    return project.GetRegions()[nRow].GetName();
+    return marks.GetRegions()[nRow].GetName();
 }
 
 void LRegionListDlg::SetNameAt(int nRow, const std::string& szName)
 {
-    project.GetRegions()[nRow].SetName(szName);
-    project.RegionsChanged();
+    marks.GetRegions()[nRow].SetName(szName);
+    marks.RegionsChanged();
 }
 
 void LRegionListDlg::EraseAt(int nRow)
 {
-    auto& v = project.GetRegions();
+    auto& v = marks.GetRegions();
     v.erase(v.begin() + nRow);
-    project.RegionsChanged();
+    marks.RegionsChanged();
 }
 
 void LRegionListDlg::AddRows()
 {
-    for (const LEdRegion& r : project.GetRegions()) {
+    for (const LEdRegion& r : marks.GetRegions()) {
         auto* pItem = new QTreeWidgetItem(pList, {QString::fromStdString(r.Describe())});
         pItem->setFlags(pItem->flags() | Qt::ItemIsUserCheckable);
         pItem->setCheckState(0, r.bAssemble ? Qt::Checked : Qt::Unchecked);

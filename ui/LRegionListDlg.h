@@ -11,7 +11,7 @@ class LRegionListDlg : public LMarkListDlg
 {
     Q_OBJECT
 public:
-    LRegionListDlg(LFrame& frame, LProjectCommands& project);
+    LRegionListDlg(LFrame& frame, LMarkCommands& marks);
 
 protected:
     int Count() const override;

@@ -22,6 +22,7 @@
 #include "ui/LEffectsCommands.h"
 #include "ui/LFileCommands.h"
 #include "ui/LFrameMenus.h"
+#include "ui/LMarkCommands.h"
 #include "ui/LProjectCommands.h"
 #include "ui/LCommandRules.h"
 #include "ui/LEdFileWindow.h"
@@ -76,17 +77,19 @@ MainDialog::MainDialog(QWidget* pParent) : QMainWindow(pParent)
     UpdateTimeFields();
 }
 
-// Each menu's controller; the File one works with the CD and project ones, and recovery collects
-// and reopens projects through the project one.
+// Each menu's controller; the File one works with the CD, project and bookmark ones, and
+// recovery collects and reopens projects through the project one.
 void MainDialog::MakeControllers()
 {
     auto pEffectsCommands = std::make_unique<LEffectsCommands>(*this);
     pEffects = pEffectsCommands.get();
     auto pEdit = std::make_unique<LEditCommands>(*this);
-    auto pProjectCommands = std::make_unique<LProjectCommands>(*this, *pEdit);
+    auto pMarkCommands = std::make_unique<LMarkCommands>(*this, *pEdit);
+    pMarks = pMarkCommands.get();
+    auto pProjectCommands = std::make_unique<LProjectCommands>(*this, *pMarks);
     pProject = pProjectCommands.get();
     auto pCd = std::make_unique<LCdCommands>(*this);
-    auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd, *pProject);
+    auto pFileCommands = std::make_unique<LFileCommands>(*this, *pCd, *pProject, *pMarks);
     pFiles = pFileCommands.get();
     auto pTools = std::make_unique<LToolsCommands>(*this, *pEdit);
     pRecovery = std::make_unique<LRecoveryKeeper>(
@@ -96,6 +99,7 @@ void MainDialog::MakeControllers()
     vControllers.push_back(std::move(pEdit));
     vControllers.push_back(std::make_unique<LControlCommands>(*this));
     vControllers.push_back(std::move(pProjectCommands));
+    vControllers.push_back(std::move(pMarkCommands));
     vControllers.push_back(std::move(pFileCommands));
     vControllers.push_back(std::move(pCd));
     vControllers.push_back(std::move(pTools));
@@ -263,8 +267,8 @@ LCommandState MainDialog::CommandState() const
     st.bWindowClipboard = LWindowClipboard::HasWave();
     st.bStereo = pWindow && pWindow->GetFile().GetDocument().GetChannels() == 2;
     st.bProject = !pProject->GetProjectPath().empty();
-    st.bBookmarks = !pProject->GetBookmarks().empty();
-    st.bRegions = !pProject->GetRegions().empty();
+    st.bBookmarks = !pMarks->GetBookmarks().empty();
+    st.bRegions = !pMarks->GetRegions().empty();
     return st;
 }
 
@@ -366,7 +370,7 @@ void MainDialog::ShowSpectrumWindow()
 void MainDialog::OnSubWindowActivated()
 {
     pMenus->ScheduleWindowMenu();
-    pProject->LoadBookmarksFor(GetCurrentFileWindow());
+    pMarks->LoadBookmarksFor(GetCurrentFileWindow());
     UpdateMarks();
     SetWindowCaption();
     UpdateMenuStates();
@@ -377,7 +381,7 @@ void MainDialog::OnSubWindowActivated()
 
 void MainDialog::UpdateMarks()
 {
-    pProject->UpdateMarks();
+    pMarks->UpdateMarks();
 }
 
 void MainDialog::OnFileSelectionChanged()

@@ -22,6 +22,7 @@ class LEditCommands;
 class LEffectsCommands;
 class LFileCommands;
 class LFrameMenus;
+class LMarkCommands;
 class LProjectCommands;
 class LQtProgressHostFactory;
 class LRecoveryKeeper;
@@ -52,8 +53,9 @@ public:
     QWidget* GetWidget() override { return this; }
     LCutListAudio& GetClipboardAudio() override { return *pClipboard; }
     LCutListAudio* GetClipboard() const { return pClipboard.Get(); }
-    // Projects, bookmarks and regions.
     LProjectCommands& GetProject() const { return *pProject; }
+    // Bookmarks and regions.
+    LMarkCommands& GetMarks() const { return *pMarks; }
     // The program's icon, shown by the frame and every file window.
     static QIcon AppIcon();
 
@@ -130,6 +132,7 @@ private:
     LEffectsCommands* pEffects = nullptr;
     LFileCommands* pFiles = nullptr;
     LProjectCommands* pProject = nullptr;
+    LMarkCommands* pMarks = nullptr;
     std::unique_ptr<LQtProgressHostFactory> pProgressFactory;
     LRecentFiles recent;
     LCutListAudioPtr pClipboard;

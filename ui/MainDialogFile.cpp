@@ -13,7 +13,7 @@
 #include "ui/LEdFileWindow.h"
 #include "ui/LFileCommands.h"
 #include "ui/LFrameMenus.h"
-#include "ui/LProjectCommands.h"
+#include "ui/LMarkCommands.h"
 #include "ui/LTransport.h"
 #include "ui/MainDialog.h"
 
@@ -99,7 +99,7 @@ QRect MainDialog::NextChildPlace(QMdiSubWindow* pNew) const
 void MainDialog::CloseFileWindow(LEdFileWindow* pWindow)
 {
     pTransport->ForgetWindow(pWindow);
-    pProject->ForgetBookmarksOf(pWindow);
+    pMarks->ForgetBookmarksOf(pWindow);
     for (QMdiSubWindow* pSub : pMdi->subWindowList()) {
         if (pSub->widget() != pWindow)
             continue;

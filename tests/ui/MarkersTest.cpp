@@ -9,7 +9,7 @@
 #include "core/LEdFile.h"
 #include "ui/LBookmarkListDlg.h"
 #include "ui/LEdWaveWindow.h"
-#include "ui/LProjectCommands.h"
+#include "ui/LMarkCommands.h"
 #include "ui/LRegionListDlg.h"
 #include "UiTestSupport.h"
 
@@ -147,8 +147,8 @@ private slots:
         QCOMPARE(pWindow->GetFile().GetSelStart(), pWindow->GetFile().GetSelEnd());
         // The span is shaded: its columns differ from the same file without it.
         const QImage withRegions = Drawn(pDetail);
-        frame->GetProject().GetRegions().clear();
-        frame->GetProject().RegionsChanged();
+        frame->GetMarks().GetRegions().clear();
+        frame->GetMarks().RegionsChanged();
         const QImage without = Drawn(pDetail);
         const int x = geo.ColumnOfSample(12000) + 1;
         QVERIFY(withRegions.pixelColor(x, 5) != without.pixelColor(x, 5));
@@ -163,12 +163,12 @@ private slots:
         QCOMPARE(pDetail->GetMarks().size(), size_t(1));
         QCOMPARE(pDetail->GetMarks()[0].szName, QString("Bookmark 1"));
         {
-            LBookmarkListDlg dlg(*frame, frame->GetProject());
+            LBookmarkListDlg dlg(*frame, frame->GetMarks());
             QCOMPARE(dlg.GetList()->topLevelItem(0)->text(3), QString("-")); // never visited
             dlg.Rename(0, "Chorus");
             QCOMPARE(pDetail->GetMarks()[0].szName, QString("Chorus"));
             QCOMPARE(pWindow->GetOverview()->GetMarks()[0].szName, QString("Chorus"));
-            QVERIFY(frame->GetProject().GoToBookmark(0));
+            QVERIFY(frame->GetMarks().GoToBookmark(0));
             dlg.Fill();
             QVERIFY(QRegularExpression("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d$")
                         .match(dlg.GetList()->topLevelItem(0)->text(3))
@@ -183,7 +183,7 @@ private slots:
         QCOMPARE(pDetail->GetMarks()[0].sStart, 100);
         QCOMPARE(pDetail->GetMarks()[0].sEnd, 900);
         {
-            LRegionListDlg dlg(*frame, frame->GetProject());
+            LRegionListDlg dlg(*frame, frame->GetMarks());
             dlg.Rename(0, "Intro");
             QCOMPARE(pDetail->GetMarks()[0].szName, QString("Intro"));
             dlg.Delete(0);

@@ -24,6 +24,7 @@
 #include "ui/LCommandIds.h"
 #include "ui/LEdFileWindow.h"
 #include "ui/LRegionListDlg.h"
+#include "ui/LMarkCommands.h"
 #include "ui/LProjectCommands.h"
 #include "ui/MainDialog.h"
 #include "UiTestSupport.h"
@@ -127,11 +128,11 @@ private slots:
 
         const std::vector<int16_t> vA = Samples(pA->GetFile().GetDocument());
         const std::vector<int16_t> vB = Samples(pB->GetFile().GetDocument());
-        const std::vector<BookmarkSeen> vMarks = Seen(frame->GetProject().GetBookmarks());
+        const std::vector<BookmarkSeen> vMarks = Seen(frame->GetMarks().GetBookmarks());
         QCOMPARE(vMarks.size(), size_t(2));
-        QCOMPARE(frame->GetProject().GetRegions().size(), size_t(1));
-        const std::string szRegion = frame->GetProject().GetRegions()[0].Describe();
-        const std::vector<int16_t> vRegion = Samples(*frame->GetProject().GetRegions()[0].pDoc);
+        QCOMPARE(frame->GetMarks().GetRegions().size(), size_t(1));
+        const std::string szRegion = frame->GetMarks().GetRegions()[0].Describe();
+        const std::vector<int16_t> vRegion = Samples(*frame->GetMarks().GetRegions()[0].pDoc);
         QCOMPARE(vRegion, std::vector<int16_t>(vA.begin() + 1000, vA.begin() + 2000));
 
         const QString szProject = h->File("work/song.snp");
@@ -147,7 +148,7 @@ private slots:
         QVERIFY(frame->Command(CmCloseProjectId));
         QCOMPARE(h->prompts.questions.size(), qsizetype(2));
         QVERIFY(frame->GetFileWindows().empty());
-        QVERIFY(frame->GetProject().GetBookmarks().empty());
+        QVERIFY(frame->GetMarks().GetBookmarks().empty());
         frame.reset();
         FinishDeletes();
         QCOMPARE(LAudioCutTank::Instance().CountUsedRefs(), 0);
@@ -170,10 +171,10 @@ private slots:
         QVERIFY(pA2->GetFile().IsModified());
         QCOMPARE(pB2->GetFile().GetCursor(), 2000);
         QCOMPARE(frame->GetCurrentFileWindow(), pB2); // the file that was current
-        QCOMPARE(Seen(frame->GetProject().GetBookmarks()), vMarks);
-        QCOMPARE(frame->GetProject().GetRegions().size(), size_t(1));
-        QCOMPARE(frame->GetProject().GetRegions()[0].Describe(), szRegion);
-        QCOMPARE(Samples(*frame->GetProject().GetRegions()[0].pDoc), vRegion);
+        QCOMPARE(Seen(frame->GetMarks().GetBookmarks()), vMarks);
+        QCOMPARE(frame->GetMarks().GetRegions().size(), size_t(1));
+        QCOMPARE(frame->GetMarks().GetRegions()[0].Describe(), szRegion);
+        QCOMPARE(Samples(*frame->GetMarks().GetRegions()[0].pDoc), vRegion);
 
         // A change, then closing the project asks about it.
         frame->GetMdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(pA2->parentWidget()));
@@ -218,13 +219,13 @@ private slots:
         QVERIFY(frame->Command(CmSetBookmarkId));
         QVERIFY(QFile::exists(h->File("song.snm")));
         QVERIFY(frame->Command(CmCloseId));
-        QVERIFY(frame->GetProject().GetBookmarks().empty());
+        QVERIFY(frame->GetMarks().GetBookmarks().empty());
         pA = Open(szA);
         QVERIFY(pA);
-        QCOMPARE(frame->GetProject().GetBookmarks().size(), size_t(1));
-        QCOMPARE(frame->GetProject().GetBookmarks()[0].sPosition, 1234);
+        QCOMPARE(frame->GetMarks().GetBookmarks().size(), size_t(1));
+        QCOMPARE(frame->GetMarks().GetBookmarks()[0].sPosition, 1234);
 
-        LBookmarkListDlg dlg(*frame, frame->GetProject());
+        LBookmarkListDlg dlg(*frame, frame->GetMarks());
         QCOMPARE(dlg.GetList()->topLevelItemCount(), 1);
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(1), QString("0:00:00.154"));
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(2), QString("1"));
@@ -232,9 +233,9 @@ private slots:
         dlg.Rename(0, "Verse");
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(0), QString("Verse"));
         pA->SetCursorPosition(0);
-        QVERIFY(frame->GetProject().GoToBookmark(0));
+        QVERIFY(frame->GetMarks().GoToBookmark(0));
         QCOMPARE(pA->GetFile().GetCursor(), 1234);
-        QCOMPARE(frame->GetProject().GetBookmarks()[0].nTimesVisited, uint8_t(2));
+        QCOMPARE(frame->GetMarks().GetBookmarks()[0].nTimesVisited, uint8_t(2));
         std::vector<LEdBookMark> vOnDisk;
         QCOMPARE(LBookmarkFile::Load(szA.toStdString(), vOnDisk), LBookmarkFile::Loaded);
         QCOMPARE(vOnDisk.size(), size_t(1));
@@ -262,7 +263,7 @@ private slots:
         QTRY_VERIFY(!h->prompts.informs.isEmpty());
         QVERIFY2(h->prompts.informs.last().startsWith("File Error: The file \"" + szList + "\" is damaged"),
                  qPrintable(h->prompts.informs.last()));
-        QVERIFY(frame->GetProject().GetBookmarks().empty());
+        QVERIFY(frame->GetMarks().GetBookmarks().empty());
         pA->SetCursorPosition(100);
         QVERIFY(frame->Command(CmSetBookmarkId));
         QVERIFY(frame->Command(CmCloseId));
@@ -281,13 +282,13 @@ private slots:
         QVERIFY(frame->Command(CmAddRegionId));
         pA->SetSelection(5000, 5050);
         QVERIFY(frame->Command(CmAddRegionId));
-        LRegionListDlg dlg(*frame, frame->GetProject());
+        LRegionListDlg dlg(*frame, frame->GetMarks());
         QCOMPARE(dlg.GetList()->topLevelItem(0)->text(0), QString("Region 1@0:00:00.012-0:00:00.037"));
         dlg.GetList()->topLevelItem(2)->setCheckState(0, Qt::Unchecked);
-        QVERIFY(!frame->GetProject().GetRegions()[2].bAssemble);
+        QVERIFY(!frame->GetMarks().GetRegions()[2].bAssemble);
         LSettings::SetBool("Settings", "AutoGap", true);
         LSettings::SetInt("Settings", "AutoGapTime", 250);
-        LCutListAudioPtr pDoc = frame->GetProject().AssembleRegions();
+        LCutListAudioPtr pDoc = frame->GetMarks().AssembleRegions();
         QVERIFY(pDoc);
         std::vector<int16_t> vWant(v.begin() + 100, v.begin() + 300);
         vWant.insert(vWant.end(), 2000, 0);
@@ -350,8 +351,8 @@ private slots:
         QCOMPARE(h->prompts.informs,
                  QStringList({"Sonitra: Sonitra keeps at most 255 bookmarks. Delete one before adding another.",
                               "Sonitra: Sonitra keeps at most 255 regions. Delete one before adding another."}));
-        QCOMPARE(frame->GetProject().GetBookmarks().size(), size_t(255));
-        QCOMPARE(frame->GetProject().GetRegions().size(), size_t(255));
+        QCOMPARE(frame->GetMarks().GetBookmarks().size(), size_t(255));
+        QCOMPARE(frame->GetMarks().GetRegions().size(), size_t(255));
         std::vector<LEdBookMark> vOnDisk;
         QCOMPARE(LBookmarkFile::Load(szA.toStdString(), vOnDisk), LBookmarkFile::Loaded);
         QCOMPARE(vOnDisk.size(), size_t(255));
@@ -365,7 +366,7 @@ private slots:
         // A folder where the list would go: nothing can take its name.
         QVERIFY(QDir().mkpath(h->File("song.snm/inside")));
         QVERIFY(frame->Command(CmSetBookmarkId));
-        QCOMPARE(frame->GetProject().GetBookmarks().size(), size_t(1));
+        QCOMPARE(frame->GetMarks().GetBookmarks().size(), size_t(1));
         QCoreApplication::processEvents();
         QCOMPARE(h->prompts.informs.value(0),
                  QString("File Error: Unable to save the bookmark list \"%1\".").arg(h->File("song.snm")));
