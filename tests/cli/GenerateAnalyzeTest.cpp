@@ -134,4 +134,6 @@ TEST_F(GenerateAnalyze, RefusesBadRequests)
     EXPECT_EQ(Cli("analyze " + dir.File("missing.wav"), &szOut), 2);
     EXPECT_EQ(Cli("analyze " + dir.File("x.wav") + " --size 1000", &szOut), 64);
     EXPECT_NE(szOut.find("power of two"), std::string::npos);
+    EXPECT_EQ(Cli("analyze " + dir.File("x.wav") + " --range 900,900", &szOut), 64); // an empty range
+    EXPECT_NE(szOut.find("S < E"), std::string::npos) << szOut;
 }
