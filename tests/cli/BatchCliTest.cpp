@@ -7,31 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 namespace {
 
-std::string Text(const std::string& szPath)
-{
-    auto v = testsupport::ReadFileBytes(szPath);
-    return std::string(v.begin(), v.end());
-}
+using testsupport::ReadText;
 
-class BatchCli : public ::testing::Test
+class BatchCli : public testsupport::CliTest
 {
 protected:
-    void SetUp() override
-    {
-        szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
-    }
-    // Runs the tool; stdout and stderr are kept.
-    int Cli(const std::string& szArgs)
-    {
-        return testsupport::RunCommand(szEnv + SONITRA_CLI_PATH " " + szArgs + " >" + dir.File("out.txt") + " 2>" +
-                                       dir.File("err.txt") + " </dev/null");
-    }
-    std::string Out() const { return Text(dir.File("out.txt")); }
-    std::string Err() const { return Text(dir.File("err.txt")); }
+    int Cli(const std::string& szArgs) { return CliApart(szArgs); }
     // Short mono files, each a different tone and level, so a mixed-up output shows.
     std::vector<std::string> MakeInputs(int nCount, const std::string& szSub)
     {
@@ -45,9 +30,6 @@ protected:
         }
         return v;
     }
-
-    testsupport::TempDir dir;
-    std::string szEnv;
 };
 
 } // namespace
@@ -153,7 +135,7 @@ TEST_F(BatchCli, ManyFilesEqualTheEffectsStepByStep)
         szEnv + "xargs -P 8 -I{} sh -c '" + szOne + " " + dir.File("in") + "/f{}.wav " + szStep + "/a{}.wav normalize NormalizePeakLevel=50 && " +
         szOne + " " + szStep + "/a{}.wav " + szStep + "/b{}.wav high-pass-filter LowCutFreq=400 && " + szOne + " " + szStep +
         "/b{}.wav " + szStep + "/c{}.wav fade-in' < " + dir.File("steps.txt") + " 2>" + dir.File("steps-err.txt");
-    ASSERT_EQ(testsupport::RunCommand(szChain), 0) << Text(dir.File("steps-err.txt"));
+    ASSERT_EQ(testsupport::RunCommand(szChain), 0) << ReadText(dir.File("steps-err.txt"));
     for (int i = 0; i < 200; ++i) {
         const std::string szOut = dir.File("out/f" + std::to_string(i) + ".wav");
         if (vIn[static_cast<size_t>(i)] == szBad) {

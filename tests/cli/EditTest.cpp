@@ -8,19 +8,15 @@
 
 #include "core/LFile.h"
 #include "formats/LAudioFile.h"
-#include "support/TestSupport.h"
-
-using testsupport::RunCommand;
+#include "support/CliTest.h"
 
 namespace {
 
-class Edit : public ::testing::Test
+class Edit : public testsupport::CliTest
 {
 protected:
     void SetUp() override
     {
-        if (RunCommand(std::string(SONITRA_CLI_PATH) + " info --help >/dev/null 2>&1") != 0)
-            GTEST_SKIP() << "sonitra-cli cannot read audio files yet (no info verb)";
         // Frames 1..10 at 1000 frames per second: a millisecond is a frame.
         testsupport::WriteSimpleWav(dir.File("in.wav"), 1000, 1, 16, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
     }
@@ -37,11 +33,7 @@ protected:
     }
 
     // Runs the verb in a private cache and settings home; returns its exit status.
-    int Run(const std::string& szArgs, std::string* pOut = nullptr)
-    {
-        const std::string szEnv = "XDG_CACHE_HOME=" + dir.File("cache") + " XDG_CONFIG_HOME=" + dir.File("config") + " ";
-        return RunCommand(szEnv + SONITRA_CLI_PATH + " edit " + szArgs + (pOut ? " 2>&1" : " 2>/dev/null"), pOut);
-    }
+    int Run(const std::string& szArgs, std::string* pOut = nullptr) { return Cli("edit " + szArgs, pOut); }
 
     std::vector<int32_t> Output()
     {
@@ -55,8 +47,6 @@ protected:
     }
 
     std::string Files() { return dir.File("in.wav") + " " + dir.File("out.wav") + " "; }
-
-    testsupport::TempDir dir;
 };
 
 } // namespace

@@ -13,15 +13,9 @@
 #include "dsp/effects/LEffectRunner.h"
 #include "dsp/effects/LStoredValues.h"
 #include "lists/LBatchScript.h"
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 namespace {
-
-std::string Text(const std::string& szPath)
-{
-    const std::vector<uint8_t> v = testsupport::ReadFileBytes(szPath);
-    return std::string(v.begin(), v.end());
-}
 
 std::vector<std::string> Lines(const std::string& sz)
 {
@@ -32,24 +26,16 @@ std::vector<std::string> Lines(const std::string& sz)
     return v;
 }
 
-class EffectCatalogCli : public ::testing::Test
+class EffectCatalogCli : public testsupport::CliTest
 {
 protected:
-    void SetUp() override
-    {
-        szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
-    }
     // Runs the tool; its standard output is returned in *pszOut.
     int Cli(const std::string& szArgs, std::string* pszOut)
     {
-        const int n = testsupport::RunCommand(szEnv + SONITRA_CLI_PATH " " + szArgs + " >" + dir.File("out.txt") +
-                                              " 2>" + dir.File("err.txt") + " </dev/null");
-        *pszOut = Text(dir.File("out.txt"));
+        const int n = CliApart(szArgs);
+        *pszOut = Out();
         return n;
     }
-
-    testsupport::TempDir dir;
-    std::string szEnv;
 };
 
 } // namespace

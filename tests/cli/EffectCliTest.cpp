@@ -8,17 +8,15 @@
 #include "core/LFixed.h"
 #include "core/LMemorySound.h"
 #include "dsp/effects/LSRCEcho.h"
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 namespace {
 
-class EffectCli : public ::testing::Test
+class EffectCli : public testsupport::CliTest
 {
 protected:
     void SetUp() override
     {
-        // Settings and segments of the tool go to private folders.
-        szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
         vIn = testsupport::Sine16(8000, 2, 8000, 300.0, 6000.0);
         testsupport::WriteSimpleWav(In(), 8000, 2, 16, vIn);
     }
@@ -26,17 +24,12 @@ protected:
     std::string Out() const { return dir.File("out.wav"); }
     int Run(const std::string& szArgs, std::string* pErr = nullptr)
     {
-        const std::string szErr = dir.File("stderr.txt");
-        const int n = testsupport::RunCommand(szEnv + SONITRA_CLI_PATH " effect " + szArgs + " 2>" + szErr + " </dev/null");
-        if (pErr) {
-            auto v = testsupport::ReadFileBytes(szErr);
-            pErr->assign(v.begin(), v.end());
-        }
+        const int n = CliApart("effect " + szArgs);
+        if (pErr)
+            *pErr = Err();
         return n;
     }
 
-    testsupport::TempDir dir;
-    std::string szEnv;
     std::vector<int32_t> vIn;
 };
 

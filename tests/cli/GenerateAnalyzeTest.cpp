@@ -9,18 +9,13 @@
 
 #include "dsp/LSRCTone.h"
 #include "formats/LAudioFile.h"
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 namespace {
 
-class GenerateAnalyze : public ::testing::Test
+class GenerateAnalyze : public testsupport::CliTest
 {
 protected:
-    int Cli(const std::string& szArgs, std::string* pOut = nullptr)
-    {
-        const std::string szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
-        return testsupport::RunCommand(szEnv + SONITRA_CLI_PATH " " + szArgs + " 2>&1", pOut);
-    }
     std::vector<double> Read(const std::string& szPath, int32_t* pRate = nullptr, int* pChans = nullptr)
     {
         LSoundSourcePtr p = LAudioFile::OpenSource(szPath);
@@ -34,7 +29,6 @@ protected:
             *pChans = p->GetChannels();
         return std::vector<double>(v.begin(), v.end());
     }
-    testsupport::TempDir dir;
 };
 
 // Power of one frequency over a stretch, by the Goertzel recurrence.
@@ -140,4 +134,6 @@ TEST_F(GenerateAnalyze, RefusesBadRequests)
     EXPECT_EQ(Cli("analyze " + dir.File("missing.wav"), &szOut), 2);
     EXPECT_EQ(Cli("analyze " + dir.File("x.wav") + " --size 1000", &szOut), 64);
     EXPECT_NE(szOut.find("power of two"), std::string::npos);
+    EXPECT_EQ(Cli("analyze " + dir.File("x.wav") + " --range 900,900", &szOut), 64); // an empty range
+    EXPECT_NE(szOut.find("S < E"), std::string::npos) << szOut;
 }

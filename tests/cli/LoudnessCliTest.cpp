@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 namespace {
 
@@ -30,12 +30,11 @@ void Measure(const std::string& szPath, int nChans, int nRate, double& fIntegrat
     ebur128_destroy(&p);
 }
 
-class LoudnessCli : public ::testing::Test
+class LoudnessCli : public testsupport::CliTest
 {
 protected:
     void SetUp() override
     {
-        szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
         // Two tones at different levels, one after the other, in a stereo file.
         std::vector<int32_t> v = testsupport::Sine16(44100, 2, 3 * 44100, 330.0, 900.0);
         const std::vector<int32_t> vLoud = testsupport::Sine16(44100, 2, 3 * 44100, 523.0, 3000.0);
@@ -43,14 +42,7 @@ protected:
         testsupport::WriteSimpleWav(In(), 44100, 2, 16, v);
     }
     std::string In() const { return dir.File("in.wav"); }
-    int Cli(const std::string& szArgs)
-    {
-        return testsupport::RunCommand(szEnv + SONITRA_CLI_PATH " " + szArgs + " >" + dir.File("out.txt") + " 2>" +
-                                       dir.File("err.txt") + " </dev/null");
-    }
-
-    testsupport::TempDir dir;
-    std::string szEnv;
+    int Cli(const std::string& szArgs) { return CliApart(szArgs); }
 };
 
 } // namespace
@@ -125,8 +117,7 @@ TEST_F(LoudnessCli, AnalyzeMeasuresTheMeterTestSignals)
         const std::string szPath = dir.File("tones.wav");
         testsupport::WriteSimpleWav(szPath, 48000, 2, 16, TonesOf(s.vParts));
         ASSERT_EQ(Cli("analyze --loudness " + szPath), 0);
-        std::string szOut;
-        testsupport::RunCommand("cat " + dir.File("out.txt"), &szOut);
+        const std::string szOut = Out();
         EXPECT_NEAR(PrintedIntegrated(szOut), s.fExpected, 0.1) << szOut;
         EXPECT_NE(szOut.find("Loudness range:"), std::string::npos);
         EXPECT_NE(szOut.find("True peak:"), std::string::npos);
@@ -134,8 +125,7 @@ TEST_F(LoudnessCli, AnalyzeMeasuresTheMeterTestSignals)
     // Silence has no loudness to print; a range past the end is refused.
     testsupport::WriteSimpleWav(dir.File("silence.wav"), 48000, 2, 16, std::vector<int32_t>(2 * 48000, 0));
     ASSERT_EQ(Cli("analyze --loudness " + dir.File("silence.wav")), 0);
-    std::string szOut;
-    testsupport::RunCommand("cat " + dir.File("out.txt"), &szOut);
+    const std::string szOut = Out();
     EXPECT_NE(szOut.find("-inf LUFS"), std::string::npos) << szOut;
     EXPECT_EQ(Cli("analyze --loudness --range 0,96000 " + dir.File("silence.wav")), 64);
 }
@@ -181,8 +171,8 @@ TEST_F(LoudnessCli, AnalyzeAgreesWithFfmpeg)
     for (const std::string& szPath : {In(), szSpeech, szMusic}) {
         SCOPED_TRACE(szPath);
         ASSERT_EQ(Cli("analyze --loudness " + szPath), 0);
-        std::string szOurs, szTheirs;
-        testsupport::RunCommand("cat " + dir.File("out.txt"), &szOurs);
+        const std::string szOurs = Out();
+        std::string szTheirs;
         // Its running values carry three decimals where its summary rounds to one.
         testsupport::RunCommand("ffmpeg -hide_banner -nostats -i " + szPath +
                                     " -af ebur128=metadata=1,ametadata=mode=print:key=lavfi.r128.I -f null - 2>&1",

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 using testsupport::ReadFileBytes;
 using testsupport::ReadWavSamples16;
@@ -17,12 +17,11 @@ namespace {
 constexpr int kRate = 8000;
 constexpr int kFrames = 12000;
 
-class MonoMixCli : public ::testing::Test
+class MonoMixCli : public testsupport::CliTest
 {
 protected:
     void SetUp() override
     {
-        szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
         // Two unrelated tones of unequal level: a left-only result correlates with the mix by 0.8 at most.
         vLeft = testsupport::Sine16(kRate, 1, kFrames, 300.0, 9000.0);
         vRight = testsupport::Sine16(kRate, 1, kFrames, 1130.0, 7000.0);
@@ -35,13 +34,6 @@ protected:
         }
         testsupport::WriteSimpleWav(dir.File("st.wav"), kRate, 2, 16, vStereo);
     }
-    int Cli(const std::string& szArgs)
-    {
-        std::string sz;
-        const int n = testsupport::RunCommand(szEnv + "'" SONITRA_CLI_PATH "' " + szArgs + " 2>&1 </dev/null", &sz);
-        szLog = sz;
-        return n;
-    }
     // The mono WAV a file decodes to, by the tool itself.
     std::vector<int16_t> Decoded(const std::string& szFile, const std::string& szRaw = "")
     {
@@ -50,8 +42,6 @@ protected:
         return ReadWavSamples16(szWav);
     }
 
-    TempDir dir;
-    std::string szEnv, szLog;
     std::vector<int32_t> vLeft, vRight;
     std::vector<int16_t> vMix;
 };

@@ -7,19 +7,18 @@
 #include <vector>
 #include <sys/stat.h>
 
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 using testsupport::HaveTool;
 using testsupport::RunCommand;
 
 namespace {
 
-class Mp3Cli : public ::testing::Test
+class Mp3Cli : public testsupport::CliTest
 {
 protected:
     void SetUp() override
     {
-        szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
         testsupport::WriteSimpleWav(dir.File("in.wav"), 44100, 2, 16, testsupport::Sine16(44100, 2, 44100, 440.0, 8000.0));
         testsupport::WriteSimpleWav(dir.File("mono22.wav"), 22050, 1, 16, testsupport::Sine16(22050, 1, 33075, 300.0, 8000.0));
     }
@@ -33,16 +32,6 @@ protected:
         std::fprintf(f, "[Components]\nmp3el\\Path=%s\n", szPath.c_str());
         std::fclose(f);
     }
-    int Cli(const std::string& szArgs, std::string* pOut = nullptr)
-    {
-        std::string sz;
-        const int n = RunCommand(szEnv + "'" SONITRA_CLI_PATH "' " + szArgs + " 2>&1 </dev/null", &sz);
-        if (pOut)
-            *pOut = sz;
-        return n;
-    }
-    testsupport::TempDir dir;
-    std::string szEnv;
 };
 
 } // namespace

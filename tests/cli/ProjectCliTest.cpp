@@ -10,21 +10,13 @@
 #include "project/LBookmarkFile.h"
 #include "support/TestSupport.h"
 
+using testsupport::RunCli;
 using testsupport::RunCommand;
 using testsupport::TempDir;
 using testsupport::WriteFileBytes;
 using testsupport::WriteSimpleWav;
 
 namespace {
-int Cli(const std::string& szArgs, std::string* pOutput = nullptr)
-{
-    std::string szOut;
-    const int nExit = RunCommand("'" SONITRA_CLI_PATH "' " + szArgs + " 2>&1", &szOut);
-    if (pOutput)
-        *pOutput = szOut;
-    return nExit;
-}
-
 std::vector<int32_t> FileSamples(const std::string& szPath)
 {
     LSoundSourcePtr p = LAudioFile::OpenSource(szPath);
@@ -51,14 +43,14 @@ TEST(ProjectCli, AProjectListsAndRendersItsDocumentsWithoutItsSourceFiles)
     const std::vector<int32_t> vA = FileSamples(dir.File("a.wav"));
     const std::vector<int32_t> vB = FileSamples(dir.File("b.wav"));
     std::string szOut;
-    ASSERT_EQ(Cli("project new " + dir.File("p.snp") + " " + dir.File("a.wav") + " " + dir.File("b.wav") +
+    ASSERT_EQ(RunCli("project new " + dir.File("p.snp") + " " + dir.File("a.wav") + " " + dir.File("b.wav") +
                       " --bookmark 1@0.5=Start --bookmark 2@1=Mid --region 1@0.25-1.5=Hook",
                   &szOut),
               0)
         << szOut;
     ASSERT_EQ(std::remove(dir.File("a.wav").c_str()), 0);
     ASSERT_EQ(std::remove(dir.File("b.wav").c_str()), 0);
-    ASSERT_EQ(Cli("project info " + dir.File("p.snp"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project info " + dir.File("p.snp"), &szOut), 0) << szOut;
     EXPECT_NE(szOut.find("file 1: " + dir.File("a.wav") + ", 8000 Hz, 1 channel, 16000 frames, 0:00:02.000"),
               std::string::npos)
         << szOut;
@@ -67,11 +59,11 @@ TEST(ProjectCli, AProjectListsAndRendersItsDocumentsWithoutItsSourceFiles)
     EXPECT_NE(szOut.find("bookmark: Mid, 0:00:01.000, visited 1"), std::string::npos) << szOut;
     EXPECT_NE(szOut.find("region: Hook@0:00:00.250-0:00:01.500"), std::string::npos) << szOut;
 
-    ASSERT_EQ(Cli("project render " + dir.File("p.snp") + " 1 " + dir.File("a2.wav"), &szOut), 0) << szOut;
-    ASSERT_EQ(Cli("project render " + dir.File("p.snp") + " 2 " + dir.File("b2.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project render " + dir.File("p.snp") + " 1 " + dir.File("a2.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project render " + dir.File("p.snp") + " 2 " + dir.File("b2.wav"), &szOut), 0) << szOut;
     EXPECT_EQ(FileSamples(dir.File("a2.wav")), vA);
     EXPECT_EQ(FileSamples(dir.File("b2.wav")), vB);
-    EXPECT_EQ(Cli("project render " + dir.File("p.snp") + " 3 " + dir.File("c.wav"), &szOut), 2);
+    EXPECT_EQ(RunCli("project render " + dir.File("p.snp") + " 3 " + dir.File("c.wav"), &szOut), 2);
 }
 
 TEST(ProjectCli, AWrongVersionAndBadUsageAreRefused)
@@ -79,11 +71,11 @@ TEST(ProjectCli, AWrongVersionAndBadUsageAreRefused)
     TempDir dir;
     WriteFileBytes(dir.File("old.snp"), {7, 0, 255, 0, 0});
     std::string szOut;
-    EXPECT_EQ(Cli("project info " + dir.File("old.snp"), &szOut), 2);
+    EXPECT_EQ(RunCli("project info " + dir.File("old.snp"), &szOut), 2);
     EXPECT_NE(szOut.find("does not have the same version"), std::string::npos) << szOut;
-    EXPECT_EQ(Cli("project new " + dir.File("x.snp"), &szOut), 64);
-    EXPECT_EQ(Cli("project new " + dir.File("x.snp") + " a.wav --bookmark 2@1=X", &szOut), 64);
-    EXPECT_EQ(Cli("project frobnicate", &szOut), 64);
+    EXPECT_EQ(RunCli("project new " + dir.File("x.snp"), &szOut), 64);
+    EXPECT_EQ(RunCli("project new " + dir.File("x.snp") + " a.wav --bookmark 2@1=X", &szOut), 64);
+    EXPECT_EQ(RunCli("project frobnicate", &szOut), 64);
 }
 
 TEST(ProjectCli, ARenamedOrMovedProjectRendersWhatWasSaved)
@@ -92,14 +84,14 @@ TEST(ProjectCli, ARenamedOrMovedProjectRendersWhatWasSaved)
     WriteSimpleWav(dir.File("a.wav"), 8000, 1, 16, Ramp(4000, 3));
     const std::vector<int32_t> vA = FileSamples(dir.File("a.wav"));
     std::string szOut;
-    ASSERT_EQ(Cli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
     std::filesystem::rename(dir.File("song.snp"), dir.File("final.snp"));
-    ASSERT_EQ(Cli("project render " + dir.File("final.snp") + " 1 " + dir.File("r1.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project render " + dir.File("final.snp") + " 1 " + dir.File("r1.wav"), &szOut), 0) << szOut;
     EXPECT_EQ(FileSamples(dir.File("r1.wav")), vA);
     std::filesystem::create_directory(dir.File("moved"));
     std::filesystem::rename(dir.File("final.snp"), dir.File("moved/final.snp"));
     std::filesystem::rename(dir.File("song_audio"), dir.File("moved/song_audio"));
-    ASSERT_EQ(Cli("project render " + dir.File("moved/final.snp") + " 1 " + dir.File("r2.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project render " + dir.File("moved/final.snp") + " 1 " + dir.File("r2.wav"), &szOut), 0) << szOut;
     EXPECT_EQ(FileSamples(dir.File("r2.wav")), vA);
 }
 
@@ -111,10 +103,10 @@ TEST(ProjectCli, ProjectsSharingANameEachKeepTheirAudio)
     const std::vector<int32_t> vA = FileSamples(dir.File("a.wav"));
     const std::vector<int32_t> vB = FileSamples(dir.File("b.wav"));
     std::string szOut;
-    ASSERT_EQ(Cli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
-    ASSERT_EQ(Cli("project new " + dir.File("song.bak") + " " + dir.File("b.wav"), &szOut), 0) << szOut;
-    ASSERT_EQ(Cli("project render " + dir.File("song.snp") + " 1 " + dir.File("ra.wav"), &szOut), 0) << szOut;
-    ASSERT_EQ(Cli("project render " + dir.File("song.bak") + " 1 " + dir.File("rb.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project new " + dir.File("song.bak") + " " + dir.File("b.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project render " + dir.File("song.snp") + " 1 " + dir.File("ra.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project render " + dir.File("song.bak") + " 1 " + dir.File("rb.wav"), &szOut), 0) << szOut;
     EXPECT_EQ(FileSamples(dir.File("ra.wav")), vA);
     EXPECT_EQ(FileSamples(dir.File("rb.wav")), vB);
 }
@@ -124,15 +116,15 @@ TEST(ProjectCli, MissingAudioFailsNamingTheProjectAndWhatIsMissing)
     TempDir dir;
     WriteSimpleWav(dir.File("a.wav"), 8000, 1, 16, Ramp(3000, 3));
     std::string szOut;
-    ASSERT_EQ(Cli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project new " + dir.File("song.snp") + " " + dir.File("a.wav"), &szOut), 0) << szOut;
     // Moved without its folder.
     std::filesystem::create_directory(dir.File("moved"));
     std::filesystem::rename(dir.File("song.snp"), dir.File("moved/song.snp"));
-    EXPECT_EQ(Cli("project render " + dir.File("moved/song.snp") + " 1 " + dir.File("r.wav"), &szOut), 2);
+    EXPECT_EQ(RunCli("project render " + dir.File("moved/song.snp") + " 1 " + dir.File("r.wav"), &szOut), 2);
     EXPECT_EQ(szOut, "sonitra-cli: " + dir.File("moved/song.snp") + ": its audio folder " +
                          dir.File("moved/song_audio/") + " is missing\n");
     EXPECT_FALSE(std::filesystem::exists(dir.File("r.wav")));
-    EXPECT_EQ(Cli("project info " + dir.File("moved/song.snp"), &szOut), 2);
+    EXPECT_EQ(RunCli("project info " + dir.File("moved/song.snp"), &szOut), 2);
 }
 
 TEST(ProjectCli, AFourChannelProjectRoundTrips)
@@ -142,10 +134,10 @@ TEST(ProjectCli, AFourChannelProjectRoundTrips)
     const std::vector<int32_t> vQuad = FileSamples(dir.File("quad.wav"));
     ASSERT_EQ(vQuad.size(), 8000u);
     std::string szOut;
-    ASSERT_EQ(Cli("project new " + dir.File("q.snp") + " " + dir.File("quad.wav"), &szOut), 0) << szOut;
-    ASSERT_EQ(Cli("project info " + dir.File("q.snp"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project new " + dir.File("q.snp") + " " + dir.File("quad.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project info " + dir.File("q.snp"), &szOut), 0) << szOut;
     EXPECT_NE(szOut.find("8000 Hz, 4 channels, 2000 frames"), std::string::npos) << szOut;
-    ASSERT_EQ(Cli("project render " + dir.File("q.snp") + " 1 " + dir.File("r.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project render " + dir.File("q.snp") + " 1 " + dir.File("r.wav"), &szOut), 0) << szOut;
     EXPECT_EQ(FileSamples(dir.File("r.wav")), vQuad);
 }
 
@@ -162,12 +154,12 @@ TEST(ProjectCli, The256thBookmarkOrRegionIsRefused)
     std::string szOut;
     const std::string szNew = "project new " + dir.File("p.snp") + " " + dir.File("a.wav");
     for (const std::string& szMarks : {marks("--bookmark", "1@0.5", 256), marks("--region", "1@0-0.5", 256)}) {
-        EXPECT_EQ(Cli(szNew + szMarks, &szOut), 64);
+        EXPECT_EQ(RunCli(szNew + szMarks, &szOut), 64);
         EXPECT_NE(szOut.find("at most 255 bookmarks and 255 regions"), std::string::npos) << szOut;
         EXPECT_FALSE(std::filesystem::exists(dir.File("p.snp")));
     }
-    ASSERT_EQ(Cli(szNew + marks("--bookmark", "1@0.5", 255) + marks("--region", "1@0-0.5", 255), &szOut), 0) << szOut;
-    ASSERT_EQ(Cli("project info " + dir.File("p.snp"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli(szNew + marks("--bookmark", "1@0.5", 255) + marks("--region", "1@0-0.5", 255), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("project info " + dir.File("p.snp"), &szOut), 0) << szOut;
     EXPECT_NE(szOut.find("bookmark: m254,"), std::string::npos);
     EXPECT_NE(szOut.find("region: m254@"), std::string::npos);
 }
@@ -181,9 +173,9 @@ TEST(BookmarksCli, ListsTheBookmarksBesideAnAudioFile)
     v[0].nLastVisited = 86400;
     ASSERT_TRUE(LBookmarkFile::Save(dir.File("song.wav"), v));
     std::string szOut;
-    ASSERT_EQ(Cli("bookmarks " + dir.File("song.wav"), &szOut), 0) << szOut;
+    ASSERT_EQ(RunCli("bookmarks " + dir.File("song.wav"), &szOut), 0) << szOut;
     EXPECT_EQ(szOut, "Intro, 0:00:00.500, visited 2, last 1970-01-02 00:00:00\n");
     WriteFileBytes(dir.File("song.snm"), {3, 0});
-    EXPECT_EQ(Cli("bookmarks " + dir.File("song.wav"), &szOut), 2);
+    EXPECT_EQ(RunCli("bookmarks " + dir.File("song.wav"), &szOut), 2);
     EXPECT_NE(szOut.find("does not have the same version"), std::string::npos);
 }

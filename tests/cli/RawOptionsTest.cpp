@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 using testsupport::ReadFileBytes;
 using testsupport::RunCommand;
@@ -10,33 +10,20 @@ using testsupport::TempDir;
 
 namespace {
 
-class RawOptions : public ::testing::Test
+class RawOptions : public testsupport::CliTest
 {
 protected:
     void SetUp() override
     {
-        // The tool's stored settings live in a private folder.
-        szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
         testsupport::WriteSimpleWav(In(), 8000, 2, 16, testsupport::Sine16(8000, 2, 8000, 440.0, 8000.0));
     }
     std::string In() const { return dir.File("in.wav"); }
-    int Cli(const std::string& szArgs, std::string* pOut = nullptr)
-    {
-        std::string sz;
-        const int n = RunCommand(szEnv + "'" SONITRA_CLI_PATH "' " + szArgs + " 2>&1 </dev/null", &sz);
-        if (pOut)
-            *pOut = sz;
-        return n;
-    }
     void Store(const std::string& szLines)
     {
         std::filesystem::create_directories(dir.File("config/Korvane"));
         testsupport::WriteFileBytes(dir.File("config/Korvane/Sonitra.conf"),
                                     std::vector<uint8_t>(szLines.begin(), szLines.end()));
     }
-
-    TempDir dir;
-    std::string szEnv;
 };
 
 } // namespace

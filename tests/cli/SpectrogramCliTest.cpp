@@ -7,7 +7,7 @@
 
 #include "cli/LCliSpectroPicture.h"
 #include "dsp/LSpectroColumns.h"
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 namespace {
 
@@ -37,14 +37,9 @@ def luma(y):
 print(w, h, max(range(y0, y1), key=luma))
 )";
 
-class SpectrogramCli : public ::testing::Test
+class SpectrogramCli : public testsupport::CliTest
 {
 protected:
-    int Cli(const std::string& szArgs, std::string* pOut = nullptr)
-    {
-        const std::string szEnv = "XDG_CONFIG_HOME=" + dir.File("config") + " XDG_CACHE_HOME=" + dir.File("cache") + " ";
-        return testsupport::RunCommand(szEnv + SONITRA_CLI_PATH " " + szArgs + " 2>&1", pOut);
-    }
     // Width, height and the brightest row of column x between rows y0 and y1.
     bool ReadPng(const std::string& szPng, int x, int y0, int y1, int& w, int& h, int& y)
     {
@@ -59,7 +54,6 @@ protected:
         std::istringstream(szOut) >> w >> h >> y;
         return true;
     }
-    testsupport::TempDir dir;
 };
 
 } // namespace

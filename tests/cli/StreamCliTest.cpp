@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/TestSupport.h"
+#include "support/CliTest.h"
 
 using testsupport::ReadFileBytes;
 using testsupport::RunCommand;
@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kLimitKb = 64;
 
-class StreamCli : public ::testing::Test
+class StreamCli : public testsupport::CliTest
 {
 protected:
     void SetUp() override
@@ -30,15 +30,8 @@ protected:
     // Runs the tool under the file size limit; returns its exit status, with what it said in *pLog.
     int LimitedCli(const std::string& szArgs, std::string* pLog)
     {
-        return RunCommand("XDG_CONFIG_HOME='" + dir.File("config") + "' XDG_CACHE_HOME='" + dir.File("cache") +
-                              "' bash -c 'trap \"\" XFSZ; ulimit -f " + std::to_string(kLimitKb) +
+        return RunCommand(szEnv + "bash -c 'trap \"\" XFSZ; ulimit -f " + std::to_string(kLimitKb) +
                               "; exec \"$0\" \"$@\"' '" SONITRA_CLI_PATH "' " + szArgs + " 2>&1 </dev/null",
-                          pLog);
-    }
-    int Cli(const std::string& szArgs, std::string* pLog = nullptr)
-    {
-        return RunCommand("XDG_CONFIG_HOME='" + dir.File("config") + "' XDG_CACHE_HOME='" + dir.File("cache") + "' '" +
-                              SONITRA_CLI_PATH "' " + szArgs + " 2>&1 </dev/null",
                           pLog);
     }
     std::vector<std::string> FilesInOut() const
@@ -49,7 +42,6 @@ protected:
         return v;
     }
 
-    TempDir dir;
     const std::vector<uint8_t> vOld = std::vector<uint8_t>(3000, 'o');
 };
 

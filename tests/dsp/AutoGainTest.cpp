@@ -6,18 +6,11 @@
 
 #include "core/LFixed.h"
 #include "core/LMemorySound.h"
+#include "dsp/EffectTestUtil.h"
 #include "dsp/LDPAutoGain.h"
 #include "support/TestSupport.h"
 
 namespace {
-
-double RmsDb(const std::vector<int32_t>& v, size_t nFrom, size_t nTo)
-{
-    double f = 0;
-    for (size_t i = nFrom; i < nTo; ++i)
-        f += static_cast<double>(v[i]) * v[i];
-    return 10 * std::log10(f / static_cast<double>(nTo - nFrom) / (static_cast<double>(kFullScale16) * kFullScale16));
-}
 
 size_t FilesIn(const std::string& szFolder)
 {
@@ -74,8 +67,8 @@ TEST(AutoGain, TwoPassesThroughATemporaryFileLevelTheAudio)
         std::vector<int32_t> vOut(v.size() + 200, 7);
         pOut->Read(vOut.data(), nFrames + 100);
         EXPECT_EQ(pOut->GetPosition(), nFrames + 100);
-        EXPECT_NEAR(RmsDb(vOut, 2000, 2 * 6000), -30.0 + 12.0, 0.2);
-        EXPECT_NEAR(RmsDb(vOut, 2 * 26000, 2 * 32000), -12.0, 0.2);
+        EXPECT_NEAR(efftest::RmsDb(vOut, 2000, 2 * 6000, kFullScale16), -30.0 + 12.0, 0.2);
+        EXPECT_NEAR(efftest::RmsDb(vOut, 2 * 26000, 2 * 32000, kFullScale16), -12.0, 0.2);
         EXPECT_EQ(vOut[2 * nFrames + 10], 0);
 
         pOut->SetPosition(30000);

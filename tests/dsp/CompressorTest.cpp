@@ -8,19 +8,10 @@
 #include "core/LFixed.h"
 #include "core/LMemorySound.h"
 #include "dsp/CompressorRatioList.h"
+#include "dsp/EffectTestUtil.h"
 #include "dsp/LSRCCompressor.h"
 
 namespace {
-
-std::vector<int32_t> Noise(size_t nSamples, int32_t nPeak, unsigned nSeed = 3)
-{
-    std::mt19937 rng(nSeed);
-    std::uniform_int_distribution<int32_t> dist(-nPeak, nPeak);
-    std::vector<int32_t> v(nSamples);
-    for (int32_t& s : v)
-        s = dist(rng);
-    return v;
-}
 
 std::vector<int32_t> Compress(const std::vector<int32_t>& vIn, uint8_t nChans, int32_t nThreshold, int32_t nRatio,
                               int32_t nLimit = 127)
@@ -106,9 +97,9 @@ TEST(Compressor, BlockTimeBecomesFramesWithinLimits)
 
 TEST(Compressor, OneToOnePassesUnchangedAndTheLimitAloneChangesNothing)
 {
-    const std::vector<int32_t> v = Noise(2 * 30000, 0x1FFFFF);
+    const std::vector<int32_t> v = efftest::Noise(2 * 30000, 0x1FFFFF, 3);
     EXPECT_EQ(Compress(v, 2, -20, 0), v);
-    std::vector<int32_t> vQuietThenLoud = Noise(2 * 30000, 0x1FFFFF);
+    std::vector<int32_t> vQuietThenLoud = efftest::Noise(2 * 30000, 0x1FFFFF, 3);
     for (size_t i = 0; i < 20000; ++i)
         vQuietThenLoud[i] >>= 6;
     // The loudest block stays far below 100 dB: a limit there or at 127 is the same.
@@ -145,7 +136,7 @@ TEST(Compressor, PrimingAndBlockChangesSetTheSlopes)
 
 TEST(Compressor, MonoStereoAndManyChannelsAgree)
 {
-    const std::vector<int32_t> vMono = Noise(20000, 0x1FFFFF, 9);
+    const std::vector<int32_t> vMono = efftest::Noise(20000, 0x1FFFFF, 9);
     std::vector<int32_t> vStereo, vQuad;
     for (int32_t s : vMono) {
         vStereo.insert(vStereo.end(), {s, s});
@@ -165,7 +156,7 @@ TEST(Compressor, MonoStereoAndManyChannelsAgree)
 
 TEST(Compressor, SeekPrimesAgainAndALatchedInputGivesSilence)
 {
-    const std::vector<int32_t> v = Noise(2 * 20000, 0x1FFFFF, 5);
+    const std::vector<int32_t> v = efftest::Noise(2 * 20000, 0x1FFFFF, 5);
     LSoundSourcePtr pSrc(new LSRCMemory(v, 44100, 2, 0x200000));
     LSoundSourcePtr pComp(new LSRCCompressor(pSrc.Get(), -25, LCompressorRatio(4).fFactorPerDb, 45, 127));
     std::vector<int32_t> vOut(2 * 5000);

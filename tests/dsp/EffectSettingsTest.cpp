@@ -39,36 +39,34 @@ TEST_F(EffectSettings, EmptyStoreGivesTheDefaults)
 
 TEST_F(EffectSettings, AcceptanceKeepsItsAsymmetries)
 {
-    std::string sz;
-    EXPECT_TRUE(Accepts("EchoTime", 2999));
-    EXPECT_FALSE(Accepts("EchoTime", 3000, &sz));
-    EXPECT_EQ(sz, "Echo time must be between 10 and 3000ms. Please try again.");
-    EXPECT_TRUE(Accepts("EchoTime", 10));
-    EXPECT_FALSE(Accepts("EchoTime", 9));
-    EXPECT_TRUE(Accepts("ReverbTime", 50));
-    EXPECT_TRUE(Accepts("ReverbTime", 1000));
-    EXPECT_FALSE(Accepts("ReverbTime", 49, &sz));
-    EXPECT_EQ(sz, "Reverb time must be between 50 and 1000. Please try again.");
-    EXPECT_FALSE(Accepts("ReverbTime", 1001));
-    EXPECT_FALSE(Accepts("EchoGain", 100, &sz));
-    EXPECT_EQ(sz, "Echo Gain must be less than 100%. Please try again.");
-    EXPECT_TRUE(Accepts("ReverbLevel", 100));
-    EXPECT_FALSE(Accepts("ReverbLevel", 101, &sz));
-    EXPECT_EQ(sz, "Reverb level must be less than 100. Please try again.");
-    EXPECT_TRUE(Accepts("AmplifyGain", 400));
-    EXPECT_FALSE(Accepts("AmplifyGain", 401, &sz));
-    EXPECT_EQ(sz, "Amplify Gain must be less than 400%. Please try again.");
-    EXPECT_FALSE(Accepts("NormalizePeakLevel", 101, &sz));
-    EXPECT_EQ(sz, "Normailze Peak Level must be less than 100%. Please try again.");
-    EXPECT_FALSE(Accepts("PasteMixVolume", 101, &sz));
-    EXPECT_EQ(sz, "Mix Volume must be less than 100%. Please try again.");
-    EXPECT_FALSE(Accepts("SpSpeedPitch", 301, &sz));
-    EXPECT_EQ(sz, "Speed Change Percent must be less than 300.");
-    EXPECT_TRUE(Accepts("ConvertSampleRate", 6000));
-    EXPECT_TRUE(Accepts("ConvertSampleRate", 96000));
-    EXPECT_FALSE(Accepts("ConvertSampleRate", 5999, &sz));
-    EXPECT_EQ(sz, "Sample rates must be between 6000 and 96000 samples per second.");
-    EXPECT_FALSE(Accepts("ConvertSampleRate", 96001));
+    // Each limit as accepted and refused, with the message of the refusal ("" when not checked).
+    const struct
+    {
+        const char* szKey;
+        int32_t nIn, nOut;
+        const char* szMessage;
+    } aLimits[] = {
+        {"EchoTime", 2999, 3000, "Echo time must be between 10 and 3000ms. Please try again."},
+        {"EchoTime", 10, 9, ""},
+        {"ReverbTime", 50, 49, "Reverb time must be between 50 and 1000. Please try again."},
+        {"ReverbTime", 1000, 1001, ""},
+        {"EchoGain", 99, 100, "Echo Gain must be less than 100%. Please try again."},
+        {"ReverbLevel", 100, 101, "Reverb level must be less than 100. Please try again."},
+        {"AmplifyGain", 400, 401, "Amplify Gain must be less than 400%. Please try again."},
+        {"NormalizePeakLevel", 100, 101, "Normailze Peak Level must be less than 100%. Please try again."},
+        {"PasteMixVolume", 100, 101, "Mix Volume must be less than 100%. Please try again."},
+        {"SpSpeedPitch", 300, 301, "Speed Change Percent must be less than 300."},
+        {"ConvertSampleRate", 6000, 5999, "Sample rates must be between 6000 and 96000 samples per second."},
+        {"ConvertSampleRate", 96000, 96001, ""},
+    };
+    for (const auto& k : aLimits) {
+        SCOPED_TRACE(std::string(k.szKey) + " " + std::to_string(k.nIn) + "/" + std::to_string(k.nOut));
+        std::string sz;
+        EXPECT_TRUE(Accepts(k.szKey, k.nIn));
+        EXPECT_FALSE(Accepts(k.szKey, k.nOut, &sz));
+        if (*k.szMessage)
+            EXPECT_EQ(sz, k.szMessage);
+    }
 }
 
 TEST_F(EffectSettings, RefusedValueIsNotStored)

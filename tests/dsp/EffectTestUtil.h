@@ -1,6 +1,7 @@
 // Shared helpers of the effect tests: signals, and reading a whole source in odd-sized blocks.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <random>
 #include <vector>
@@ -24,6 +25,15 @@ inline std::vector<int32_t> Impulse(size_t nSamples, size_t nAt, int32_t nValue)
     std::vector<int32_t> v(nSamples, 0);
     v[nAt] = nValue;
     return v;
+}
+
+// The mean square of v[nFrom, nTo) in decibels against a full scale of fFullScale.
+inline double RmsDb(const std::vector<int32_t>& v, size_t nFrom, size_t nTo, double fFullScale = 1.0)
+{
+    double f = 0;
+    for (size_t i = nFrom; i < nTo; ++i)
+        f += static_cast<double>(v[i]) * v[i];
+    return 10 * std::log10(f / static_cast<double>(nTo - nFrom) / (fFullScale * fFullScale) + 1e-30);
 }
 
 // Reads nFrames frames in blocks of varying size, so block edges land everywhere.

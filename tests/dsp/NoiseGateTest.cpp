@@ -5,18 +5,13 @@
 #include <vector>
 
 #include "core/LMemorySound.h"
+#include "dsp/EffectTestUtil.h"
 #include "dsp/LDecibelTable.h"
 #include "dsp/LSRCNoiseGates.h"
 
 namespace {
 
-double RmsDb(const std::vector<int32_t>& v, size_t nFrom, size_t nTo)
-{
-    double f = 0;
-    for (size_t i = nFrom; i < nTo; ++i)
-        f += static_cast<double>(v[i]) * v[i];
-    return 10 * std::log10(f / static_cast<double>(nTo - nFrom) + 1e-9);
-}
+using efftest::RmsDb;
 
 // One second of hiss at about -60 dB of 16-bit full scale with a 1 kHz burst from 0.4 to 0.6 s.
 std::vector<int32_t> HissWithBurst()

@@ -37,14 +37,6 @@ double CrossingHz(const std::vector<int32_t>& v, int nChans, int nRate, size_t n
     return nCount > 1 ? (nCount - 1) * nRate / (fLast - fFirst) : 0.0;
 }
 
-double RmsDb(const std::vector<int32_t>& v, size_t nFrom, size_t nTo)
-{
-    double f = 0;
-    for (size_t i = nFrom; i < nTo; ++i)
-        f += static_cast<double>(v[i]) * v[i];
-    return 10.0 * std::log10(f / static_cast<double>(nTo - nFrom) / (kFullScale * kFullScale));
-}
-
 LSpectrum Analyse(const std::vector<int32_t>& v, int nRate, int nChans, int32_t nSize)
 {
     LSRCMemory src(v, nRate, static_cast<uint8_t>(nChans));
@@ -66,7 +58,7 @@ TEST(ToneGenerator, SineHasItsFrequencyAndLevel)
     ASSERT_EQ(v.size(), 48000u);
     EXPECT_NEAR(CrossingHz(v, 2, 48000, 0, 24000), 997.0, 997.0 * 0.001);
     // A sine's mean power is half its peak squared.
-    EXPECT_NEAR(RmsDb(v, 0, v.size()) + 10.0 * std::log10(2.0), -12.0, 0.1);
+    EXPECT_NEAR(efftest::RmsDb(v, 0, v.size(), kFullScale) + 10.0 * std::log10(2.0), -12.0, 0.1);
     for (size_t i = 0; i < v.size(); i += 2)
         ASSERT_EQ(v[i], v[i + 1]);
 }

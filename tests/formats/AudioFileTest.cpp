@@ -12,6 +12,7 @@
 #include "formats/LAudioFile.h"
 #include "formats/LAudioFormat.h"
 #include "support/TestSupport.h"
+#include "tests/formats/SaveProcess.h"
 #include "tests/formats/WavBytes.h"
 #include "work/LProgressDialog.h"
 
@@ -39,23 +40,6 @@ struct CancellingFactory : LProgressHostFactory
         bool Pump() override { return nLeft-- > 0; }
     };
     std::unique_ptr<LProgressHost> Create() override { return std::make_unique<Host>(); }
-};
-
-struct SaveProcess : LProgressDialog
-{
-    SaveProcess(LSoundSourceBase* pSrc, std::string szPath, const std::string& szEncoding = "", uint8_t nChans = 0)
-        : LProgressDialog("Saving"), pSource(pSrc), szPath(szPath), encoding(LAudioEncoding::Named(szEncoding)),
-          nChans(nChans ? nChans : pSrc->GetChannels())
-    {
-    }
-    int32_t Process() override
-    {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, 11025, nChans, encoding, &szError);
-    }
-    LSoundSourcePtr pSource;
-    std::string szPath, szError;
-    LAudioEncoding encoding;
-    uint8_t nChans;
 };
 
 LSoundSourcePtr Ramp(int nFrames, uint8_t nChans)

@@ -84,10 +84,7 @@ inline std::vector<int16_t> FromBytes(const std::string& sz)
     return v;
 }
 
-inline std::string Quote(const std::string& s)
-{
-    return "'" + s + "'";
-}
+using testsupport::Quote;
 
 // The tools' decodings to 16-bit, undithered; empty when the tool fails.
 inline std::vector<int16_t> SoxDecode(const std::string& szPath)

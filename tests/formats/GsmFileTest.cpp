@@ -10,6 +10,7 @@
 #include "formats/LGSMFileSource.h"
 #include "formats/LGSMFrame.h"
 #include "tests/formats/GsmSignals.h"
+#include "tests/formats/SaveProcess.h"
 #include "work/LProgressDialog.h"
 
 using namespace gsmsignals;
@@ -54,22 +55,6 @@ Bytes Frames(const Samples& vIn)
         codec.EncodeNormal(v.data() + 160 * f, vOut.data() + 33 * f);
     return vOut;
 }
-
-struct SaveProcess : LProgressDialog
-{
-    SaveProcess(LSoundSourceBase* pSrc, std::string szPath, int32_t nRate, uint8_t nChans)
-        : LProgressDialog("Saving"), pSource(pSrc), szPath(std::move(szPath)), nRate(nRate), nChans(nChans)
-    {
-    }
-    int32_t Process() override
-    {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, nRate, nChans, LAudioEncoding(), &szError);
-    }
-    LSoundSourcePtr pSource;
-    std::string szPath, szError;
-    int32_t nRate;
-    uint8_t nChans;
-};
 
 } // namespace
 
@@ -244,7 +229,7 @@ TEST(GsmFormat, SavingConvertsToEightKilohertzMonoAndOpeningSinksRefusesOtherSha
         v[2 * i] = vLeft[i] * 16;
         v[2 * i + 1] = -vLeft[i] * 16;
     }
-    SaveProcess save(new LSRCMemory(v, 22050, 2), dir.File("s.gsm"), 22050, 2);
+    SaveProcess save(new LSRCMemory(v, 22050, 2), dir.File("s.gsm"));
     ASSERT_EQ(save.Run(), 0) << save.szError;
     LSoundSourcePtr p = LAudioFile::OpenSource(dir.File("s.gsm"));
     ASSERT_FALSE(p->IsError());

@@ -12,6 +12,7 @@
 #include "support/DocSupport.h"
 #include "tests/formats/CodecFiles.h"
 #include "tests/formats/Mp3Support.h"
+#include "tests/formats/SaveProcess.h"
 #include "tests/formats/WavBytes.h"
 #include "work/LProgressDialog.h"
 
@@ -50,17 +51,6 @@ uintmax_t BytesIn(const std::string& szFolder)
         n += e.is_regular_file() ? e.file_size() : 0;
     return n;
 }
-
-struct SaveRange : LProgressDialog
-{
-    SaveRange(LSoundSourceBase* pSrc, std::string szPath) : LProgressDialog("Saving"), pSource(pSrc), szPath(szPath) {}
-    int32_t Process() override
-    {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, kRate, 1, LAudioEncoding(), &szError);
-    }
-    LSoundSourcePtr pSource;
-    std::string szPath, szError;
-};
 
 } // namespace
 
@@ -101,7 +91,7 @@ TEST(LyingHeader, LoadingStoresOnlyWhatIsThereAndTheRestAsOneSilentCut)
     // Played or saved across the real end: the samples, then silence.
     LSoundSourcePtr pRange = pDoc->OpenSource(kRealFrames - 100, kRealFrames + 900);
     const std::string szOut = dir.File("range.wav");
-    SaveRange save(pRange.Get(), szOut);
+    SaveProcess save(pRange.Get(), szOut);
     ASSERT_EQ(save.Run(), 0) << save.szError;
     LSoundSourcePtr pSaved = LAudioFile::OpenSource(szOut);
     ASSERT_EQ(pSaved->GetLength(), 1000);

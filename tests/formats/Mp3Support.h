@@ -18,10 +18,7 @@
 
 namespace mp3test {
 
-inline std::string Quote(const std::string& s)
-{
-    return "'" + s + "'";
-}
+using testsupport::Quote;
 
 // Music-like test audio: two drifting tones, noise and a click every quarter second (which
 // makes the encoder switch to short blocks).
@@ -88,6 +85,24 @@ inline std::vector<int16_t> DecodeAll(LMP3Source& src, int32_t nMaxFrames = 1 <<
         const int32_t n = std::min<int32_t>(4099, src.GetLength() - sFrom);
         for (int32_t i = 0; i < n * src.GetChannels(); ++i)
             v.push_back(static_cast<int16_t>(std::clamp((vBlock[i] + 8) >> 4, -32768, 32767)));
+    }
+    return v;
+}
+
+// A source that learns its length only as it reads (a decoding program, an estimate), read to
+// that end in blocks of nBlock frames, as 16-bit values.
+inline std::vector<int16_t> ReadToEnd(LSoundSourceBase& src, int32_t nBlock = 4096)
+{
+    std::vector<int16_t> v;
+    std::vector<int32_t> vBlock(static_cast<size_t>(nBlock) * src.GetChannels());
+    for (int nGuard = 0; src.GetPosition() < src.GetLength() && nGuard < 100000; ++nGuard) {
+        const int32_t sFrom = src.GetPosition();
+        const int32_t nAsked = std::min<int32_t>(nBlock, src.GetLength() - sFrom);
+        src.Read(vBlock.data(), nAsked);
+        // Reading may move the length either way.
+        const int32_t n = std::min<int32_t>(nAsked, src.GetLength() - sFrom);
+        for (int32_t i = 0; i < n * src.GetChannels(); ++i)
+            v.push_back(static_cast<int16_t>(vBlock[static_cast<size_t>(i)] >> 4));
     }
     return v;
 }

@@ -153,22 +153,6 @@ std::vector<int16_t> Decode(const std::string& szPath, int32_t* pLength = nullpt
     return DecodeAll(src);
 }
 
-// A source that may learn its length only at the end (a decoding program), read to that end, in
-// 16-bit values.
-std::vector<int16_t> ReadToTheEnd(LSoundSourceBase& src)
-{
-    std::vector<int16_t> vOut;
-    std::vector<int32_t> v(4096 * 2);
-    while (src.GetPosition() < src.GetLength()) {
-        const int32_t sFrom = src.GetPosition();
-        src.Read(v.data(), 4096);
-        const int32_t n = std::min(4096, src.GetLength() - sFrom);
-        for (int32_t i = 0; i < n * src.GetChannels(); ++i)
-            vOut.push_back(static_cast<int16_t>(v[static_cast<size_t>(i)] >> 4));
-    }
-    return vOut;
-}
-
 } // namespace
 
 TEST(Mp3Tags, TaggedLameFilesDecodeToExactlyWhatTheEncoderWasGiven)
@@ -311,7 +295,7 @@ TEST_F(Mp3OtherLayers, LayerTwoDecodesWithinOneStepOfTheReferenceOrIsRefusedByNa
         LSoundSourcePtr p = LAudioFile::OpenSource(dir.File(szName), &szError, &details);
         ASSERT_FALSE(p->IsError()) << szError;
         EXPECT_EQ(p->GetSampleRate(), 48000);
-        const std::vector<int16_t> vOurs = ReadToTheEnd(*p);
+        const std::vector<int16_t> vOurs = ReadToEnd(*p);
         EXPECT_EQ(vOurs.size(), vRef.size());
         EXPECT_LE(Compare(vOurs, vRef).nMaxDiff, 1);
     }
@@ -345,7 +329,7 @@ TEST_F(Mp3OtherLayers, LayerOneAndFreeFormatNeverOpenAsNoise)
         if (p->IsError()) {
             EXPECT_NE(szError.find("Layer I,"), std::string::npos) << szError;
         } else {
-            const std::vector<int16_t> v = ReadToTheEnd(*p);
+            const std::vector<int16_t> v = ReadToEnd(*p);
             EXPECT_EQ(v, std::vector<int16_t>(300 * 384, 0));
         }
         szError.clear();
@@ -355,7 +339,7 @@ TEST_F(Mp3OtherLayers, LayerOneAndFreeFormatNeverOpenAsNoise)
         } else {
             // Decoded whole, never a chance pattern's few frames.
             const size_t nRef = ReadFileBytes(szConformance + "l3-he_free.pcm").size() / 2;
-            EXPECT_GE(ReadToTheEnd(*p).size(), nRef);
+            EXPECT_GE(ReadToEnd(*p).size(), nRef);
         }
     }
 }

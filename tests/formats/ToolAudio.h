@@ -11,7 +11,7 @@
 
 namespace toolaudio {
 
-inline std::string Quote(const std::string& s) { return "'" + s + "'"; }
+using testsupport::Quote;
 
 inline std::vector<int16_t> Samples16LE(const std::vector<uint8_t>& v)
 {

@@ -14,6 +14,7 @@
 #include "formats/LSRCVOX.h"
 #include "formats/LVoxRawSettings.h"
 #include "support/TestSupport.h"
+#include "tests/formats/SaveProcess.h"
 #include "tests/formats/ToolAudio.h"
 #include "work/LProgressDialog.h"
 
@@ -52,23 +53,6 @@ protected:
 
     TempDir dir;
     LVoxRawSettings saved;
-};
-
-struct SaveProcess : LProgressDialog
-{
-    SaveProcess(LSoundSourceBase* pSrc, std::string szPath, int32_t nRate, uint8_t nChans, LAudioEncoding enc)
-        : LProgressDialog("Saving"), pSource(pSrc), szPath(szPath), nRate(nRate), nChans(nChans), encoding(enc)
-    {
-    }
-    int32_t Process() override
-    {
-        return LAudioFile::Save(*this, "Saving", pSource.Get(), szPath, nRate, nChans, encoding, &szError);
-    }
-    LSoundSourcePtr pSource;
-    std::string szPath, szError;
-    int32_t nRate;
-    uint8_t nChans;
-    LAudioEncoding encoding;
 };
 
 double SnrDb(const std::vector<double>& vRef, const std::vector<double>& vTest)
@@ -311,7 +295,7 @@ TEST_F(Headerless, PcmAndG711LayoutsRoundTripBitForBitWithSox)
         }
 
         // Written back through the door in the layout it was read in: the same bytes.
-        SaveProcess save(p.Get(), szOurs, 11025, 2, details.encoding);
+        SaveProcess save(p.Get(), szOurs, details.encoding);
         p->SetPosition(0);
         ASSERT_EQ(save.Run(), LProgressDialog::ResultDone) << save.szError;
         EXPECT_EQ(ReadFileBytes(szOurs), ReadFileBytes(szTheirs));
@@ -343,14 +327,14 @@ TEST_F(Headerless, ReaderLimitsAndTheSavedLayout)
     // A ".vox" is written at the stored rate in one channel, a ".raw" in the stored channels.
     Use(RawPcm16LE, 16000, 2);
     std::vector<int32_t> v(8000 * 2, 160);
-    SaveProcess vox(new LSRCMemory(v, 8000, 2), dir.File("out.vox"), 8000, 2, LAudioEncoding());
+    SaveProcess vox(new LSRCMemory(v, 8000, 2), dir.File("out.vox"));
     ASSERT_EQ(vox.Run(), LProgressDialog::ResultDone) << vox.szError;
     EXPECT_EQ(ReadFileBytes(dir.File("out.vox")).size(), 16000u * 2);
-    SaveProcess raw(new LSRCMemory(v, 8000, 2), dir.File("out.raw"), 8000, 2, LAudioEncoding::Named("s8"));
+    SaveProcess raw(new LSRCMemory(v, 8000, 2), dir.File("out.raw"), "s8");
     ASSERT_EQ(raw.Run(), LProgressDialog::ResultDone) << raw.szError;
     EXPECT_EQ(ReadFileBytes(dir.File("out.raw")).size(), 16000u * 2);
     Use(RawDialogicAdpcm, 8000, 2);
-    SaveProcess adpcm(new LSRCMemory(v, 8000, 2), dir.File("adpcm.raw"), 8000, 2, LAudioEncoding());
+    SaveProcess adpcm(new LSRCMemory(v, 8000, 2), dir.File("adpcm.raw"));
     ASSERT_EQ(adpcm.Run(), LProgressDialog::ResultDone) << adpcm.szError;
     EXPECT_EQ(ReadFileBytes(dir.File("adpcm.raw")).size(), 4000u);
 }

@@ -46,6 +46,31 @@ bool HaveTool(const std::string& szName)
     return RunCommand("command -v " + szName + " >/dev/null 2>&1") == 0;
 }
 
+std::string Quote(const std::string& s)
+{
+    return "'" + s + "'";
+}
+
+int RunCli(const std::string& szArgs, std::string* pOutput, const std::string& szEnv)
+{
+    std::string szOut;
+    const int nExit = RunCommand(szEnv + Quote(SONITRA_CLI_PATH) + " " + szArgs + " 2>&1 </dev/null", &szOut);
+    if (pOutput)
+        *pOutput = szOut;
+    return nExit;
+}
+
+std::string PrivateHomes(const TempDir& dir)
+{
+    return "XDG_CONFIG_HOME=" + Quote(dir.File("config")) + " XDG_CACHE_HOME=" + Quote(dir.File("cache")) + " ";
+}
+
+std::string ReadText(const std::string& szPath)
+{
+    const std::vector<uint8_t> v = ReadFileBytes(szPath);
+    return std::string(v.begin(), v.end());
+}
+
 std::vector<uint8_t> ReadFileBytes(const std::string& szPath)
 {
     std::ifstream in(szPath, std::ios::binary);
@@ -105,11 +130,19 @@ std::vector<int32_t> Sine16(int nRate, int nChans, int nFrames, double fHz, doub
     return v;
 }
 
-std::vector<int16_t> ReadWavSamples16(const std::string& szPath)
+std::vector<int16_t> ReadWavSamples16(const std::string& szPath, WavLayout* pLayout)
 {
     const std::vector<uint8_t> v = ReadFileBytes(szPath);
+    auto Le = [&](size_t i, int nBytes) {
+        uint32_t n = 0;
+        for (int k = nBytes - 1; k >= 0; --k)
+            n = n << 8 | v[i + k];
+        return n;
+    };
     for (size_t i = 12; i + 8 <= v.size();) {
-        const uint32_t nSize = v[i + 4] | v[i + 5] << 8 | v[i + 6] << 16 | static_cast<uint32_t>(v[i + 7]) << 24;
+        const uint32_t nSize = Le(i + 4, 4);
+        if (pLayout && std::memcmp(&v[i], "fmt ", 4) == 0 && i + 24 <= v.size())
+            *pLayout = {static_cast<int>(Le(i + 12, 4)), static_cast<int>(Le(i + 10, 2)), static_cast<int>(Le(i + 22, 2))};
         if (std::memcmp(&v[i], "data", 4) == 0) {
             std::vector<int16_t> vOut;
             for (size_t k = i + 8; k + 1 < std::min<size_t>(v.size(), i + 8 + nSize); k += 2)
