@@ -90,6 +90,89 @@ void WriteOverview(const std::string& szPath, int64_t nRecords)
     }
     std::ofstream(szPath, std::ios::binary).write(reinterpret_cast<const char*>(v.data()), static_cast<std::streamsize>(v.size()));
 }
+
+// One segment of three hours (the samples as a sparse file, the overview written out to szGrf)
+// in an edited document: twenty short cuts removed along the way.
+LCutListAudioPtr MakeEditedDocument(std::string& szGrf)
+{
+    LAudioCutTank& tank = LAudioCutTank::Instance();
+    const uint16_t nRef = tank.GetNewRefAndIncRef();
+    {
+        std::ofstream(tank.GetAudFilePath(nRef), std::ios::binary);
+        std::filesystem::resize_file(tank.GetAudFilePath(nRef), static_cast<uintmax_t>(kLength) * kChans * 4);
+    }
+    const int64_t nRecords = (static_cast<int64_t>(kLength) + 255) / 256;
+    szGrf = tank.GetGrfFilePath(nRef);
+    WriteOverview(szGrf, nRecords);
+    LCutListAudioPtr pDoc(new LCutListAudio(kRate, kChans));
+    pDoc->AppendCut(LAudioCut::Adopt(nRef, kLength, kGainUnity, 0));
+    for (int i = 20; i >= 1; --i)
+        pDoc->EfDelete(i * (kLength / 21), i * (kLength / 21) + kRate / 2);
+    return pDoc;
+}
+
+struct Figures
+{
+    double fFull = 1e9;
+    double fCatFull = 0;
+    double fScroll = 1e9;
+    double fCatHalf = 0;
+};
+
+// Full zoom-out: every overview byte of the document. Alternating lengths force a full redraw.
+// False when the picture is not the wave.
+bool MeasureFullView(LEdWaveWindow& w, int32_t sLength, const std::string& szGrf, Figures& fig)
+{
+    for (int i = 0; i < kRuns; ++i)
+        fig.fFull = std::min(fig.fFull, DrawMs(w, 0, sLength - (i & 1)));
+    fig.fCatFull = CatMs(szGrf);
+    // A picture of silence would be quick for the wrong reason: every column must show the wave.
+    std::vector<uint8_t> vTop, vBottom;
+    w.CopyColumns(vTop, vBottom);
+    const auto nDrawn = std::count_if(vTop.begin(), vTop.end(), [](uint8_t n) { return n >= 120; });
+    if (nDrawn != kColumns) {
+        std::fprintf(stderr, "only %ld of %d columns drawn\n", static_cast<long>(nDrawn), kColumns);
+        return false;
+    }
+    return true;
+}
+
+// The overview bytes of nBytes of records from nFrom written to a file of their own.
+void CopyOverviewBytes(const std::string& szGrf, const std::string& szOut, int64_t nFrom, int64_t nBytes)
+{
+    std::ifstream in(szGrf, std::ios::binary);
+    std::vector<char> v(static_cast<size_t>(nBytes));
+    in.seekg(nFrom);
+    in.read(v.data(), nBytes);
+    std::ofstream(szOut, std::ios::binary).write(v.data(), nBytes);
+}
+
+// A view of an eighth of the document, scrolled by half its width back and forth, beside `cat`
+// of the records under half the view (written to szHalf).
+void MeasureScroll(LEdWaveWindow& w, int32_t sLength, const std::string& szGrf, const std::string& szHalf,
+                   Figures& fig)
+{
+    const int32_t sView = sLength / 8;
+    const int32_t sHome = sLength / 4;
+    DrawMs(w, sHome, sView);
+    for (int i = 0; i < kRuns; ++i)
+        fig.fScroll = std::min(fig.fScroll, DrawMs(w, (i & 1) ? sHome : sHome + sView / 2, sView));
+    CopyOverviewBytes(szGrf, szHalf, (static_cast<int64_t>(sHome) + sView) / 256 * kChans * 2,
+                      static_cast<int64_t>(sView / 2) / 256 * kChans * 2);
+    fig.fCatHalf = CatMs(szHalf);
+}
+
+void PrintFigures(const Figures& fig, size_t nCuts, const std::string& szGrf, const std::string& szHalf)
+{
+    const double fMb = static_cast<double>(std::filesystem::file_size(szGrf)) / 1e6;
+    std::printf("waveform of a 3-hour stereo document (%zu cuts), %d columns, best of %d:\n", nCuts, kColumns, kRuns);
+    std::printf("  full zoom-out   %8.2f ms   cat of the same %.2f MB overview %8.2f ms   ratio %.2f (goal <= 3)\n",
+                fig.fFull, fMb, fig.fCatFull, fig.fFull / fig.fCatFull);
+    std::printf("  scroll by half  %8.2f ms   cat of the same %.2f MB overview %8.2f ms   ratio %.2f\n", fig.fScroll,
+                static_cast<double>(std::filesystem::file_size(szHalf)) / 1e6, fig.fCatHalf,
+                fig.fScroll / fig.fCatHalf);
+    std::printf("  scroll / full   %8.3f (goal: a small fraction)\n", fig.fScroll / fig.fFull);
+}
 } // namespace
 
 int main(int argc, char** argv)
@@ -101,22 +184,8 @@ int main(int argc, char** argv)
     poster.Install();
     const std::string szFolder = std::filesystem::temp_directory_path().string() + "/sonitra-bench-" + std::to_string(getpid());
     LSettings::SetString("Folders", "WorkingFolder", szFolder);
-    LAudioCutTank& tank = LAudioCutTank::Instance();
-
-    // One segment of three hours: the samples as a sparse file, the overview written out.
-    const uint16_t nRef = tank.GetNewRefAndIncRef();
-    {
-        std::ofstream(tank.GetAudFilePath(nRef), std::ios::binary);
-        std::filesystem::resize_file(tank.GetAudFilePath(nRef), static_cast<uintmax_t>(kLength) * kChans * 4);
-    }
-    const int64_t nRecords = (static_cast<int64_t>(kLength) + 255) / 256;
-    const std::string szGrf = tank.GetGrfFilePath(nRef);
-    WriteOverview(szGrf, nRecords);
-    LCutListAudioPtr pDoc(new LCutListAudio(kRate, kChans));
-    pDoc->AppendCut(LAudioCut::Adopt(nRef, kLength, kGainUnity, 0));
-    // An edited document: twenty short cuts removed along the way.
-    for (int i = 20; i >= 1; --i)
-        pDoc->EfDelete(i * (kLength / 21), i * (kLength / 21) + kRate / 2);
+    std::string szGrf;
+    LCutListAudioPtr pDoc = MakeEditedDocument(szGrf);
     const int32_t sLength = pDoc->GetLength();
 
     LEdWaveWindow w(nullptr, 90);
@@ -126,48 +195,12 @@ int main(int argc, char** argv)
     w.SetContent(LWaveContentOf(*pDoc));
     QCoreApplication::processEvents();
 
-    // Full zoom-out: every overview byte of the document. Alternating lengths force a full redraw.
-    double fFull = 1e9;
-    for (int i = 0; i < kRuns; ++i)
-        fFull = std::min(fFull, DrawMs(w, 0, sLength - (i & 1)));
-    const double fCatFull = CatMs(szGrf);
-    // A picture of silence would be quick for the wrong reason: every column must show the wave.
-    std::vector<uint8_t> vTop, vBottom;
-    w.CopyColumns(vTop, vBottom);
-    const auto nDrawn = std::count_if(vTop.begin(), vTop.end(), [](uint8_t n) { return n >= 120; });
-    if (nDrawn != kColumns) {
-        std::fprintf(stderr, "only %ld of %d columns drawn\n", static_cast<long>(nDrawn), kColumns);
+    Figures fig;
+    if (!MeasureFullView(w, sLength, szGrf, fig))
         return 1;
-    }
-
-    // A view of an eighth of the document, scrolled by half its width back and forth.
-    const int32_t sView = sLength / 8;
-    const int32_t sHome = sLength / 4;
-    DrawMs(w, sHome, sView);
-    double fScroll = 1e9;
-    for (int i = 0; i < kRuns; ++i)
-        fScroll = std::min(fScroll, DrawMs(w, (i & 1) ? sHome : sHome + sView / 2, sView));
-    // The same overview bytes: the records under half the view.
     const std::string szHalf = szFolder + "/half.grf";
-    {
-        std::ifstream in(szGrf, std::ios::binary);
-        const int64_t nFrom = (static_cast<int64_t>(sHome) + sView) / 256 * kChans * 2;
-        const int64_t nBytes = static_cast<int64_t>(sView / 2) / 256 * kChans * 2;
-        std::vector<char> v(static_cast<size_t>(nBytes));
-        in.seekg(nFrom);
-        in.read(v.data(), nBytes);
-        std::ofstream(szHalf, std::ios::binary).write(v.data(), nBytes);
-    }
-    const double fCatHalf = CatMs(szHalf);
-
-    const double fMb = static_cast<double>(std::filesystem::file_size(szGrf)) / 1e6;
-    std::printf("waveform of a 3-hour stereo document (%zu cuts), %d columns, best of %d:\n", pDoc->GetCutCount(),
-                kColumns, kRuns);
-    std::printf("  full zoom-out   %8.2f ms   cat of the same %.2f MB overview %8.2f ms   ratio %.2f (goal <= 3)\n",
-                fFull, fMb, fCatFull, fFull / fCatFull);
-    std::printf("  scroll by half  %8.2f ms   cat of the same %.2f MB overview %8.2f ms   ratio %.2f\n", fScroll,
-                static_cast<double>(std::filesystem::file_size(szHalf)) / 1e6, fCatHalf, fScroll / fCatHalf);
-    std::printf("  scroll / full   %8.3f (goal: a small fraction)\n", fScroll / fFull);
+    MeasureScroll(w, sLength, szGrf, szHalf, fig);
+    PrintFigures(fig, pDoc->GetCutCount(), szGrf, szHalf);
     w.Stop();
     std::filesystem::remove(szHalf);
     return 0;

@@ -211,11 +211,10 @@ struct Worker
     std::vector<bool> vReported;
 };
 
-// Spreads the files over worker processes, every nJobs-th file to the same worker. False when cancelled.
-bool RunInWorkers(const Request& req, std::vector<LBatchResult>& vResults, LFilesBar& bar)
+// Deals the files with an output out to the workers, every nJobs-th file to the same one; a file
+// without an output is reported failed here.
+void DealFiles(const Request& req, std::vector<LBatchResult>& vResults, LFilesBar& bar, std::vector<Worker>& vWorkers)
 {
-    const size_t nWorkers = std::min<size_t>(static_cast<size_t>(req.nJobs), req.vFiles.size());
-    std::vector<Worker> vWorkers(nWorkers);
     std::vector<std::string> vWhy;
     const std::vector<std::string> vOutputs = EdBatchConverter::OutputPathsFor(req.vFiles, req.output, vWhy);
     size_t nNext = 0;
@@ -229,24 +228,53 @@ bool RunInWorkers(const Request& req, std::vector<LBatchResult>& vResults, LFile
             continue;
         }
         vResults[i].szError = "not converted: the worker process ended early";
-        vWorkers[nNext++ % nWorkers].vIndex.push_back(i);
+        vWorkers[nNext++ % vWorkers.size()].vIndex.push_back(i);
     }
-    for (Worker& w : vWorkers) {
-        if (w.vIndex.empty())
-            continue;
-        std::vector<std::string> vArgv = {SelfPath(), "batch", req.szScript, "--to", req.output.szExtension, "--jobs", "1", "--worker"};
-        if (!req.output.szFolder.empty()) {
-            vArgv.push_back("--out");
-            vArgv.push_back(req.output.szFolder);
-        }
+}
+
+// Runs this program as a worker on w's files; when it cannot start, its files say why.
+void StartWorker(const Request& req, Worker& w, std::vector<LBatchResult>& vResults)
+{
+    std::vector<std::string> vArgv = {SelfPath(), "batch", req.szScript, "--to", req.output.szExtension, "--jobs", "1", "--worker"};
+    if (!req.output.szFolder.empty()) {
+        vArgv.push_back("--out");
+        vArgv.push_back(req.output.szFolder);
+    }
+    for (size_t i : w.vIndex)
+        vArgv.push_back(req.vFiles[i]);
+    w.vReported.assign(w.vIndex.size(), false);
+    std::string szError;
+    if (!w.child.Start(vArgv, LChildProcess::PipeOut, &szError))
         for (size_t i : w.vIndex)
-            vArgv.push_back(req.vFiles[i]);
-        w.vReported.assign(w.vIndex.size(), false);
-        std::string szError;
-        if (!w.child.Start(vArgv, LChildProcess::PipeOut, &szError))
-            for (size_t i : w.vIndex)
-                vResults[i].szError = "no worker process: " + szError;
+            vResults[i].szError = "no worker process: " + szError;
+}
+
+// Takes a worker's "ok\tN" and "fail\tN\tWHY" lines (N counts its own files) into the results;
+// anything else, and a file reported twice, is passed over.
+void TakeWorkerLines(Worker& w, std::vector<LBatchResult>& vResults, LFilesBar& bar)
+{
+    std::vector<std::string> vLines;
+    w.child.ReadLines(vLines);
+    for (const std::string& szLine : vLines) {
+        const bool bOk = szLine.rfind("ok\t", 0) == 0;
+        if (!bOk && szLine.rfind("fail\t", 0) != 0)
+            continue;
+        const size_t nFrom = bOk ? 3 : 5;
+        const size_t nTab = szLine.find('\t', nFrom);
+        const size_t nLocal = std::strtoul(szLine.c_str() + nFrom, nullptr, 10);
+        if (nLocal >= w.vIndex.size() || w.vReported[nLocal])
+            continue;
+        w.vReported[nLocal] = true;
+        LBatchResult& r = vResults[w.vIndex[nLocal]];
+        r.bOk = bOk;
+        r.szError = bOk || nTab == std::string::npos ? "" : szLine.substr(nTab + 1);
+        bar.FileDone(bOk);
     }
+}
+
+// Reads the workers' reports until every one has closed its output.
+void WatchWorkers(std::vector<Worker>& vWorkers, std::vector<LBatchResult>& vResults, LFilesBar& bar)
+{
     for (;;) {
         std::vector<pollfd> vPoll;
         std::vector<Worker*> vOf;
@@ -259,28 +287,22 @@ bool RunInWorkers(const Request& req, std::vector<LBatchResult>& vResults, LFile
             break;
         if (::poll(vPoll.data(), vPoll.size(), 250) <= 0)
             continue;
-        for (size_t k = 0; k < vPoll.size(); ++k) {
-            if (!vPoll[k].revents)
-                continue;
-            std::vector<std::string> vLines;
-            vOf[k]->child.ReadLines(vLines);
-            for (const std::string& szLine : vLines) {
-                const bool bOk = szLine.rfind("ok\t", 0) == 0;
-                if (!bOk && szLine.rfind("fail\t", 0) != 0)
-                    continue;
-                const size_t nFrom = bOk ? 3 : 5;
-                const size_t nTab = szLine.find('\t', nFrom);
-                const size_t nLocal = std::strtoul(szLine.c_str() + nFrom, nullptr, 10);
-                if (nLocal >= vOf[k]->vIndex.size() || vOf[k]->vReported[nLocal])
-                    continue;
-                vOf[k]->vReported[nLocal] = true;
-                LBatchResult& r = vResults[vOf[k]->vIndex[nLocal]];
-                r.bOk = bOk;
-                r.szError = bOk || nTab == std::string::npos ? "" : szLine.substr(nTab + 1);
-                bar.FileDone(bOk);
-            }
-        }
+        for (size_t k = 0; k < vPoll.size(); ++k)
+            if (vPoll[k].revents)
+                TakeWorkerLines(*vOf[k], vResults, bar);
     }
+}
+
+// Spreads the files over worker processes, every nJobs-th file to the same worker. False when cancelled.
+bool RunInWorkers(const Request& req, std::vector<LBatchResult>& vResults, LFilesBar& bar)
+{
+    const size_t nWorkers = std::min<size_t>(static_cast<size_t>(req.nJobs), req.vFiles.size());
+    std::vector<Worker> vWorkers(nWorkers);
+    DealFiles(req, vResults, bar, vWorkers);
+    for (Worker& w : vWorkers)
+        if (!w.vIndex.empty())
+            StartWorker(req, w, vResults);
+    WatchWorkers(vWorkers, vResults, bar);
     for (Worker& w : vWorkers)
         w.child.Wait(-1);
     return !LTerminalProgressHostFactory::InterruptRequested();

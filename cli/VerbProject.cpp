@@ -62,78 +62,114 @@ bool ParseMark(const std::string& szText, bool bRange, Mark& mark)
            LCliParseTime(szTime.substr(nDash + 1), mark.nEndMs) && mark.nEndMs > mark.nStartMs;
 }
 
-int RunNew(const std::vector<std::string>& vArgs)
+// What "new" was given: the project to write, the audio files and the marks on them.
+struct NewArgs
 {
+    std::string szOut;
     std::vector<std::string> vFiles;
-    std::vector<Mark> vBookmarks, vRegions;
+    std::vector<Mark> vBookmarks;
+    std::vector<Mark> vRegions;
+};
+
+// Sorts the arguments into files and marks; false after saying why.
+bool ParseNewArgs(const std::vector<std::string>& vArgs, NewArgs& args)
+{
     for (size_t i = 0; i < vArgs.size(); ++i) {
         const std::string& s = vArgs[i];
         if (s == "--bookmark" || s == "--region") {
             Mark mark;
             if (i + 1 >= vArgs.size() || !ParseMark(vArgs[i + 1], s == "--region", mark))
-                return Usage(s + " takes " + (s == "--region" ? "N@START-END=NAME" : "N@TIME=NAME")), CliUsage;
-            (s == "--region" ? vRegions : vBookmarks).push_back(mark);
+                return Usage(s + " takes " + (s == "--region" ? "N@START-END=NAME" : "N@TIME=NAME"));
+            (s == "--region" ? args.vRegions : args.vBookmarks).push_back(mark);
             ++i;
         } else if (s.size() > 1 && s[0] == '-') {
-            return Usage("unknown option '" + s + "'"), CliUsage;
+            return Usage("unknown option '" + s + "'");
         } else {
-            vFiles.push_back(s);
+            args.vFiles.push_back(s);
         }
     }
-    if (vFiles.size() < 2)
-        return Usage("new needs the project and at least one audio file"), CliUsage;
-    if (vFiles.size() > LEdProject::kMaxRecords + 1)
-        return Usage("a project holds at most 255 files"), CliUsage;
-    if (vBookmarks.size() > LEdProject::kMaxRecords || vRegions.size() > LEdProject::kMaxRecords)
-        return Usage("a project holds at most 255 bookmarks and 255 regions"), CliUsage;
-    const std::string szOut = vFiles.front();
-    vFiles.erase(vFiles.begin());
-    for (const Mark& m : vBookmarks)
-        if (m.nFile > static_cast<int32_t>(vFiles.size()))
-            return Usage("--bookmark names file " + std::to_string(m.nFile) + " of " + std::to_string(vFiles.size())), CliUsage;
-    for (const Mark& m : vRegions)
-        if (m.nFile > static_cast<int32_t>(vFiles.size()))
-            return Usage("--region names file " + std::to_string(m.nFile) + " of " + std::to_string(vFiles.size())), CliUsage;
+    return true;
+}
 
-    LEdProject project;
-    for (const std::string& szFile : vFiles) {
-        LAudioFileDetails details;
-        LSoundSourcePtr pSource = LCliOpenSound(szFile, &details);
-        if (!pSource)
-            return CliError;
-        LEdProjectFile f;
-        f.pDoc = new LCutListAudio;
-        LCutListAudioLoadSource load("Loading file " + LFile::FileNameOf(szFile), f.pDoc.Get(), pSource.Get());
-        const int32_t nResult = load.Run();
-        if (nResult != 0) {
-            LCliError(szFile + (nResult == 1 ? ": cancelled" : ": cannot be read"));
-            return nResult == 1 ? CliCancelled : CliError;
-        }
-        f.entry.SetPath(std::filesystem::absolute(szFile).lexically_normal().string());
-        f.entry.SetName(LFile::FileNameOf(szFile));
-        f.entry.SetEncoding(details.encoding.szName);
-        f.entry.nSampleRate = f.pDoc->GetSampleRate();
-        f.entry.nChans = f.pDoc->GetChannels();
-        f.entry.sViewEnd = f.pDoc->GetLength();
-        project.vFiles.push_back(std::move(f));
+// Takes the project off the front of the files and checks the counts and the marks' file numbers
+// against what a project holds; false after saying why.
+bool CheckNewArgs(NewArgs& args)
+{
+    std::vector<std::string>& vFiles = args.vFiles;
+    if (vFiles.size() < 2)
+        return Usage("new needs the project and at least one audio file");
+    if (vFiles.size() > LEdProject::kMaxRecords + 1)
+        return Usage("a project holds at most 255 files");
+    if (args.vBookmarks.size() > LEdProject::kMaxRecords || args.vRegions.size() > LEdProject::kMaxRecords)
+        return Usage("a project holds at most 255 bookmarks and 255 regions");
+    args.szOut = vFiles.front();
+    vFiles.erase(vFiles.begin());
+    for (const Mark& m : args.vBookmarks)
+        if (m.nFile > static_cast<int32_t>(vFiles.size()))
+            return Usage("--bookmark names file " + std::to_string(m.nFile) + " of " + std::to_string(vFiles.size()));
+    for (const Mark& m : args.vRegions)
+        if (m.nFile > static_cast<int32_t>(vFiles.size()))
+            return Usage("--region names file " + std::to_string(m.nFile) + " of " + std::to_string(vFiles.size()));
+    return true;
+}
+
+// Loads one audio file into a document of the project; CliDone, or the code after saying why.
+int AddProjectFile(LEdProject& project, const std::string& szFile)
+{
+    LAudioFileDetails details;
+    LSoundSourcePtr pSource = LCliOpenSound(szFile, &details);
+    if (!pSource)
+        return CliError;
+    LEdProjectFile f;
+    f.pDoc = new LCutListAudio;
+    LCutListAudioLoadSource load("Loading file " + LFile::FileNameOf(szFile), f.pDoc.Get(), pSource.Get());
+    const int32_t nResult = load.Run();
+    if (nResult != 0) {
+        LCliError(szFile + (nResult == 1 ? ": cancelled" : ": cannot be read"));
+        return nResult == 1 ? CliCancelled : CliError;
     }
-    project.nState = 0;
-    for (const Mark& m : vBookmarks) {
+    f.entry.SetPath(std::filesystem::absolute(szFile).lexically_normal().string());
+    f.entry.SetName(LFile::FileNameOf(szFile));
+    f.entry.SetEncoding(details.encoding.szName);
+    f.entry.nSampleRate = f.pDoc->GetSampleRate();
+    f.entry.nChans = f.pDoc->GetChannels();
+    f.entry.sViewEnd = f.pDoc->GetLength();
+    project.vFiles.push_back(std::move(f));
+    return CliDone;
+}
+
+// The bookmarks and regions, their times turned into samples at their file's rate.
+void AddProjectMarks(LEdProject& project, const NewArgs& args)
+{
+    for (const Mark& m : args.vBookmarks) {
         const LEdProjectFile& f = project.vFiles[m.nFile - 1];
         project.vBookmarks.emplace_back(m.szName, LEdProject::FileKey(f.entry),
                                         LSoundTime::MsToSamples(m.nStartMs, f.pDoc->GetSampleRate()));
     }
-    for (const Mark& m : vRegions) {
+    for (const Mark& m : args.vRegions) {
         const LEdProjectFile& f = project.vFiles[m.nFile - 1];
         const int32_t nRate = f.pDoc->GetSampleRate();
         project.vRegions.emplace_back(m.szName, LEdProject::FileKey(f.entry), *f.pDoc,
                                       LSoundTime::MsToSamples(m.nStartMs, nRate), LSoundTime::MsToSamples(m.nEndMs, nRate));
     }
-    LProjectSegments segments(LProjectSegments::NewFolderFor(szOut));
-    LEdSaveProject save(szOut, project, &segments);
+}
+
+int RunNew(const std::vector<std::string>& vArgs)
+{
+    NewArgs args;
+    if (!ParseNewArgs(vArgs, args) || !CheckNewArgs(args))
+        return CliUsage;
+    LEdProject project;
+    for (const std::string& szFile : args.vFiles)
+        if (const int nCode = AddProjectFile(project, szFile); nCode != CliDone)
+            return nCode;
+    project.nState = 0;
+    AddProjectMarks(project, args);
+    LProjectSegments segments(LProjectSegments::NewFolderFor(args.szOut));
+    LEdSaveProject save(args.szOut, project, &segments);
     const int32_t nResult = save.Run();
     if (nResult != 0) {
-        LCliError(szOut + ": " + (nResult == 1 ? std::string("cancelled") : save.GetError()));
+        LCliError(args.szOut + ": " + (nResult == 1 ? std::string("cancelled") : save.GetError()));
         return nResult == 1 ? CliCancelled : CliError;
     }
     return CliDone;

@@ -101,6 +101,115 @@ std::string TypeText(const uint8_t* pType)
     return sz;
 }
 
+// What the COMM chunk says.
+struct CommChunk
+{
+    bool bAifc = false;
+    uint16_t nChans = 0;
+    int32_t nBits = 0;
+    uint32_t nRate = 0;
+    uint8_t aType[4] = {'N', 'O', 'N', 'E'}; // a plain AIFF file sends no compression type
+};
+
+// The FORM header; false, with the reason, when the file is neither AIFF nor AIFF-C.
+bool ReadFormHeader(LFile& file, bool& bAifc, std::string& szReason)
+{
+    uint8_t form[kFormHeaderBytes];
+    if (file.Read(form, kFormHeaderBytes) != kFormHeaderBytes) {
+        LTRACE("AIFFOpenHeader unable to read the first 12 bytes so failed");
+        szReason = "not an AIFF file: shorter than its FORM header";
+        return false;
+    }
+    bAifc = SameId(form + 8, "AIFC");
+    if (!SameId(form, "FORM") || !(SameId(form + 8, "AIFF") || bAifc)) {
+        LTRACE("AIFFOpenHeader FORM header not found");
+        szReason = "not an AIFF file: no FORM AIFF header";
+        return false;
+    }
+    return true;
+}
+
+// Finds and reads the COMM chunk into c (whose bAifc is set); false, with the reason, when it is
+// missing, of the wrong size or cut short.
+bool ReadCommChunk(LFile& file, CommChunk& c, std::string& szReason)
+{
+    const int64_t nCommSize = AIFFFindChunk(file, "COMM");
+    if (nCommSize < 0) {
+        LTRACE("AIFFOpenHeader COMM header not found");
+        szReason = "not an AIFF file: no COMM chunk";
+        return false;
+    }
+    uint8_t comm[kCommBytesAifc] = {};
+    const int64_t nCommWanted = c.bAifc ? kCommBytesAifc : kCommBytes;
+    if (c.bAifc ? nCommSize < kCommBytesAifc : nCommSize != kCommBytes) {
+        LTRACE("AIFFOpenHeader COMM header does not contain 18 bytes");
+        szReason = "the AIFF file's COMM chunk is " + std::to_string(nCommSize) + " bytes, not " +
+                   (c.bAifc ? std::string("at least 22") : std::string("18"));
+        return false;
+    }
+    if (file.Read(comm, nCommWanted) != nCommWanted) {
+        LTRACE("AIFFOpenHeader COMM header does not contain 18 bytes");
+        szReason = "damaged AIFF file: it ends inside its COMM chunk";
+        return false;
+    }
+    c.nChans = GetBE16(comm);
+    c.nBits = GetBE16(comm + 6);
+    c.nRate = LAifFile::ExtendedToRate(comm + 8);
+    if (c.bAifc)
+        std::memcpy(c.aType, comm + 18, sizeof(c.aType));
+    return true;
+}
+
+// The headerless encoding the samples are read with; -1, with the reason, when the rate, the
+// channel count or the sample format is not one read here.
+int32_t SampleEncodingOf(const CommChunk& c, std::string& szReason)
+{
+    if (c.nRate < 1 || c.nRate > 196000) {
+        LTRACE("LAifFile::OpenSource sample rate out of range");
+        szReason = "the AIFF file's sample rate is out of range";
+        return -1;
+    }
+    if (c.nChans < 1 || c.nChans > 255) {
+        LTRACE("LAifFile::OpenSource bad channel count %u", static_cast<unsigned>(c.nChans));
+        szReason = "the AIFF file's channel count " + std::to_string(c.nChans) + " is out of range";
+        return -1;
+    }
+    const int32_t nRaw = RawEncodingOf(c.aType, c.nBits);
+    if (nRaw < 0) {
+        if (RawEncodingOf(c.aType, 16) >= 0) {
+            LTRACE("LAifFile::OpenSource Does not support %d bit samples", static_cast<int>(c.nBits));
+            szReason = "AIFF files of " + std::to_string(c.nBits) + "-bit samples are not supported";
+            return -1;
+        }
+        LTRACE("LAifFile::OpenSource unsupported compression %s", TypeText(c.aType).c_str());
+        szReason = "AIFF-C compression '" + TypeText(c.aType) + "' is not supported";
+    }
+    return nRaw;
+}
+
+// Leaves the file at the first sample of the SSND chunk and gives the bytes of samples; false,
+// with the reason, when there is no such chunk or its offset lies beyond it.
+bool SeekSamples(LFile& file, int64_t& nDataBytes, std::string& szReason)
+{
+    const int64_t nSsndSize = AIFFFindChunk(file, "SSND");
+    uint8_t ssnd[8];
+    if (nSsndSize < 8 || file.Read(ssnd, 8) != 8) {
+        LTRACE("AIFFOpenHeader SSND header not found");
+        szReason = "not an AIFF file: no SSND chunk";
+        return false;
+    }
+    // The offset puts the first sample further in (block-aligned data).
+    const int64_t nOffset = GetBE32(ssnd);
+    nDataBytes = nSsndSize - 8 - nOffset;
+    const int64_t nHere = file.Tell();
+    if (nDataBytes < 0 || nHere < 0 || file.Seek(nHere + nOffset) != nHere + nOffset) {
+        LTRACE("LAifFile::OpenSource SSND offset beyond the chunk");
+        szReason = "the AIFF file's SSND offset lies beyond its data";
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 void LAifFile::RateToExtended(uint32_t nRate, uint8_t (&aExt)[10])
@@ -140,73 +249,21 @@ LSoundSourcePtr LAifFile::OpenSource(const std::string& szFileName, std::string*
         LTRACE("LAifFile::OpenSource unable to open the file");
         return Fail(pszError, "cannot open the file");
     }
-    uint8_t form[kFormHeaderBytes];
-    if (file.Read(form, kFormHeaderBytes) != kFormHeaderBytes) {
-        LTRACE("AIFFOpenHeader unable to read the first 12 bytes so failed");
-        return Fail(pszError, "not an AIFF file: shorter than its FORM header");
-    }
-    const bool bAifc = SameId(form + 8, "AIFC");
-    if (!SameId(form, "FORM") || !(SameId(form + 8, "AIFF") || bAifc)) {
-        LTRACE("AIFFOpenHeader FORM header not found");
-        return Fail(pszError, "not an AIFF file: no FORM AIFF header");
-    }
-    const int64_t nCommSize = AIFFFindChunk(file, "COMM");
-    if (nCommSize < 0) {
-        LTRACE("AIFFOpenHeader COMM header not found");
-        return Fail(pszError, "not an AIFF file: no COMM chunk");
-    }
-    uint8_t comm[kCommBytesAifc] = {};
-    const int64_t nCommWanted = bAifc ? kCommBytesAifc : kCommBytes;
-    if (bAifc ? nCommSize < kCommBytesAifc : nCommSize != kCommBytes) {
-        LTRACE("AIFFOpenHeader COMM header does not contain 18 bytes");
-        return Fail(pszError, "the AIFF file's COMM chunk is " + std::to_string(nCommSize) + " bytes, not " +
-                                  (bAifc ? std::string("at least 22") : std::string("18")));
-    }
-    if (file.Read(comm, nCommWanted) != nCommWanted) {
-        LTRACE("AIFFOpenHeader COMM header does not contain 18 bytes");
-        return Fail(pszError, "damaged AIFF file: it ends inside its COMM chunk");
-    }
-    const uint16_t nChans = GetBE16(comm);
-    const int32_t nBits = GetBE16(comm + 6);
-    const uint32_t nRate = ExtendedToRate(comm + 8);
-    const uint8_t* pType = bAifc ? comm + 18 : reinterpret_cast<const uint8_t*>("NONE");
+    std::string szReason;
+    CommChunk comm;
+    if (!ReadFormHeader(file, comm.bAifc, szReason) || !ReadCommChunk(file, comm, szReason))
+        return Fail(pszError, szReason);
     if (pInfo) {
-        pInfo->bAifc = bAifc;
-        pInfo->szCompression = TypeText(pType);
-        pInfo->nSampleBits = nBits;
+        pInfo->bAifc = comm.bAifc;
+        pInfo->szCompression = TypeText(comm.aType);
+        pInfo->nSampleBits = comm.nBits;
     }
-    if (nRate < 1 || nRate > 196000) {
-        LTRACE("LAifFile::OpenSource sample rate out of range");
-        return Fail(pszError, "the AIFF file's sample rate is out of range");
-    }
-    if (nChans < 1 || nChans > 255) {
-        LTRACE("LAifFile::OpenSource bad channel count %u", static_cast<unsigned>(nChans));
-        return Fail(pszError, "the AIFF file's channel count " + std::to_string(nChans) + " is out of range");
-    }
-    const int32_t nRaw = RawEncodingOf(pType, nBits);
-    if (nRaw < 0) {
-        if (RawEncodingOf(pType, 16) >= 0) {
-            LTRACE("LAifFile::OpenSource Does not support %d bit samples", static_cast<int>(nBits));
-            return Fail(pszError, "AIFF files of " + std::to_string(nBits) + "-bit samples are not supported");
-        }
-        LTRACE("LAifFile::OpenSource unsupported compression %s", TypeText(pType).c_str());
-        return Fail(pszError, "AIFF-C compression '" + TypeText(pType) + "' is not supported");
-    }
-    const int64_t nSsndSize = AIFFFindChunk(file, "SSND");
-    uint8_t ssnd[8];
-    if (nSsndSize < 8 || file.Read(ssnd, 8) != 8) {
-        LTRACE("AIFFOpenHeader SSND header not found");
-        return Fail(pszError, "not an AIFF file: no SSND chunk");
-    }
-    // The offset puts the first sample further in (block-aligned data).
-    const int64_t nOffset = GetBE32(ssnd);
-    const int64_t nDataBytes = nSsndSize - 8 - nOffset;
-    const int64_t nHere = file.Tell();
-    if (nDataBytes < 0 || nHere < 0 || file.Seek(nHere + nOffset) != nHere + nOffset) {
-        LTRACE("LAifFile::OpenSource SSND offset beyond the chunk");
-        return Fail(pszError, "the AIFF file's SSND offset lies beyond its data");
-    }
-    return LMakeRawSource(nRaw, std::move(file), static_cast<int32_t>(nRate), nDataBytes, static_cast<uint8_t>(nChans));
+    const int32_t nRaw = SampleEncodingOf(comm, szReason);
+    int64_t nDataBytes = 0;
+    if (nRaw < 0 || !SeekSamples(file, nDataBytes, szReason))
+        return Fail(pszError, szReason);
+    return LMakeRawSource(nRaw, std::move(file), static_cast<int32_t>(comm.nRate), nDataBytes,
+                          static_cast<uint8_t>(comm.nChans));
 }
 
 bool WriteHeaderAIFF(LFile& file, uint8_t nChans, int32_t nSampleRate, int32_t nSampleBits, int64_t nDataBytes)

@@ -76,7 +76,7 @@ bool LSRCPipeDecoder::Skip(uint32_t nBytes)
     return true;
 }
 
-bool LSRCPipeDecoder::ReadHeader()
+bool LSRCPipeDecoder::ReadRiffHead()
 {
     uint8_t head[12];
     if (pChild->ReadFull(head, 12, nIdleLimitMs) != 12 || (std::memcmp(head, "RIFF", 4) && std::memcmp(head, "RF64", 4)) ||
@@ -85,6 +85,39 @@ bool LSRCPipeDecoder::ReadHeader()
         Fail(szError.empty() ? szWhat + " sent no sound" : szError);
         return false;
     }
+    return true;
+}
+
+bool LSRCPipeDecoder::ReadFormat(uint32_t nSize)
+{
+    uint8_t fmt[4096];
+    if (pChild->ReadFull(fmt, nSize + (nSize & 1), nIdleLimitMs) != nSize + (nSize & 1)) {
+        Fail(szWhat + " sent a stream cut short");
+        return false;
+    }
+    uint16_t wTag = Get16(fmt);
+    if (wTag == 0xFFFE && nSize >= 26)
+        wTag = Get16(fmt + 24);
+    const uint16_t nChannels = Get16(fmt + 2);
+    const uint32_t nRate = Get32(fmt + 4);
+    nBits = Get16(fmt + 14);
+    nFloat = wTag == 3;
+    const bool bPcm = (wTag == 1 && (nBits == 8 || nBits == 16 || nBits == 24 || nBits == 32)) ||
+                      (nFloat && nBits == 32);
+    if (!bPcm || nChannels < 1 || nChannels > 255 || nRate < 1 || nRate > 196000) {
+        Fail(szWhat + " sent sound in a form Sonitra does not read");
+        return false;
+    }
+    SetSampleRate(static_cast<int32_t>(nRate));
+    SetChannels(static_cast<uint8_t>(nChannels));
+    nFrameBytes = nChannels * nBits / 8;
+    return true;
+}
+
+bool LSRCPipeDecoder::ReadHeader()
+{
+    if (!ReadRiffHead())
+        return false;
     bool bFormat = false;
     // Chunks ahead of the sound are skipped, but only so many: a stream is not a header.
     uint64_t nHeaderBytes = 12;
@@ -107,27 +140,8 @@ bool LSRCPipeDecoder::ReadHeader()
             return true;
         }
         if (!std::memcmp(chunk, "fmt ", 4) && nSize >= 16 && nSize <= 4096) {
-            uint8_t fmt[4096];
-            if (pChild->ReadFull(fmt, nSize + (nSize & 1), nIdleLimitMs) != nSize + (nSize & 1)) {
-                Fail(szWhat + " sent a stream cut short");
+            if (!ReadFormat(nSize))
                 return false;
-            }
-            uint16_t wTag = Get16(fmt);
-            if (wTag == 0xFFFE && nSize >= 26)
-                wTag = Get16(fmt + 24);
-            const uint16_t nChannels = Get16(fmt + 2);
-            const uint32_t nRate = Get32(fmt + 4);
-            nBits = Get16(fmt + 14);
-            nFloat = wTag == 3;
-            const bool bPcm = (wTag == 1 && (nBits == 8 || nBits == 16 || nBits == 24 || nBits == 32)) ||
-                              (nFloat && nBits == 32);
-            if (!bPcm || nChannels < 1 || nChannels > 255 || nRate < 1 || nRate > 196000) {
-                Fail(szWhat + " sent sound in a form Sonitra does not read");
-                return false;
-            }
-            SetSampleRate(static_cast<int32_t>(nRate));
-            SetChannels(static_cast<uint8_t>(nChannels));
-            nFrameBytes = nChannels * nBits / 8;
             bFormat = true;
             continue;
         }

@@ -34,6 +34,10 @@ public:
 
 private:
     bool ReadHeader();
+    // The parts of ReadHeader: "RIFF"/"RF64" ... "WAVE", and a "fmt " chunk of nSize bytes. False
+    // after failing the source.
+    bool ReadRiffHead();
+    bool ReadFormat(uint32_t nSize);
     bool Skip(uint32_t nBytes);
     void Convert(const uint8_t* pBytes, int32_t* pOut, size_t nSamples) const;
     void Finish();

@@ -89,52 +89,94 @@ LEdProject::ReadResult LEdProject::Read(LByteReader& in, const LCutListSerial::R
         return damaged("empty file");
     if (nVersion != kVersion)
         return ReadBadVersion;
+    std::string szWhy;
     if (fnStage)
         fnStage(pStageArg, StageFiles);
-    uint8_t nFiles = 0;
-    if (!in.U8(nFiles))
-        return damaged("no file count");
-    for (unsigned i = 0; i < nFiles; ++i) {
-        LEdProjectFile f;
-        f.pDoc = new LCutListAudio;
-        std::string szWhy;
-        if (!f.entry.Read(in))
-            return damaged("file entry cut short");
-        if (const char* szBad = TakeAudioFolder(f.entry.GetAudioFolder()))
-            return damaged(szBad);
-        if (!LCutListSerial::Read(in, *f.pDoc, mapRef, &szWhy))
-            return damaged(szWhy);
-        vFiles.push_back(std::move(f));
-    }
-    if (!in.U8(nState))
-        return damaged("no state");
+    if (!ReadFiles(in, mapRef, szWhy))
+        return damaged(szWhy);
     if (fnStage)
         fnStage(pStageArg, StageBookmarks);
-    uint8_t nBookmarks = 0;
-    if (!in.U8(nBookmarks))
-        return damaged("no bookmark count");
-    for (unsigned i = 0; i < nBookmarks; ++i) {
-        LEdBookMark b;
-        if (!b.Read(in))
-            return damaged("bookmark " + std::to_string(i + 1) + " cut short");
-        vBookmarks.push_back(b);
-    }
+    if (!ReadBookmarks(in, szWhy))
+        return damaged(szWhy);
     if (fnStage)
         fnStage(pStageArg, StageRegions);
-    uint8_t nRegions = 0;
-    if (!in.U8(nRegions))
-        return damaged("no region count");
-    for (unsigned i = 0; i < nRegions; ++i) {
-        LEdRegion r;
-        std::string szWhy;
-        if (!r.Read(in))
-            return damaged("region cut short");
-        if (!LCutListSerial::Read(in, *r.pDoc, mapRef, &szWhy))
-            return damaged(szWhy);
-        vRegions.push_back(std::move(r));
-    }
+    if (!ReadRegions(in, mapRef, szWhy))
+        return damaged(szWhy);
     // Bytes after the last region mean the counts do not describe this file.
     if (in.Remaining() != 0)
         return damaged(std::to_string(in.Remaining()) + " bytes after the last region");
     return ReadDone;
+}
+
+bool LEdProject::ReadFiles(LByteReader& in, const LCutListSerial::RefIn& mapRef, std::string& szWhy)
+{
+    uint8_t nFiles = 0;
+    if (!in.U8(nFiles)) {
+        szWhy = "no file count";
+        return false;
+    }
+    for (unsigned i = 0; i < nFiles; ++i) {
+        LEdProjectFile f;
+        f.pDoc = new LCutListAudio;
+        std::string szDocWhy;
+        if (!f.entry.Read(in)) {
+            szWhy = "file entry cut short";
+            return false;
+        }
+        if (const char* szBad = TakeAudioFolder(f.entry.GetAudioFolder())) {
+            szWhy = szBad;
+            return false;
+        }
+        if (!LCutListSerial::Read(in, *f.pDoc, mapRef, &szDocWhy)) {
+            szWhy = szDocWhy;
+            return false;
+        }
+        vFiles.push_back(std::move(f));
+    }
+    if (!in.U8(nState)) {
+        szWhy = "no state";
+        return false;
+    }
+    return true;
+}
+
+bool LEdProject::ReadBookmarks(LByteReader& in, std::string& szWhy)
+{
+    uint8_t nBookmarks = 0;
+    if (!in.U8(nBookmarks)) {
+        szWhy = "no bookmark count";
+        return false;
+    }
+    for (unsigned i = 0; i < nBookmarks; ++i) {
+        LEdBookMark b;
+        if (!b.Read(in)) {
+            szWhy = "bookmark " + std::to_string(i + 1) + " cut short";
+            return false;
+        }
+        vBookmarks.push_back(b);
+    }
+    return true;
+}
+
+bool LEdProject::ReadRegions(LByteReader& in, const LCutListSerial::RefIn& mapRef, std::string& szWhy)
+{
+    uint8_t nRegions = 0;
+    if (!in.U8(nRegions)) {
+        szWhy = "no region count";
+        return false;
+    }
+    for (unsigned i = 0; i < nRegions; ++i) {
+        LEdRegion r;
+        std::string szDocWhy;
+        if (!r.Read(in)) {
+            szWhy = "region cut short";
+            return false;
+        }
+        if (!LCutListSerial::Read(in, *r.pDoc, mapRef, &szDocWhy)) {
+            szWhy = szDocWhy;
+            return false;
+        }
+        vRegions.push_back(std::move(r));
+    }
+    return true;
 }

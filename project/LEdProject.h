@@ -70,6 +70,10 @@ public:
 private:
     // Notes the folder an entry records; the reason when it is not one the project can use.
     const char* TakeAudioFolder(const std::string& szFolder);
+    // The parts of Read; false with the reason the file is damaged.
+    bool ReadFiles(LByteReader& in, const LCutListSerial::RefIn& mapRef, std::string& szWhy);
+    bool ReadBookmarks(LByteReader& in, std::string& szWhy);
+    bool ReadRegions(LByteReader& in, const LCutListSerial::RefIn& mapRef, std::string& szWhy);
 
 public:
     std::vector<LEdProjectFile> vFiles;

@@ -33,6 +33,19 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
 {
     setObjectName("LEdFileWindow");
     setAttribute(Qt::WA_DeleteOnClose, false);
+    MakeWaveViews();
+    MakeControlRow();
+    ConnectControls();
+    const int32_t sLength = pFile->GetDocument().GetLength();
+    if (pFile->GetViewEnd() <= pFile->GetViewStart())
+        pFile->SetView(0, sLength);
+    pOverview->Start();
+    pDetail->Start();
+    Refresh();
+}
+
+void LEdFileWindow::MakeWaveViews()
+{
     pOverview = new LEdWaveWindow(this, IdOverview);
     pDetail = new LEdWaveWindow(this, IdDetail);
     // Sized by LayoutChildren alone, down to nothing: a minimum would push them over the controls.
@@ -42,6 +55,10 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pScroll->setObjectName("scroll");
     pScroll->setRange(0, LEdViewMath::kScrollRange);
     pScroll->setPageStep(10);
+}
+
+void LEdFileWindow::MakeControlRow()
+{
     pControlRow = new QWidget(this);
     pControlRow->setObjectName("ControlRow");
     pVZoom = new QCheckBox(tr("Vertical Zoom"), pControlRow);
@@ -62,6 +79,11 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     pButtons->addSpacing(12);
     pButtons->addWidget(pSpectro);
     pButtons->addStretch();
+    AddZoomButtons(pButtons);
+}
+
+void LEdFileWindow::AddZoomButtons(QHBoxLayout* pButtons)
+{
     struct ZoomButton
     {
         const char* szText;
@@ -83,8 +105,10 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
         connect(pButton, &QToolButton::clicked, this, [this, pfn] { (this->*pfn)(); });
         pButtons->addWidget(pButton);
     }
+}
 
-
+void LEdFileWindow::ConnectControls()
+{
     pAutoScrollTimer = new QTimer(this);
     pAutoScrollTimer->setInterval(kAutoScrollMs);
     connect(pAutoScrollTimer, &QTimer::timeout, this, &LEdFileWindow::OnAutoScroll);
@@ -96,13 +120,6 @@ LEdFileWindow::LEdFileWindow(std::unique_ptr<LEdFile> pNewFile, const std::strin
     connect(pLeftRight, &QRadioButton::clicked, this, [this] { SetDisplayMode(1); });
     connect(pDetail, &LEdWaveWindow::Pointed, this, &LEdFileWindow::OnPointed);
     connect(pOverview, &LEdWaveWindow::Pointed, this, &LEdFileWindow::OnPointed);
-
-    const int32_t sLength = pFile->GetDocument().GetLength();
-    if (pFile->GetViewEnd() <= pFile->GetViewStart())
-        pFile->SetView(0, sLength);
-    pOverview->Start();
-    pDetail->Start();
-    Refresh();
 }
 
 void LEdFileWindow::MakeSpectrogramToggle()

@@ -16,6 +16,7 @@
 class LEdFile;
 class LEdWaveWindow;
 class QCheckBox;
+class QHBoxLayout;
 class QRadioButton;
 class QScrollBar;
 class QTimer;
@@ -101,7 +102,11 @@ private:
     void OnOverviewNotify(int nCode);
     void OnAutoScroll();
     void OnPointed(const QString& szWhat);
+    void MakeWaveViews();
+    void MakeControlRow();
     void MakeSpectrogramToggle();
+    void AddZoomButtons(QHBoxLayout* pButtons);
+    void ConnectControls();
     void OnScrollAction(int nAction);
     void PushSelectionAndCursor();
     void UpdateThumb();

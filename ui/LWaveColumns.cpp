@@ -138,6 +138,102 @@ uint8_t ScaleByte(uint8_t n, int32_t nFactor)
 {
     return nFactor == 256 ? n : static_cast<uint8_t>(std::min<int32_t>((n * nFactor) >> 8, 255));
 }
+
+constexpr int64_t kChunkRecords = 16384;
+constexpr int64_t kOverviewFrames = LWaveColumnMaker::kOverviewFrames;
+
+// What every cut of one overview pass shares.
+struct OverviewPass
+{
+    const LWaveGeometry& geo;
+    int x0;
+    int x1;
+    int nChans;
+    bool bLeftRight;
+    bool bVZoom;
+    uint8_t* pTop;
+    uint8_t* pBottom;
+    const LSignalObject* pStop;
+};
+
+// The column one cut's records are folded into. Record k of the segment starts at document
+// position nBase + 256 k; a record counts in the column where it starts (the first one where the
+// cut's view begins).
+struct OverviewColumn
+{
+    const OverviewPass& pass;
+    int64_t nBase;
+    int64_t kEnd; // past the cut's last record in view
+    int32_t nFactor;
+    int x = 0;
+    int64_t kColumnEnd = 0;
+    uint8_t nUp = 0;
+    uint8_t nDown = 0;
+
+    int64_t FirstRecordFrom(int64_t sPos) const { return (sPos - nBase + kOverviewFrames - 1) / kOverviewFrames; }
+    int64_t EndOfColumn() const
+    {
+        return x < pass.x1 - 1 ? FirstRecordFrom(pass.geo.SampleOfColumn(x + 1)) : kEnd;
+    }
+    // The column that holds document position p0.
+    void StartAt(int64_t p0)
+    {
+        const LWaveGeometry& geo = pass.geo;
+        x = std::clamp(geo.ColumnOfSample(static_cast<int32_t>(p0)), pass.x0, pass.x1 - 1);
+        while (x > pass.x0 && geo.SampleOfColumn(x) > p0)
+            --x;
+        while (x < pass.x1 - 1 && geo.SampleOfColumn(x + 1) <= p0)
+            ++x;
+        kColumnEnd = EndOfColumn();
+    }
+    void Flush()
+    {
+        pass.pTop[x] = std::max(pass.pTop[x], ScaleByte(nUp, nFactor));
+        pass.pBottom[x] = std::max(pass.pBottom[x], ScaleByte(nDown, nFactor));
+        nUp = nDown = 0;
+    }
+    // Records k..kChunkEnd-1, read into pRec; moves on to the next column at each column's end.
+    void FoldChunk(const uint8_t* pRec, int64_t& k, int64_t kChunkEnd)
+    {
+        const int nRecord = 2 * pass.nChans;
+        while (k < kChunkEnd) {
+            const int64_t n = std::min(kColumnEnd, kChunkEnd) - k;
+            if (n > 0) {
+                FoldRecords(pRec, n, pass.nChans, pass.bLeftRight, nUp, nDown);
+                pRec += n * nRecord;
+                k += n;
+            }
+            if (k >= kColumnEnd && x < pass.x1 - 1) {
+                Flush();
+                ++x;
+                kColumnEnd = EndOfColumn();
+            }
+        }
+    }
+};
+
+// Folds the records of the cut starting at document position c that lie in p0..p1-1 into the
+// pass's columns. False when stopped.
+bool FoldCutOverview(const OverviewPass& pass, LFile& grf, const LWaveCut& cut, int64_t c, int64_t p0, int64_t p1,
+                     std::vector<uint8_t>& vBytes)
+{
+    const int nRecord = 2 * pass.nChans;
+    int64_t k = (cut.sOffset + (p0 - c)) / kOverviewFrames;
+    OverviewColumn col{pass, c - cut.sOffset, (cut.sOffset + (p1 - c) + kOverviewFrames - 1) / kOverviewFrames,
+                       LWaveColumnMaker::OverviewFactor(cut.nGain, pass.bVZoom)};
+    col.StartAt(p0);
+    grf.Seek(k * nRecord);
+    while (k < col.kEnd) {
+        const int64_t nGot = grf.Read(vBytes.data(), std::min(col.kEnd - k, kChunkRecords) * nRecord) / nRecord;
+        if (nGot <= 0)
+            break;
+        col.FoldChunk(vBytes.data(), k, k + nGot);
+        if (Stopped(pass.pStop))
+            return false;
+    }
+    col.Flush();
+    return true;
+}
 } // namespace
 
 bool LWaveColumnMaker::FromOverview(const LWaveContent& content, const LWaveGeometry& geo, int x0, int x1,
@@ -150,9 +246,8 @@ bool LWaveColumnMaker::FromOverview(const LWaveContent& content, const LWaveGeom
     std::fill(pBottom + x0, pBottom + x1, 0);
     const int nChans = std::max<int>(content.nChans, 1);
     const bool bLeftRight = nMode == WaveModeLeftRight && nChans == 2;
-    const int nRecord = 2 * nChans;
-    constexpr int64_t kChunkRecords = 16384;
-    vBytes.resize(static_cast<size_t>(nRecord * kChunkRecords));
+    const OverviewPass pass{geo, x0, x1, nChans, bLeftRight, bVZoom, pTop, pBottom, pStop};
+    vBytes.resize(static_cast<size_t>(2 * nChans * kChunkRecords));
 
     const int64_t sFirst = geo.SampleOfColumn(x0);
     const int64_t sLast = geo.SampleOfColumn(x1);
@@ -171,51 +266,8 @@ bool LWaveColumnMaker::FromOverview(const LWaveContent& content, const LWaveGeom
             c = cEnd; // no overview: the cut draws as silence
             continue;
         }
-        const int64_t p0 = std::max(c, sFirst);
-        const int64_t p1 = std::min(cEnd, sLast);
-        // Record k of the segment starts at document position c - offset + 256 k; a record
-        // counts in the column where it starts (the first one where the cut's view begins).
-        const int64_t nBase = c - cut.sOffset;
-        int64_t k = (cut.sOffset + (p0 - c)) / kOverviewFrames;
-        const int64_t kEnd = (cut.sOffset + (p1 - c) + kOverviewFrames - 1) / kOverviewFrames;
-        auto firstRecordFrom = [&](int64_t sPos) { return (sPos - nBase + kOverviewFrames - 1) / kOverviewFrames; };
-        int x = std::clamp(geo.ColumnOfSample(static_cast<int32_t>(p0)), x0, x1 - 1);
-        while (x > x0 && geo.SampleOfColumn(x) > p0)
-            --x;
-        while (x < x1 - 1 && geo.SampleOfColumn(x + 1) <= p0)
-            ++x;
-        int64_t kColumnEnd = x < x1 - 1 ? firstRecordFrom(geo.SampleOfColumn(x + 1)) : kEnd;
-        const int32_t nFactor = OverviewFactor(cut.nGain, bVZoom);
-        uint8_t nUp = 0, nDown = 0;
-        auto flush = [&] {
-            pTop[x] = std::max(pTop[x], ScaleByte(nUp, nFactor));
-            pBottom[x] = std::max(pBottom[x], ScaleByte(nDown, nFactor));
-            nUp = nDown = 0;
-        };
-        grf.Seek(k * nRecord);
-        while (k < kEnd) {
-            const int64_t nGot = grf.Read(vBytes.data(), std::min(kEnd - k, kChunkRecords) * nRecord) / nRecord;
-            if (nGot <= 0)
-                break;
-            const int64_t kChunkEnd = k + nGot;
-            const uint8_t* pRec = vBytes.data();
-            while (k < kChunkEnd) {
-                const int64_t n = std::min(kColumnEnd, kChunkEnd) - k;
-                if (n > 0) {
-                    FoldRecords(pRec, n, nChans, bLeftRight, nUp, nDown);
-                    pRec += n * nRecord;
-                    k += n;
-                }
-                if (k >= kColumnEnd && x < x1 - 1) {
-                    flush();
-                    ++x;
-                    kColumnEnd = x < x1 - 1 ? firstRecordFrom(geo.SampleOfColumn(x + 1)) : kEnd;
-                }
-            }
-            if (Stopped(pStop))
-                return false;
-        }
-        flush();
+        if (!FoldCutOverview(pass, grf, cut, c, std::max(c, sFirst), std::min(cEnd, sLast), vBytes))
+            return false;
         c = cEnd;
     }
     return true;

@@ -212,71 +212,98 @@ void LMP3Decoder::ReadScaleFactors1(BitReader& br, int gr, int ch)
     pL[21] = 0;
 }
 
+namespace {
+
+// The bit widths of the four partitions of a lower-sampling-frequency stream's scale factors and
+// the partition scheme they select, from scale factor compress (halved for the intensity channel,
+// whose dropped bit is the intensity scale).
+struct LsfLayout
+{
+    int aSlen[4] = {0, 0, 0, 0};
+    int nScheme = 0;
+    bool bPreflag = false;
+};
+
+[[gnu::always_inline]] inline LsfLayout LsfLayoutOf(int sfc)
+{
+    LsfLayout lay;
+    if (sfc < 400) {
+        lay.aSlen[0] = (sfc >> 4) / 5;
+        lay.aSlen[1] = (sfc >> 4) % 5;
+        lay.aSlen[2] = (sfc & 15) >> 2;
+        lay.aSlen[3] = sfc & 3;
+        lay.nScheme = 0;
+    } else if (sfc < 500) {
+        sfc -= 400;
+        lay.aSlen[0] = (sfc >> 2) / 5;
+        lay.aSlen[1] = (sfc >> 2) % 5;
+        lay.aSlen[2] = sfc & 3;
+        lay.nScheme = 1;
+    } else {
+        sfc -= 500;
+        lay.aSlen[0] = sfc / 3;
+        lay.aSlen[1] = sfc % 3;
+        lay.bPreflag = true;
+        lay.nScheme = 2;
+    }
+    return lay;
+}
+
+[[gnu::always_inline]] inline LsfLayout LsfIntensityLayoutOf(int sfc)
+{
+    LsfLayout lay;
+    sfc >>= 1;
+    if (sfc < 180) {
+        lay.aSlen[0] = sfc / 36;
+        lay.aSlen[1] = (sfc % 36) / 6;
+        lay.aSlen[2] = (sfc % 36) % 6;
+        lay.nScheme = 3;
+    } else if (sfc < 244) {
+        sfc -= 180;
+        lay.aSlen[0] = (sfc & 63) >> 4;
+        lay.aSlen[1] = (sfc & 15) >> 2;
+        lay.aSlen[2] = sfc & 3;
+        lay.nScheme = 4;
+    } else {
+        sfc -= 244;
+        lay.aSlen[0] = sfc / 3;
+        lay.aSlen[1] = sfc % 3;
+        lay.nScheme = 5;
+    }
+    return lay;
+}
+
+} // namespace
+
 void LMP3Decoder::ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight)
 {
     Granule& g = aGr[0][ch];
-    int aSlen[4] = {0, 0, 0, 0};
-    int nScheme = 0;
-    int sfc = g.nSfCompress;
-    g.bPreflag = false;
-    if (!bIntensityRight) {
-        if (sfc < 400) {
-            aSlen[0] = (sfc >> 4) / 5;
-            aSlen[1] = (sfc >> 4) % 5;
-            aSlen[2] = (sfc & 15) >> 2;
-            aSlen[3] = sfc & 3;
-            nScheme = 0;
-        } else if (sfc < 500) {
-            sfc -= 400;
-            aSlen[0] = (sfc >> 2) / 5;
-            aSlen[1] = (sfc >> 2) % 5;
-            aSlen[2] = sfc & 3;
-            nScheme = 1;
-        } else {
-            sfc -= 500;
-            aSlen[0] = sfc / 3;
-            aSlen[1] = sfc % 3;
-            g.bPreflag = true;
-            nScheme = 2;
-        }
-    } else {
-        nIntensityScale = sfc & 1;
-        sfc >>= 1;
-        if (sfc < 180) {
-            aSlen[0] = sfc / 36;
-            aSlen[1] = (sfc % 36) / 6;
-            aSlen[2] = (sfc % 36) % 6;
-            nScheme = 3;
-        } else if (sfc < 244) {
-            sfc -= 180;
-            aSlen[0] = (sfc & 63) >> 4;
-            aSlen[1] = (sfc & 15) >> 2;
-            aSlen[2] = sfc & 3;
-            nScheme = 4;
-        } else {
-            sfc -= 244;
-            aSlen[0] = sfc / 3;
-            aSlen[1] = sfc % 3;
-            nScheme = 5;
-        }
-    }
+    const LsfLayout lay = bIntensityRight ? LsfIntensityLayoutOf(g.nSfCompress) : LsfLayoutOf(g.nSfCompress);
+    g.bPreflag = lay.bPreflag;
+    if (bIntensityRight)
+        nIntensityScale = g.nSfCompress & 1;
     const int nBlock = g.bShort ? (g.bMixed ? 2 : 1) : 0;
-    const uint8_t* pCount = LMP3Data::kLsfPartitions[nScheme][nBlock];
+    const uint8_t* pCount = LMP3Data::kLsfPartitions[lay.nScheme][nBlock];
     int aVal[40];
     int aMax[40];
     int n = 0;
     for (int part = 0; part < 4; ++part)
         for (int i = 0; i < pCount[part] && n < 40; ++i, ++n) {
-            aVal[n] = static_cast<int>(br.Get(std::min(aSlen[part], 15)));
-            aMax[n] = (1 << std::min(aSlen[part], 15)) - 1;
+            aVal[n] = static_cast<int>(br.Get(std::min(lay.aSlen[part], 15)));
+            aMax[n] = (1 << std::min(lay.aSlen[part], 15)) - 1;
         }
     for (; n < 40; ++n)
         aVal[n] = aMax[n] = 0;
+    StoreLsfScaleFactors(ch, nBlock, aVal, aMax);
+}
+
+void LMP3Decoder::StoreLsfScaleFactors(int ch, int nBlock, const int* pVal, const int* pMax)
+{
     int k = 0;
     if (nBlock == 0) {
         for (int sfb = 0; sfb < 21; ++sfb, ++k) {
-            aSfL[ch][sfb] = aVal[k];
-            aMaxL[sfb] = aMax[k];
+            aSfL[ch][sfb] = pVal[k];
+            aMaxL[sfb] = pMax[k];
         }
         aSfL[ch][21] = 0; // never sent; intensity stereo takes band 20's position
         aMaxL[21] = aMaxL[20];
@@ -285,15 +312,15 @@ void LMP3Decoder::ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight)
     int nFirst = 0;
     if (nBlock == 2) {
         for (int sfb = 0; sfb < 6; ++sfb, ++k) {
-            aSfL[ch][sfb] = aVal[k];
-            aMaxL[sfb] = aMax[k];
+            aSfL[ch][sfb] = pVal[k];
+            aMaxL[sfb] = pMax[k];
         }
         nFirst = 3;
     }
     for (int sfb = nFirst; sfb < 12; ++sfb)
         for (int w = 0; w < 3; ++w, ++k) {
-            aSfS[ch][sfb][w] = aVal[k];
-            aMaxS[sfb][w] = aMax[k];
+            aSfS[ch][sfb][w] = pVal[k];
+            aMaxS[sfb][w] = pMax[k];
         }
     for (int w = 0; w < 3; ++w) {
         aSfS[ch][12][w] = 0;
@@ -572,81 +599,100 @@ void LMP3Decoder::StereoShortWindow(int w, int nFirstBand, bool bMs)
     }
 }
 
+namespace {
+
+// Mid/side to left/right over lines [nFrom, nTo).
+[[gnu::always_inline]] inline void MidSide(float* l, float* r, int nFrom, int nTo)
+{
+    const float k = 0.70710678118654752f;
+    for (int i = nFrom; i < nTo; ++i) {
+        const float m = l[i], s = r[i];
+        l[i] = (m + s) * k;
+        r[i] = (m - s) * k;
+    }
+}
+
+} // namespace
+
+int LMP3Decoder::FirstIntensityBand(int nFromBand, int nToBand) const
+{
+    const float* r = aXr[1];
+    int nFirst = nFromBand;
+    for (int sfb = nToBand - 1; sfb >= nFromBand; --sfb) {
+        bool bAny = false;
+        for (int i = pLong[sfb]; i < pLong[sfb + 1] && !bAny; ++i)
+            bAny = r[i] != 0.0f;
+        if (bAny) {
+            nFirst = sfb + 1;
+            break;
+        }
+    }
+    return nFirst;
+}
+
+int LMP3Decoder::FirstIntensityShortBand(int w, int nFirstShort) const
+{
+    const float* r = aXr[1];
+    for (int sfb = 12; sfb >= nFirstShort; --sfb) {
+        const int nWidth = pShort[sfb + 1] - pShort[sfb];
+        const int nFrom = 3 * pShort[sfb] + w * nWidth;
+        bool bAny = false;
+        for (int i = nFrom; i < nFrom + nWidth && !bAny; ++i)
+            bAny = r[i] != 0.0f;
+        if (bAny)
+            return sfb + 1;
+    }
+    return nFirstShort;
+}
+
+void LMP3Decoder::StereoShort(const Granule& gRight, bool bMs)
+{
+    float* l = aXr[0];
+    float* r = aXr[1];
+    bool bShortEmpty = true;
+    const int nFirstShort = gRight.bMixed ? 3 : 0;
+    for (int w = 0; w < 3; ++w) {
+        const int nFirst = FirstIntensityShortBand(w, nFirstShort);
+        if (nFirst != nFirstShort)
+            bShortEmpty = false;
+        if (bMs)
+            for (int sfb = nFirstShort; sfb < nFirst; ++sfb) {
+                const int nWidth = pShort[sfb + 1] - pShort[sfb];
+                const int nFrom = 3 * pShort[sfb] + w * nWidth;
+                MidSide(l, r, nFrom, nFrom + nWidth);
+            }
+        StereoShortWindow(w, nFirst, bMs);
+    }
+    if (gRight.bMixed) {
+        if (bShortEmpty) {
+            const int nFirst = FirstIntensityBand(0, nLongMixed);
+            if (bMs)
+                MidSide(l, r, 0, pLong[nFirst]);
+            StereoLong(nFirst, nLongMixed, bMs);
+        } else if (bMs) {
+            MidSide(l, r, 0, pLong[nLongMixed]);
+        }
+    }
+}
+
 void LMP3Decoder::Stereo(const Granule& gRight, int nModeExt)
 {
     const bool bMs = (nModeExt & 2) != 0;
     const bool bIs = (nModeExt & 1) != 0;
-    float* l = aXr[0];
-    float* r = aXr[1];
-    auto Ms = [&](int nFrom, int nTo) {
-        const float k = 0.70710678118654752f;
-        for (int i = nFrom; i < nTo; ++i) {
-            const float m = l[i], s = r[i];
-            l[i] = (m + s) * k;
-            r[i] = (m - s) * k;
-        }
-    };
-    const int nBoth = std::max(aNonZero[0], aNonZero[1]);
     if (!bIs) {
+        const int nBoth = std::max(aNonZero[0], aNonZero[1]);
         if (bMs)
-            Ms(0, nBoth);
+            MidSide(aXr[0], aXr[1], 0, nBoth);
         aNonZero[0] = aNonZero[1] = nBoth;
         return;
     }
-    // Lines above the right channel's last non-zero line carry intensity positions.
-    auto FirstIntensityBand = [&](int nFromBand, int nToBand) {
-        int nFirst = nFromBand;
-        for (int sfb = nToBand - 1; sfb >= nFromBand; --sfb) {
-            bool bAny = false;
-            for (int i = pLong[sfb]; i < pLong[sfb + 1] && !bAny; ++i)
-                bAny = r[i] != 0.0f;
-            if (bAny) {
-                nFirst = sfb + 1;
-                break;
-            }
-        }
-        return nFirst;
-    };
     if (!gRight.bShort) {
         const int nFirst = FirstIntensityBand(0, 22);
         if (bMs)
-            Ms(0, pLong[nFirst]);
+            MidSide(aXr[0], aXr[1], 0, pLong[nFirst]);
         StereoLong(nFirst, 22, bMs);
     } else {
-        bool bShortEmpty = true;
-        const int nFirstShort = gRight.bMixed ? 3 : 0;
-        for (int w = 0; w < 3; ++w) {
-            int nFirst = nFirstShort;
-            for (int sfb = 12; sfb >= nFirstShort; --sfb) {
-                const int nWidth = pShort[sfb + 1] - pShort[sfb];
-                const int nFrom = 3 * pShort[sfb] + w * nWidth;
-                bool bAny = false;
-                for (int i = nFrom; i < nFrom + nWidth && !bAny; ++i)
-                    bAny = r[i] != 0.0f;
-                if (bAny) {
-                    nFirst = sfb + 1;
-                    bShortEmpty = false;
-                    break;
-                }
-            }
-            if (bMs)
-                for (int sfb = nFirstShort; sfb < nFirst; ++sfb) {
-                    const int nWidth = pShort[sfb + 1] - pShort[sfb];
-                    const int nFrom = 3 * pShort[sfb] + w * nWidth;
-                    Ms(nFrom, nFrom + nWidth);
-                }
-            StereoShortWindow(w, nFirst, bMs);
-        }
-        if (gRight.bMixed) {
-            if (bShortEmpty) {
-                const int nFirst = FirstIntensityBand(0, nLongMixed);
-                if (bMs)
-                    Ms(0, pLong[nFirst]);
-                StereoLong(nFirst, nLongMixed, bMs);
-            } else if (bMs) {
-                Ms(0, pLong[nLongMixed]);
-            }
-        }
+        StereoShort(gRight, bMs);
     }
     aNonZero[0] = aNonZero[1] = 576;
 }

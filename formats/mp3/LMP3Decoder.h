@@ -51,12 +51,19 @@ private:
     bool ReadSideInfo(const MP3Header& h, const uint8_t* pSide);
     void ReadScaleFactors1(BitReader& br, int gr, int ch);
     void ReadScaleFactors2(BitReader& br, int ch, bool bIntensityRight);
+    // Spreads the values read in partition order over the long and short bands of the block.
+    void StoreLsfScaleFactors(int ch, int nBlock, const int* pVal, const int* pMax);
     void BuildBandScales(const Granule& g, int ch);
     // Huffman decoding and requantisation of one granule's channel into aXr; returns the lines
     // decoded (those above are zero).
     int DecodeSpectrum(BitReader& br, int nEnd, const Granule& g, int ch);
     int DecodeBigValues(BitCache& bits, int nEnd, const Granule& g, BandCursor& bc, float* xr);
     void Stereo(const Granule& gRight, int nModeExt);
+    // Lines above the right channel's last non-zero line carry intensity positions: the first
+    // band (long, or short in window w) wholly above it.
+    int FirstIntensityBand(int nFromBand, int nToBand) const;
+    int FirstIntensityShortBand(int w, int nFirstShort) const;
+    void StereoShort(const Granule& gRight, bool bMs);
     void StereoLong(int nFirstBand, int nLastBand, bool bMs);
     void StereoShortWindow(int w, int nFirstBand, bool bMs);
     void IntensityLines(float* l, float* r, int nLines, int nPos, int nMax, bool bMs);

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <initializer_list>
 #include <memory>
 #include <poll.h>
 #include <spawn.h>
@@ -65,6 +66,70 @@ void IgnoreSigPipe()
     (void)bDone;
 }
 
+void CloseFds(std::initializer_list<int> fds)
+{
+    for (int fd : fds)
+        if (fd >= 0)
+            ::close(fd);
+}
+
+// The pipes nPipes asks for, closed on exec; false, with the reason, after closing what was made.
+bool MakePipes(int nPipes, int (&inPipe)[2], int (&outPipe)[2], std::string* pError)
+{
+    if (((nPipes & LChildProcess::PipeIn) && ::pipe2(inPipe, O_CLOEXEC) != 0) ||
+        ((nPipes & LChildProcess::PipeOut) && ::pipe2(outPipe, O_CLOEXEC) != 0)) {
+        SetReason(pError, std::string("cannot make a pipe: ") + std::strerror(errno));
+        CloseFds({inPipe[0], inPipe[1], outPipe[0], outPipe[1]});
+        return false;
+    }
+    return true;
+}
+
+// The file for the child's messages, made here, new and ours, before the child can write to it;
+// it replaces the last one. -1, with the reason, when it cannot be made.
+int CreateErrorFile(std::string& szErrorFile, std::string* pError)
+{
+    if (!szErrorFile.empty())
+        ::unlink(szErrorFile.c_str());
+    std::string szWhy;
+    const int fdError = LTempFolder::CreateFile("sonitra-child-", ".err", szErrorFile, &szWhy);
+    if (fdError < 0)
+        SetReason(pError, szWhy);
+    return fdError;
+}
+
+// Standard input from the pipe's read end or /dev/null, standard output to the pipe's write end
+// or /dev/null, standard error to the messages file.
+void AddStandardStreams(posix_spawn_file_actions_t& actions, int nPipes, int fdInRead, int fdOutWrite, int fdError)
+{
+    if (nPipes & LChildProcess::PipeIn)
+        posix_spawn_file_actions_adddup2(&actions, fdInRead, 0);
+    else
+        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    if (nPipes & LChildProcess::PipeOut)
+        posix_spawn_file_actions_adddup2(&actions, fdOutWrite, 1);
+    else
+        posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, fdError, 2);
+}
+
+// Spawns vArgs[0], looked up on the path, with its standard streams set up; posix_spawnp's result.
+int SpawnChild(pid_t& pid, const std::vector<std::string>& vArgs, int nPipes, int fdInRead, int fdOutWrite,
+               int fdError)
+{
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    AddStandardStreams(actions, nPipes, fdInRead, fdOutWrite, fdError);
+    std::vector<char*> vArgv;
+    for (const std::string& s : vArgs)
+        vArgv.push_back(const_cast<char*>(s.c_str()));
+    vArgv.push_back(nullptr);
+    LChildEnvironment env;
+    const int nError = posix_spawnp(&pid, vArgv[0], &actions, nullptr, vArgv.data(), env.Get());
+    posix_spawn_file_actions_destroy(&actions);
+    return nError;
+}
+
 } // namespace
 
 LChildProcess::~LChildProcess()
@@ -98,54 +163,21 @@ bool LChildProcess::Start(const std::vector<std::string>& vArgs, int nPipes, std
     bMissing = false;
     int inPipe[2] = {-1, -1};
     int outPipe[2] = {-1, -1};
-    if (((nPipes & PipeIn) && ::pipe2(inPipe, O_CLOEXEC) != 0) || ((nPipes & PipeOut) && ::pipe2(outPipe, O_CLOEXEC) != 0)) {
-        SetReason(pError, std::string("cannot make a pipe: ") + std::strerror(errno));
-        for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1]})
-            if (fd >= 0)
-                ::close(fd);
+    if (!MakePipes(nPipes, inPipe, outPipe, pError))
         return false;
-    }
-    // The file for its messages is made here, new and ours, before the child can write to it.
-    if (!szErrorFile.empty())
-        ::unlink(szErrorFile.c_str());
-    std::string szWhy;
-    const int fdError = LTempFolder::CreateFile("sonitra-child-", ".err", szErrorFile, &szWhy);
+    const int fdError = CreateErrorFile(szErrorFile, pError);
     if (fdError < 0) {
-        SetReason(pError, szWhy);
-        for (int fd : {inPipe[0], inPipe[1], outPipe[0], outPipe[1]})
-            if (fd >= 0)
-                ::close(fd);
+        CloseFds({inPipe[0], inPipe[1], outPipe[0], outPipe[1]});
         return false;
     }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    if (nPipes & PipeIn)
-        posix_spawn_file_actions_adddup2(&actions, inPipe[0], 0);
-    else
-        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    if (nPipes & PipeOut)
-        posix_spawn_file_actions_adddup2(&actions, outPipe[1], 1);
-    else
-        posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, fdError, 2);
-
-    std::vector<char*> vArgv;
-    for (const std::string& s : vArgs)
-        vArgv.push_back(const_cast<char*>(s.c_str()));
-    vArgv.push_back(nullptr);
-    LChildEnvironment env;
-    const int nError = posix_spawnp(&pid, vArgv[0], &actions, nullptr, vArgv.data(), env.Get());
-    posix_spawn_file_actions_destroy(&actions);
-    for (int fd : {inPipe[0], outPipe[1], fdError})
-        if (fd >= 0)
-            ::close(fd);
+    const int nError = SpawnChild(pid, vArgs, nPipes, inPipe[0], outPipe[1], fdError);
+    // The child's ends are its own now.
+    CloseFds({inPipe[0], outPipe[1], fdError});
     if (nError != 0) {
         LTRACE("LChildProcess::Start posix_spawnp %s: %s", vArgs[0].c_str(), std::strerror(nError));
         pid = -1;
         bMissing = nError == ENOENT;
-        for (int fd : {inPipe[1], outPipe[0]})
-            if (fd >= 0)
-                ::close(fd);
+        CloseFds({inPipe[1], outPipe[0]});
         SetReason(pError, vArgs[0] + ": " + std::strerror(nError));
         return false;
     }

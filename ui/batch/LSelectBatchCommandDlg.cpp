@@ -55,6 +55,25 @@ LSelectBatchCommandDlg::LSelectBatchCommandDlg(QWidget* pParent) : QDialog(pPare
     pName->setObjectName("ScriptName");
     pLayout->addWidget(pName);
     auto* pRow = new QHBoxLayout;
+    MakeCommandList();
+    pRow->addWidget(pList, 1);
+    pRow->addLayout(MakeScriptButtons());
+    pLayout->addLayout(pRow);
+    pDescription = new QLabel(this);
+    pDescription->setObjectName("CommandDescription");
+    pLayout->addWidget(pDescription);
+    auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
+    pButtons->addButton(tr("Next >"), QDialogButtonBox::AcceptRole);
+    connect(pButtons, &QDialogButtonBox::accepted, this, &LSelectBatchCommandDlg::CmOk);
+    connect(pButtons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    pLayout->addWidget(pButtons);
+    resize(520, 400);
+    LoadLastScript();
+    SetModified(false);
+}
+
+void LSelectBatchCommandDlg::MakeCommandList()
+{
     pList = new QListWidget(this);
     pList->setObjectName("BatchCommands");
     // StartDrag: the commands are reordered by dragging them.
@@ -66,7 +85,10 @@ LSelectBatchCommandDlg::LSelectBatchCommandDlg(QWidget* pParent) : QDialog(pPare
     connect(pList, &QListWidget::currentRowChanged, this, &LSelectBatchCommandDlg::UpdateCommandDescription);
     connect(pList->model(), &QAbstractItemModel::rowsMoved, this, [this] { SetModified(true); });
     connect(pList, &QListWidget::itemDoubleClicked, this, [this] { Queue(&LSelectBatchCommandDlg::CmCommandSettings); });
-    pRow->addWidget(pList, 1);
+}
+
+QVBoxLayout* LSelectBatchCommandDlg::MakeScriptButtons()
+{
     auto* pSide = new QVBoxLayout;
     const std::pair<const char*, void (LSelectBatchCommandDlg::*)()> buttons[] = {
         {"New", &LSelectBatchCommandDlg::CmNewFile},
@@ -91,18 +113,11 @@ LSelectBatchCommandDlg::LSelectBatchCommandDlg(QWidget* pParent) : QDialog(pPare
         pSide->addWidget(p);
     }
     pSide->addStretch();
-    pRow->addLayout(pSide);
-    pLayout->addLayout(pRow);
-    pDescription = new QLabel(this);
-    pDescription->setObjectName("CommandDescription");
-    pLayout->addWidget(pDescription);
-    auto* pButtons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
-    pButtons->addButton(tr("Next >"), QDialogButtonBox::AcceptRole);
-    connect(pButtons, &QDialogButtonBox::accepted, this, &LSelectBatchCommandDlg::CmOk);
-    connect(pButtons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    pLayout->addWidget(pButtons);
-    resize(520, 400);
+    return pSide;
+}
 
+void LSelectBatchCommandDlg::LoadLastScript()
+{
     // The script of last time, when it is still there.
     const std::string szLast = LSettings::GetString(kSection, "ScriptFile");
     std::vector<CommandDataItem> vItems;
@@ -110,7 +125,6 @@ LSelectBatchCommandDlg::LSelectBatchCommandDlg(QWidget* pParent) : QDialog(pPare
         szFilePath = szLast;
         SetItems(vItems);
     }
-    SetModified(false);
 }
 
 void LSelectBatchCommandDlg::Queue(void (LSelectBatchCommandDlg::*fn)())

@@ -12,6 +12,7 @@
 
 class QLabel;
 class QListWidget;
+class QVBoxLayout;
 
 class LSelectBatchCommandDlg : public QDialog
 {
@@ -53,6 +54,10 @@ public slots:
     void accept() override { CmOk(); }
 
 private:
+    void MakeCommandList();
+    // New, Open, Save, Save As, Add, Remove and Settings, one above the other.
+    QVBoxLayout* MakeScriptButtons();
+    void LoadLastScript();
     // Asks about unsaved changes; false when the user cancels.
     bool QuerySave();
     void SetItems(const std::vector<CommandDataItem>& vItems);
