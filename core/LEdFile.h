@@ -30,6 +30,7 @@ public:
 
     // The same document object for the file's whole life: undo restores into it.
     LCutListAudio& GetDocument() { return *pDoc; }
+    const LCutListAudio& GetDocument() const { return *pDoc; }
     const LCutListAudioPtr& GetDocumentPtr() const { return pDoc; }
 
     bool IsModified() const { return bModified; }

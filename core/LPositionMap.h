@@ -22,6 +22,7 @@ public:
         int32_t sLength;
         int32_t nGain;
         int32_t sOffset;
+        bool operator==(const Run&) const = default;
     };
     using Version = std::vector<Run>;
 

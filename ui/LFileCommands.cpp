@@ -218,6 +218,7 @@ bool LFileCommands::SaveFile(LEdFileWindow* pWindow)
     }
     pWindow->GetFile().SetModified(false);
     pWindow->setWindowTitle(pWindow->Caption());
+    marks.FileSaved(pWindow);
     frame.NoteChange();
     return true;
 }

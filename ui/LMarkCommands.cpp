@@ -75,6 +75,7 @@ void LMarkCommands::LoadBookmarksFor(LEdFileWindow* pWindow)
     const std::string szPath = pWindow->GetPath();
     if (!setBookmarksRead.insert(szPath).second)
         return;
+    FollowEdits(pWindow);
     std::vector<LEdBookMark> v;
     std::string szWhy;
     const LBookmarkFile::Result result = LBookmarkFile::Load(szPath, v, &szWhy);
@@ -89,10 +90,26 @@ void LMarkCommands::LoadBookmarksFor(LEdFileWindow* pWindow)
         });
         return;
     }
+    follower.FromDisk(pWindow->GetFile(), v);
     for (LEdBookMark& b : v) {
         b.SetPath(szPath); // the list follows its file wherever the file was moved
         vBookmarks.push_back(b);
     }
+}
+
+void LMarkCommands::FollowEdits(LEdFileWindow* pWindow)
+{
+    const std::string& szKey = pWindow->GetKey();
+    if (follower.Follow(pWindow->GetFile(), szKey, vBookmarks, vRegions) && szKey.front() == '/' && LFile::Exists(szKey))
+        SaveBookmarksOf(szKey);
+}
+
+void LMarkCommands::FileSaved(LEdFileWindow* pWindow)
+{
+    FollowEdits(pWindow);
+    follower.Saved(pWindow->GetFile());
+    if (LBookmarkFile::CountOf(pWindow->GetPath(), vBookmarks) > 0)
+        SaveBookmarksOf(pWindow->GetPath());
 }
 
 void LMarkCommands::BookmarksChanged(const std::string& szKey)
@@ -109,7 +126,10 @@ bool LMarkCommands::SaveBookmarksOf(const std::string& szPath)
     if (bRefused && LBookmarkFile::CountOf(szPath, vBookmarks) == 0)
         return true;
     std::string szWhy = "the list beside the file could not be read and is kept as it is";
-    if (!bRefused && LBookmarkFile::Save(szPath, vBookmarks, &szWhy))
+    LEdFileWindow* pWindow = FindWindowByKey(szPath, false);
+    const std::vector<LEdBookMark> vOnDisk =
+        pWindow ? follower.OnDisk(pWindow->GetFile(), szPath, vBookmarks) : vBookmarks;
+    if (!bRefused && LBookmarkFile::Save(szPath, vOnDisk, &szWhy))
         return true;
     LTRACE("LMarkCommands::SaveBookmarksOf cannot save %s: %s", LBookmarkFile::PathFor(szPath).c_str(), szWhy.c_str());
     // Told once the command or the closing of the window has finished.
@@ -129,11 +149,15 @@ void LMarkCommands::RegionsChanged()
 void LMarkCommands::ForgetBookmarksOf(LEdFileWindow* pWindow)
 {
     const std::string szKey = pWindow->GetKey();
-    for (LEdFileWindow* p : frame.GetFileWindows())
-        if (p != pWindow && p->GetKey() == szKey)
+    for (LEdFileWindow* p : frame.GetFileWindows()) {
+        if (p != pWindow && p->GetKey() == szKey) {
+            follower.Forget(pWindow->GetFile());
             return; // still open in another window
+        }
+    }
     if (!pWindow->GetPath().empty())
         SaveBookmarksOf(pWindow->GetPath());
+    follower.Forget(pWindow->GetFile());
     vBookmarks.erase(std::remove_if(vBookmarks.begin(), vBookmarks.end(),
                                     [&](const LEdBookMark& b) { return b.GetPath() == szKey; }),
                      vBookmarks.end());
@@ -190,6 +214,13 @@ void LMarkCommands::CmAddRegion()
 
 void LMarkCommands::UpdateMarks()
 {
+    // A file of a window closed by its title bar goes here; another file may come to its place.
+    std::vector<const LEdFile*> vOpen;
+    for (LEdFileWindow* pWindow : frame.GetFileWindows()) {
+        vOpen.push_back(&pWindow->GetFile());
+        FollowEdits(pWindow);
+    }
+    follower.Retain(vOpen);
     for (LEdFileWindow* pWindow : frame.GetFileWindows()) {
         const std::string& szKey = pWindow->GetKey();
         std::vector<LWaveMark> v;

@@ -10,6 +10,7 @@
 #include "core/LCutListAudio.h"
 #include "project/LEdBookMark.h"
 #include "project/LEdRegion.h"
+#include "project/LMarkFollower.h"
 #include "ui/LFrame.h"
 
 class LEditCommands;
@@ -38,8 +39,11 @@ public:
     void LoadBookmarksFor(LEdFileWindow* pWindow);
     void ForgetBookmarksOf(LEdFileWindow* pWindow);
     void RekeyBookmarks(const std::string& szOldKey, const std::string& szNewKey);
-    // Gives every file window its bookmarks and regions to draw.
+    // Moves the marks of every file whose audio changed with it, then gives every file window
+    // its bookmarks and regions to draw.
     void UpdateMarks();
+    // The file was written: its bookmark list now speaks of the audio as it is.
+    void FileSaved(LEdFileWindow* pWindow);
 
     // The marks a project opens with, those it is saved with, and none once it has closed.
     void TakeFromProject(const LEdProject& project);
@@ -55,11 +59,14 @@ private:
     // Writes the list beside the file; false (the user is told later) when it cannot.
     bool SaveBookmarksOf(const std::string& szPath);
     LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
+    // Moves the window's marks with its edits; a moved bookmark is written beside its file.
+    void FollowEdits(LEdFileWindow* pWindow);
 
     LFrame& frame;
     LEditCommands& edit;
     std::vector<LEdBookMark> vBookmarks;
     std::vector<LEdRegion> vRegions;
+    LMarkFollower follower;
     std::set<std::string> setBookmarksRead; // files whose bookmark list has been read
     // Files whose bookmark list was refused (damaged, another version): never written over.
     std::set<std::string> setBookmarksRefused;

@@ -353,6 +353,7 @@ bool MainDialog::eventFilter(QObject* pWatched, QEvent* pEvent)
         return true;
     }
     pTransport->ForgetWindow(pWindow);
+    pMarks->ForgetBookmarksOf(pWindow);
     return false;
 }
 

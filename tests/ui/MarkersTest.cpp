@@ -10,6 +10,7 @@
 #include "ui/LBookmarkListDlg.h"
 #include "ui/LEdWaveWindow.h"
 #include "ui/LMarkCommands.h"
+#include "project/LBookmarkFile.h"
 #include "ui/LRegionListDlg.h"
 #include "UiTestSupport.h"
 
@@ -195,6 +196,52 @@ private slots:
         QVERIFY(pOther);
         QVERIFY(pOther->GetDetail()->GetMarks().empty());
         QCOMPARE(pDetail->GetMarks().size(), size_t(1));
+    }
+
+    // Marks stay on their audio through edits, undo and redo, while the list beside the file
+    // speaks of the file on disk: it follows a save, and edits thrown away never reach it.
+    void marksFollowTheirAudioAndTheListBesideTheFileFollowsSaves()
+    {
+        const std::string szPath = pWindow->GetPath();
+        const auto onDisk = [&] {
+            std::vector<LEdBookMark> v;
+            LBookmarkFile::Load(szPath, v);
+            return v.size() == 1 ? v[0].sPosition : -1;
+        };
+        const auto edit = [&](int nId, int32_t sEnd) {
+            pWindow->SetSelection(0, sEnd);
+            QVERIFY(frame->Command(nId));
+        };
+        const std::vector<LEdBookMark>& vMarks = frame->GetMarks().GetBookmarks();
+        const std::vector<LEdRegion>& vRegions = frame->GetMarks().GetRegions();
+        SetBookmarkAt(60000);
+        pWindow->SetSelection(55000, 57000);
+        QVERIFY(frame->Command(CmAddRegionId));
+
+        edit(CmDeleteId, 10000);
+        QCOMPARE(vMarks[0].sPosition, 50000);
+        QCOMPARE(vRegions[0].sStart, 45000);
+        QCOMPARE(vRegions[0].sEnd, 47000);
+        QCOMPARE(onDisk(), 60000);
+        QVERIFY(frame->Command(CmUndoId));
+        QCOMPARE(vMarks[0].sPosition, 60000);
+        QVERIFY(frame->Command(CmRedoId));
+        QCOMPARE(vMarks[0].sPosition, 50000);
+        QCOMPARE(int(Samples(pWindow->GetFile().GetDocument())[50000]), int(vOrig[60000]));
+
+        QVERIFY(frame->Command(CmSaveId));
+        QCOMPARE(onDisk(), 50000);
+        edit(CmDeleteId, 5000);
+        QCOMPARE(vMarks[0].sPosition, 45000);
+        QCOMPARE(onDisk(), 50000);
+        h->prompts.answers.push_back(LUiPrompts::AnswerNo); // the changes are thrown away
+        QVERIFY(frame->Command(CmCloseId));
+        QCOMPARE(onDisk(), 50000);
+        h->prompts.openNames.push_back({QString::fromStdString(szPath)});
+        QVERIFY(frame->Command(CmOpenId));
+        QCOMPARE(vMarks.size(), size_t(1));
+        QCOMPARE(vMarks[0].sPosition, 50000);
+        QCOMPARE(int(Samples(frame->GetCurrentFile()->GetDocument())[50000]), int(vOrig[60000]));
     }
 };
 
