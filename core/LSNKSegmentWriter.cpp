@@ -84,19 +84,11 @@ void LSNKSegmentWriter::FoldOverview(const int32_t* pBuffer, int32_t nFrames)
     vRecords.clear();
     while (nFrames > 0) {
         const int32_t nStep = std::min(nFrames, kOverviewFrames - nRecordFrames);
-        const int32_t nSamples = nStep * nChans;
-        for (int32_t ch = 0; ch < nChans; ++ch) {
-            int32_t nMax = vMax[ch];
-            int32_t nMin = vMin[ch];
-            for (int32_t i = ch; i < nSamples; i += nChans) {
-                const int32_t v = pBuffer[i];
-                nMax = v > nMax ? v : nMax;
-                nMin = v < nMin ? v : nMin;
-            }
-            vMax[ch] = nMax;
-            vMin[ch] = nMin;
-        }
-        pBuffer += nSamples;
+        if (4 % nChans == 0)
+            FoldInLanes(pBuffer, nStep * nChans);
+        else
+            FoldByChannel(pBuffer, nStep * nChans);
+        pBuffer += nStep * nChans;
         nFrames -= nStep;
         nRecordFrames += nStep;
         if (nRecordFrames == kOverviewFrames)
@@ -104,6 +96,46 @@ void LSNKSegmentWriter::FoldOverview(const int32_t* pBuffer, int32_t nFrames)
     }
     if (!vRecords.empty())
         fileGrf.Write(vRecords.data(), static_cast<int64_t>(vRecords.size()));
+}
+
+// One, two or four channels: four lanes side by side each keep to one channel, which lets the
+// compiler fold four samples at a time.
+void LSNKSegmentWriter::FoldInLanes(const int32_t* pSamples, int32_t nSamples)
+{
+    int32_t aMax[4], aMin[4];
+    for (int k = 0; k < 4; ++k) {
+        aMax[k] = vMax[k % nChans];
+        aMin[k] = vMin[k % nChans];
+    }
+    int32_t i = 0;
+    for (; i + 4 <= nSamples; i += 4) {
+        for (int k = 0; k < 4; ++k) {
+            aMax[k] = std::max(aMax[k], pSamples[i + k]);
+            aMin[k] = std::min(aMin[k], pSamples[i + k]);
+        }
+    }
+    for (; i < nSamples; ++i) {
+        aMax[i % 4] = std::max(aMax[i % 4], pSamples[i]);
+        aMin[i % 4] = std::min(aMin[i % 4], pSamples[i]);
+    }
+    for (int k = 0; k < 4; ++k) {
+        vMax[k % nChans] = std::max(vMax[k % nChans], aMax[k]);
+        vMin[k % nChans] = std::min(vMin[k % nChans], aMin[k]);
+    }
+}
+
+void LSNKSegmentWriter::FoldByChannel(const int32_t* pSamples, int32_t nSamples)
+{
+    for (int32_t ch = 0; ch < nChans; ++ch) {
+        int32_t nMax = vMax[ch];
+        int32_t nMin = vMin[ch];
+        for (int32_t i = ch; i < nSamples; i += nChans) {
+            nMax = std::max(nMax, pSamples[i]);
+            nMin = std::min(nMin, pSamples[i]);
+        }
+        vMax[ch] = nMax;
+        vMin[ch] = nMin;
+    }
 }
 
 void LSNKSegmentWriter::AppendRecord()

@@ -35,6 +35,9 @@ public:
 
 private:
     void FoldOverview(const int32_t* pBuffer, int32_t nFrames);
+    // Widens each channel's peaks over whole frames of samples.
+    void FoldInLanes(const int32_t* pSamples, int32_t nSamples);
+    void FoldByChannel(const int32_t* pSamples, int32_t nSamples);
     void AppendRecord();
     void Finish();
 
