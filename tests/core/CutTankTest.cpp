@@ -153,11 +153,12 @@ TEST_F(CutTank, WriterOverviewMatchesADirectComputationForAnyBlocking)
 {
     std::mt19937 rng(5);
     for (int nRound = 0; nRound < 60; ++nRound) {
-        const int nChans = 1 + nRound % 3;
+        const int nChans = 1 + nRound % 4;
         std::vector<int32_t> v(std::uniform_int_distribution<int>(0, 3000)(rng) * nChans);
         const int nShift = std::uniform_int_distribution<int>(0, 31)(rng); // from tiny to full range
-        for (int32_t& s : v)
-            s = static_cast<int32_t>(rng()) >> nShift;
+        // Each channel far louder than the one before: a sample counted in the wrong channel shows.
+        for (size_t i = 0; i < v.size(); ++i)
+            v[i] = static_cast<int32_t>(rng()) >> std::min<int>(31, nShift + 6 * (nChans - 1 - static_cast<int>(i % nChans)));
         if (nRound % 7 == 0 && !v.empty())
             v[0] = INT32_MIN;
         LCutListAudioPtr pDoc(new LCutListAudio);
