@@ -97,11 +97,11 @@ void LMarkCommands::LoadBookmarksFor(LEdFileWindow* pWindow)
     }
 }
 
+// The list beside the file is not written here: it holds places in the file on disk, which an
+// edit does not move.
 void LMarkCommands::FollowEdits(LEdFileWindow* pWindow)
 {
-    const std::string& szKey = pWindow->GetKey();
-    if (follower.Follow(pWindow->GetFile(), szKey, vBookmarks, vRegions) && szKey.front() == '/' && LFile::Exists(szKey))
-        SaveBookmarksOf(szKey);
+    follower.Follow(pWindow->GetFile(), pWindow->GetKey(), vBookmarks, vRegions);
 }
 
 void LMarkCommands::FileSaved(LEdFileWindow* pWindow)

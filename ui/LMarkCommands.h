@@ -59,7 +59,7 @@ private:
     // Writes the list beside the file; false (the user is told later) when it cannot.
     bool SaveBookmarksOf(const std::string& szPath);
     LEdFileWindow* FindWindowByKey(const std::string& szKey, bool bOpen);
-    // Moves the window's marks with its edits; a moved bookmark is written beside its file.
+    // Moves the window's marks with its edits.
     void FollowEdits(LEdFileWindow* pWindow);
 
     LFrame& frame;
