@@ -214,7 +214,8 @@ void LMarkCommands::CmAddRegion()
 
 void LMarkCommands::UpdateMarks()
 {
-    // A file of a window closed by its title bar goes here; another file may come to its place.
+    // Files whose windows went another way than through ForgetBookmarksOf are let go too: a new
+    // file may take a gone one's place in memory and must not inherit its versions.
     std::vector<const LEdFile*> vOpen;
     for (LEdFileWindow* pWindow : frame.GetFileWindows()) {
         vOpen.push_back(&pWindow->GetFile());
